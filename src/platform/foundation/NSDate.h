@@ -1,7 +1,7 @@
 // An instant: seconds since 2001-01-01 00:00:00 UTC as a double, compared exactly.
 //
 // Queue: any; a value. No other type of time crosses a function border. Absent is std::optional<NSDate>. The present
-// comes from the clock (platform/dispatch/Clock.h) alone. Calendar arithmetic is in NSCalendar.h.
+// comes from the clock (platform/foundation/Clock.h) alone. Calendar arithmetic is in NSCalendar.h.
 #pragma once
 
 #include <compare>
