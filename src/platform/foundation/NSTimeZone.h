@@ -1,6 +1,7 @@
 // The rules of a time zone, from the system's time-zone data.
 //
-// Queue: any; an immutable value, cheap to copy.
+// Queue: any; an immutable value, cheap to copy. Instants more than thirty million years away are reckoned as if they
+// were that far, and one that is not a number as the reference date.
 #pragma once
 
 #include <cstdint>
@@ -49,6 +50,8 @@ class NSTimeZone {
     /// The instant of a wall clock reading; the first where it occurs twice, and moved on by the length of the gap where
     /// it does not occur.
     NSDate dateOfCivilTime(const CivilTime& time) const;
+    /// As dateOfCivilTime, but the last where it occurs twice.
+    NSDate lastDateOfCivilTime(const CivilTime& time) const;
 
   private:
     struct Rules;
