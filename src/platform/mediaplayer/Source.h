@@ -1,0 +1,49 @@
+// Where a media library comes from: the library of one player, read into snapshots.
+//
+// Queue: one caller at a time, any queue; read() may take seconds. Who owns: the composition root.
+// What a source cannot do it says in its capabilities; the screens leave that action out.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/Result.h"
+#include "platform/mediaplayer/MediaSnapshot.h"
+
+namespace tavrion {
+
+struct SourceCapabilities {
+    bool canWriteLikes = false;
+    bool canWritePlaylists = false;
+    bool canPlay = false;
+};
+
+/// What to watch to learn that a library changed. Owners replace their files whole, so the
+/// directory is watched for the file's name.
+struct SourceWatch {
+    std::filesystem::path directory;
+    std::string fileName;
+};
+
+class Source {
+  public:
+    virtual ~Source() = default;
+
+    /// The name under which the source is registered ("music-xml").
+    virtual std::string kind() const = 0;
+    /// Which library of that kind: a file, a socket, an address.
+    virtual std::string location() const = 0;
+    virtual SourceCapabilities capabilities() const { return {}; }
+    /// Reads the whole library. An error is one line that says what to do.
+    virtual Result<std::shared_ptr<const MediaSnapshot>> read() = 0;
+    /// Writes the liked state of a song into the player's library. Called only with canWriteLikes;
+    /// from any queue.
+    virtual Result<void> setLiked(std::uint64_t persistentID, std::uint32_t likedState);
+    /// Empty when nothing on disk tells of changes.
+    virtual std::vector<SourceWatch> watches() const { return {}; }
+};
+
+}  // namespace tavrion
