@@ -36,4 +36,11 @@ class MPMediaPlaylist : public MPMediaItemCollection {
     const PlaylistRecord& record() const;
 };
 
+/// The property of that name ("name", "playlistPersistentID", "parentPersistentID", "isFolder",
+/// "isHidden", "isStock"); absent for an unknown name.
+Value valueOfPlaylist(const MediaSnapshot& snapshot, const PlaylistRecord& playlist,
+                      std::string_view property);
+/// Whether a filter on that property chooses among playlists.
+bool isPlaylistProperty(std::string_view property);
+
 }  // namespace tavrion

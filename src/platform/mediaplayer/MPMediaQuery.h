@@ -70,6 +70,14 @@ class MPMediaQuery {
 
   private:
     explicit MPMediaQuery(MPMediaGrouping grouping) : grouping_(grouping) {}
+    std::vector<MPMediaItemCollection> playlists(
+        const std::shared_ptr<const MediaSnapshot>& snapshot) const;
+    MPMediaItemCollection collection(const std::shared_ptr<const MediaSnapshot>& snapshot,
+                                     const std::vector<std::uint32_t>& positions,
+                                     std::uint64_t persistentID,
+                                     std::string_view persistentIDProperty,
+                                     const PlaylistRecord* playlist = nullptr) const;
+
     MPMediaGrouping grouping_;
     bool includesNonLibrary_ = false;
     std::vector<MPMediaPropertyPredicate> predicates_;
