@@ -11,6 +11,10 @@ if(TAVRION_SANITIZE)
   target_link_options(tavrion_options INTERFACE -fsanitize=${TAVRION_SANITIZE})
 endif()
 
+if(TAVRION_FUZZ)
+  target_compile_options(tavrion_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # tavrion_room(name FOLDER path LINKS target...): the static library tavrion_<name> of all .cpp in the folder.
 function(tavrion_room name)
   cmake_parse_arguments(ROOM "" "FOLDER" "LINKS" ${ARGN})
@@ -35,4 +39,23 @@ function(tavrion_tests name)
   target_include_directories(${name}_tests PRIVATE "${CMAKE_SOURCE_DIR}")
   target_link_libraries(${name}_tests PRIVATE ${T_LINKS} tavrion_testing GTest::gtest GTest::gmock GTest::gtest_main)
   gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
+
+# tavrion_fuzz(name LINKS target...): the fuzz target name of fuzz/<name>.cpp; its corpus is fuzz/corpus/<name>/.
+# tools/fuzz runs every target listed in the build directory's fuzz-targets.txt.
+function(tavrion_fuzz name)
+  cmake_parse_arguments(FUZZ "" "" "LINKS" ${ARGN})
+  add_executable(${name} ${name}.cpp)
+  target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE ${FUZZ_LINKS})
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  set_property(GLOBAL APPEND_STRING PROPERTY TAVRION_FUZZ_TARGETS "${name}\n")
+  get_property(targets GLOBAL PROPERTY TAVRION_FUZZ_TARGETS)
+  file(WRITE "${CMAKE_BINARY_DIR}/fuzz-targets.txt" "${targets}")
+endfunction()
+
+# tavrion_script_test(name script): a test that is a Python script of its own.
+function(tavrion_script_test name script)
+  add_test(NAME ${name} COMMAND Python3::Interpreter "${CMAKE_SOURCE_DIR}/${script}")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1")
 endfunction()
