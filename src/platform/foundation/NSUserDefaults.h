@@ -1,10 +1,15 @@
-// The user defaults: named values that last, in one property list file shared by all processes of a user.
+// The user defaults: named values that last, in one property list file shared by all processes of a
+// user.
 //
-// Queue: any. Who owns: the composition root opens the file and plugs the object; standardUserDefaults() gives it.
-// A missing key reads as absent, NO, or 0; nothing is registered. A write takes the lock beside the file, reads the file
-// again, changes its one key and renames the new file into place, so that writers in several processes lose nothing;
-// writing the value that is already there writes nothing. Readers notice another process's write at their next read.
-// Dates keep all their digits.
+// Queue: any. Who owns: the composition root opens the file and plugs the object;
+// standardUserDefaults() gives it. A missing key reads as absent, NO, or 0; nothing is registered.
+// A write takes the lock beside the file, reads the file again, changes its one key and renames the
+// new file into place, so that writers in several processes lose nothing; writing the value that is
+// already there writes nothing. Readers notice another process's write at their next read. Dates
+// keep all their digits. A file that is damaged while it is in use is never written over: this
+// process keeps the values it has seen and those it sets, and synchronize() says what is wrong.
+// Text that is not UTF-8, and a zero byte in a text, becomes U+FFFD, because a property list cannot
+// hold it.
 #pragma once
 
 #include <cstdint>
@@ -42,8 +47,9 @@ class NSUserDefaults {
         std::shared_ptr<Registration> registration_;
     };
 
-    /// Opens the list in `file`; a missing file is an empty list and is made by the first write. A file that cannot be read
-    /// as a property list with a dictionary at its top is an error that names the file, and stays as it is.
+    /// Opens the list in `file`; a missing file is an empty list and is made by the first write. A
+    /// file that cannot be read as a property list with a dictionary at its top is an error that
+    /// names the file, and stays as it is.
     static Result<std::unique_ptr<NSUserDefaults>> open(const std::filesystem::path& file);
     /// Defaults that live in memory only.
     static std::unique_ptr<NSUserDefaults> inMemory();
@@ -63,21 +69,27 @@ class NSUserDefaults {
     /// All keys with their values.
     Value::Dictionary dictionaryRepresentation() const;
 
-    /// Stores the value; an absent one removes the key. An ObjectReference cannot be stored and is a broken promise.
-    /// A failed write keeps the value in memory for this process, and is told by the next synchronize().
+    /// Stores the value; an absent one removes the key. An ObjectReference cannot be stored and is
+    /// a broken promise, and so is an absent member of an array; an absent member of a dictionary
+    /// is left out. A dictionary with the one key "NS.time" and a real is how an instant is kept,
+    /// and reads back as one. A failed write keeps the value in memory for this process. Later
+    /// writes and synchronize() try it again, and synchronize() tells when it still fails.
     void setObject(const std::string& key, Value value);
     void removeObject(const std::string& key);
 
-    /// Writes gathered until endGathering() (calls nest): the file is written once at the end. Reads in this process see
-    /// the new values at once.
+    /// Writes gathered until endGathering() (calls nest): the file is written once at the end.
+    /// Reads in this process see the new values at once.
     void beginGathering();
     void endGathering();
-    /// Writes what is not yet in the file, and reports what could not be written since the last call.
+    /// Writes what is not yet in the file, and reports what could not be written since the last
+    /// call.
     Result<void> synchronize();
 
-    /// Tells `observer` of every change of `key`, on `queue`, or on the writer's queue when `queue` is null.
-    /// A change made by another process is told when this process first notices it.
-    [[nodiscard]] Observation addObserver(const std::string& key, Executor* queue, Observer observer);
+    /// Tells `observer` of every change of `key`, on `queue`, or on the writer's queue when `queue`
+    /// is null. A change made by another process is told when this process first notices it. The
+    /// changes of two writers at once may be told in either order.
+    [[nodiscard]] Observation addObserver(const std::string& key, Executor* queue,
+                                          Observer observer);
 
   private:
     struct State;
@@ -88,7 +100,9 @@ class NSUserDefaults {
 /// Gathers the writes of a scope.
 class GatheredDefaultsWrites {
   public:
-    explicit GatheredDefaultsWrites(NSUserDefaults& defaults) : defaults_(defaults) { defaults_.beginGathering(); }
+    explicit GatheredDefaultsWrites(NSUserDefaults& defaults) : defaults_(defaults) {
+        defaults_.beginGathering();
+    }
     ~GatheredDefaultsWrites() { defaults_.endGathering(); }
     GatheredDefaultsWrites(const GatheredDefaultsWrites&) = delete;
     GatheredDefaultsWrites& operator=(const GatheredDefaultsWrites&) = delete;
