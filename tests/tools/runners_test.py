@@ -1,0 +1,185 @@
+#!/usr/bin/env python3
+"""Runs tools/over-sources, tools/fuzz and tools/lint in made-up trees, with stand-ins for compiler and fuzz targets."""
+
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+TOOLS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools")
+
+
+class Tree(unittest.TestCase):
+    """A project root of its own, with a copy of one tool."""
+
+    tool = ""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = os.path.realpath(folder.name)
+        os.makedirs(os.path.join(self.root, "tools"))
+        shutil.copy(os.path.join(TOOLS, self.tool), os.path.join(self.root, "tools", self.tool))
+
+    def write(self, path, text, executable=False):
+        full = os.path.join(self.root, path)
+        os.makedirs(os.path.dirname(full), exist_ok=True)
+        with open(full, "w", encoding="utf-8") as file:
+            file.write(text)
+        if executable:
+            os.chmod(full, 0o755)
+
+    def run_command(self, *words):
+        # A hook of git that runs the tests names its own repository in the environment.
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("GIT_")}
+        return subprocess.run(words, cwd=self.root, env=environment, capture_output=True, text=True, check=False,
+                              stdin=subprocess.DEVNULL)
+
+    def run_tool(self, *words):
+        return self.run_command(os.path.join(self.root, "tools", self.tool), *words)
+
+
+class OverSourcesTest(Tree):
+    tool = "over-sources"
+
+    def setUp(self):
+        super().setUp()
+        # Complains about a source that holds the word "wrong", and shows with which words it was called.
+        self.write("compiler", '#!/bin/sh\necho "$@" >> calls\nfor word; do source=$word; done\n'
+                   'for word; do case $word in *.cpp) source=$word;; esac; done\n'
+                   'if grep -q wrong "$source"; then echo "$source: it is wrong"; exit 1; fi\n', executable=True)
+        self.write("src/A.cpp", "right\n")
+        self.write("src/deep/B.cpp", "right\n")
+
+    def commands(self, *sources):
+        entries = [{"directory": self.root, "file": source,
+                    "command": f"./compiler -Wall -MD -MT x.o -MF x.d -o x.o -c {source}"} for source in sources]
+        self.write("build/compile_commands.json", json.dumps(entries))
+
+    def test_clean_sources_pass_and_each_is_looked_at(self):
+        self.commands("src/A.cpp", "src/deep/B.cpp")
+        result = self.run_tool("syntax", "build", "src")
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        with open(os.path.join(self.root, "calls"), encoding="utf-8") as file:
+            calls = sorted(file.read().splitlines())
+        self.assertEqual(calls, ["-Wall src/A.cpp -fsyntax-only", "-Wall src/deep/B.cpp -fsyntax-only"])
+
+    def test_a_finding_fails_and_is_shown(self):
+        self.commands("src/A.cpp", "src/deep/B.cpp")
+        self.write("src/deep/B.cpp", "wrong\n")
+        result = self.run_tool("syntax", "build", "src")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("src/deep/B.cpp: it is wrong", result.stdout)
+
+    def test_a_source_that_no_target_compiles_fails(self):
+        self.commands("src/A.cpp")
+        result = self.run_tool("syntax", "build", "src")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("src/deep/B.cpp:1: no target of build compiles this file", result.stdout)
+
+    def test_nothing_to_check_is_an_error(self):
+        self.commands("src/A.cpp")
+        self.assertEqual(self.run_tool("syntax", "build", "tools").returncode, 2)
+
+    def test_a_build_directory_that_is_not_configured_is_an_error(self):
+        result = self.run_tool("syntax", "build", "src")
+        self.assertEqual(result.returncode, 2)
+        self.assertIn("configure it first", result.stderr)
+
+
+class FuzzTest(Tree):
+    tool = "fuzz"
+
+    def setUp(self):
+        super().setUp()
+        for name in ("reader", "writer", "parser"):
+            self.target(name, f'echo "{name} $1" >> "$0.calls"\necho "Done 7 runs"\n')
+            self.write(f"fuzz/corpus/{name}/first", "x")
+        self.write("build/fuzz-targets.txt", "reader\nwriter\nparser\n")
+
+    def target(self, name, script):
+        self.write(f"build/fuzz/{name}", f"#!/bin/sh\n{script}", executable=True)
+
+    def test_every_target_replays_its_corpus_and_then_searches(self):
+        result = self.run_tool("build", "3")
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        for name in ("reader", "writer", "parser"):
+            with open(os.path.join(self.root, f"build/fuzz/{name}.calls"), encoding="utf-8") as file:
+                self.assertEqual(file.read().splitlines(), [f"{name} -runs=0", f"{name} -max_total_time=3"])
+            self.assertIn(f"fuzz: {name}: 1 inputs replayed; Done 7 runs", result.stdout)
+
+    def test_a_target_that_breaks_fails_whichever_it_is(self):
+        for name in ("reader", "writer", "parser"):
+            for argument in ("-runs=0", "-max_total_time=3"):
+                with self.subTest(name=name, argument=argument):
+                    self.setUp()
+                    self.target(name, f'if [ "$1" = {argument} ]; then echo it crashed; exit 77; fi\n')
+                    result = self.run_tool("build", "3")
+                    self.assertNotEqual(result.returncode, 0)
+                    self.assertIn("it crashed", result.stdout)
+                    self.assertIn(f"{name} broke", result.stderr)
+
+    def test_a_target_without_a_corpus_is_an_error(self):
+        os.remove(os.path.join(self.root, "fuzz/corpus/writer/first"))
+        result = self.run_tool("build", "3")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("writer has no corpus", result.stderr)
+
+    def test_a_target_that_is_not_built_is_an_error(self):
+        os.remove(os.path.join(self.root, "build/fuzz/writer"))
+        self.assertIn("writer is not built", self.run_tool("build", "3").stderr)
+
+    def test_no_target_at_all_is_an_error(self):
+        self.write("build/fuzz-targets.txt", "")
+        result = self.run_tool("build", "3")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("no fuzz target", result.stderr)
+
+
+class LintTest(Tree):
+    tool = "lint"
+
+    def setUp(self):
+        super().setUp()
+        self.write("src/A.cpp", "int a;\n" * 600)
+        self.write("src/A.qml", "Item {}\n" * 300)
+        self.assertEqual(self.run_command("git", "init", "-q").returncode, 0)
+
+    def words(self, text):
+        self.write("docs/page.md", text)
+        self.assertEqual(self.run_command("git", "add", ".").returncode, 0)
+        return self.run_tool("words")
+
+    def test_files_of_the_greatest_size_pass(self):
+        self.assertEqual(self.run_tool("sizes").returncode, 0)
+
+    def test_a_file_too_long_fails(self):
+        for path, lines in {"src/A.cpp": 601, "src/deep/A.h": 601, "src/A.qml": 301}.items():
+            with self.subTest(path=path):
+                self.write(path, "line\n" * lines)
+                result = self.run_tool("sizes")
+                self.assertEqual(result.returncode, 1)
+                self.assertIn(f"{path}:{lines}: over", result.stdout)
+                os.remove(os.path.join(self.root, path))
+
+    def test_plain_text_passes_the_words_and_so_does_the_tool_itself(self):
+        result = self.words("What special parts 12 of a spectre do at work: see docs/page.md, Part 7.\n")
+        self.assertEqual(result.returncode, 0, result.stdout)
+
+    def test_text_that_names_what_is_outside_fails(self):
+        # Put together here, so that this file does not hold them either.
+        for text in ("as the speci" + "fication says", "See the Sp" + "ec.", "sp" + "ec.md", "as Par" + "t 1.3 says",
+                     "Par" + "ts 2.1 and 2.2", "in /wo" + "rk/main", "in /tmp/bash" + "_jobs.0"):
+            with self.subTest(text=text):
+                result = self.words(f"first line\n{text}\n")
+                self.assertEqual(result.returncode, 1)
+                self.assertIn(f"docs/page.md:2:{text}", result.stdout)
+
+    def test_an_unknown_check_is_wrong_usage(self):
+        self.assertEqual(self.run_tool("beauty").returncode, 2)
+
+
+if __name__ == "__main__":
+    unittest.main()
