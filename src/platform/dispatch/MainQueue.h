@@ -1,0 +1,75 @@
+// The main queue: a serial queue whose work runs on one thread, in a run loop.
+//
+// Queue: async() from any queue; run functions on the main thread only (the one that made the
+// object). Who owns: the composition root makes one and plugs it with Port<MainQueue>. A program
+// with a toolkit sets a wake function and calls runPending() from the toolkit's loop; a program
+// without one calls runUntilIdle().
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <utility>
+
+#include "platform/dispatch/DispatchQueue.h"
+#include "platform/foundation/Mutex.h"
+#include "platform/foundation/Port.h"
+
+namespace tavrion {
+
+class MainQueue final : public DispatchQueue {
+  public:
+    static constexpr const char* portName = "a main queue is plugged in";
+    /// Made on the main thread. One at a time in a process.
+    static std::shared_ptr<MainQueue> make();
+    ~MainQueue() override;
+
+    void async(Work work) override;
+    /// From the main thread it runs at once; from another it waits until the run loop has run it.
+    void sync(const Work& work) override;
+    /// The main thread always counts as the main queue.
+    bool isCurrent() const override;
+
+    /// Runs what is queued now, and what that queues; returns how many pieces ran.
+    std::size_t runPending();
+    /// Runs until nothing is queued here, every other queue is idle, and no timer is due any more.
+    /// With a clock that stands still all timers fire, one after the other in the order of their
+    /// times; with a running clock this waits for timers only when `waitForTimers` is set.
+    void runUntilIdle(bool waitForTimers = false);
+    /// Runs until `done` holds, which is asked after each piece of work of any queue; `done` must
+    /// come to hold by work of some queue.
+    void runUntil(const std::function<bool()>& done);
+
+    /// Called from any thread when work comes. Set once, before other threads know the queue.
+    void setWakeFunction(std::function<void()> wake) {
+        wakeFunction_ = std::make_shared<const std::function<void()>>(std::move(wake));
+    }
+    /// The longest single piece of work so far, in seconds of real time.
+    double longestTurn() const;
+
+  private:
+    MainQueue();
+    bool runOne();
+    bool isEmpty() const;
+    void setWatchesEachEnd(bool watches);
+    /// Other queues' work ended; `left` is still to be done.
+    void workEnded(std::size_t left);
+    void waitForSomething();
+    void waitForTimer();
+
+    const std::thread::id mainThread_;
+    /// Shared, because a caller of async() still calls it when its work may already have run and
+    /// ended the queue.
+    std::shared_ptr<const std::function<void()>> wakeFunction_;
+    mutable Mutex mutex_;
+    ConditionVariable wake_;
+    std::deque<Work> queued_ TAVRION_GUARDED_BY(mutex_);
+    bool workEnded_ TAVRION_GUARDED_BY(mutex_) = false;
+    /// Whether the run loop looks up after every piece of other queues, not only after the last.
+    bool watchesEachEnd_ TAVRION_GUARDED_BY(mutex_) = false;
+    double longestTurn_ TAVRION_GUARDED_BY(mutex_) = 0;
+};
+
+}  // namespace tavrion
