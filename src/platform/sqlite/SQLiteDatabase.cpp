@@ -1,0 +1,236 @@
+#include "platform/sqlite/SQLiteDatabase.h"
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <limits>
+#include <system_error>
+#include <utility>
+
+#include "platform/foundation/Precondition.h"
+
+namespace tavrion {
+
+SQLiteStatement::SQLiteStatement(SQLiteStatement&& other) noexcept
+    : database_(other.database_),
+      statement_(std::exchange(other.statement_, nullptr)),
+      bindingError_(std::move(other.bindingError_)) {}
+
+SQLiteStatement& SQLiteStatement::operator=(SQLiteStatement&& other) noexcept {
+    std::swap(database_, other.database_);
+    std::swap(statement_, other.statement_);
+    std::swap(bindingError_, other.bindingError_);
+    return *this;
+}
+
+SQLiteStatement::~SQLiteStatement() {
+    sqlite3_finalize(statement_);
+}
+
+void SQLiteStatement::getReadyToBind() {
+    if (sqlite3_stmt_busy(statement_) != 0) {
+        sqlite3_reset(statement_);
+    }
+}
+
+void SQLiteStatement::noteBinding(int code) {
+    if (code != SQLITE_OK && !bindingError_) {
+        bindingError_ = database_->lastError(code);
+    }
+}
+
+void SQLiteStatement::bindNull(int parameter) {
+    getReadyToBind();
+    noteBinding(sqlite3_bind_null(statement_, parameter));
+}
+
+void SQLiteStatement::bindInteger(int parameter, std::int64_t value) {
+    getReadyToBind();
+    noteBinding(sqlite3_bind_int64(statement_, parameter, value));
+}
+
+void SQLiteStatement::bindReal(int parameter, double value) {
+    getReadyToBind();
+    noteBinding(sqlite3_bind_double(statement_, parameter, value));
+}
+
+void SQLiteStatement::bindText(int parameter, std::string_view value) {
+    getReadyToBind();
+    const char* bytes = value.data() != nullptr ? value.data() : "";
+    noteBinding(sqlite3_bind_text64(statement_, parameter, bytes, value.size(), SQLITE_TRANSIENT,
+                                    SQLITE_UTF8));
+}
+
+void SQLiteStatement::bindBlob(int parameter, std::string_view value) {
+    getReadyToBind();
+    const char* bytes = value.data() != nullptr ? value.data() : "";
+    noteBinding(sqlite3_bind_blob64(statement_, parameter, bytes, value.size(), SQLITE_TRANSIENT));
+}
+
+Result<bool> SQLiteStatement::step() {
+    if (bindingError_) {
+        return *std::exchange(bindingError_, std::nullopt);
+    }
+    const int code = sqlite3_step(statement_);
+    if (code == SQLITE_ROW) {
+        return true;
+    }
+    // The error is read before the reset, which would report the same failure as its own.
+    if (code != SQLITE_DONE) {
+        NSError error = database_->lastError(code);
+        sqlite3_reset(statement_);
+        return error;
+    }
+    sqlite3_reset(statement_);
+    return false;
+}
+
+void SQLiteStatement::reset() {
+    sqlite3_reset(statement_);
+}
+
+Result<void> SQLiteStatement::run() {
+    const Result<bool> row = step();
+    if (!row) {
+        return row.error();
+    }
+    if (row.value()) {
+        reset();
+    }
+    return {};
+}
+
+bool SQLiteStatement::isNull(int column) const {
+    return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+}
+
+std::int64_t SQLiteStatement::integer(int column) const {
+    return sqlite3_column_int64(statement_, column);
+}
+
+double SQLiteStatement::real(int column) const {
+    return sqlite3_column_double(statement_, column);
+}
+
+std::string_view SQLiteStatement::text(int column) const {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+    const auto length = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
+    return bytes == nullptr ? std::string_view() : std::string_view(bytes, length);
+}
+
+std::string_view SQLiteStatement::blob(int column) const {
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, column));
+    const auto length = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
+    return bytes == nullptr ? std::string_view() : std::string_view(bytes, length);
+}
+
+Result<std::unique_ptr<SQLiteDatabase>> SQLiteDatabase::open(const std::filesystem::path& file,
+                                                             Mode mode) {
+    // SQLite would take a file without a name for a temporary one.
+    if (file.empty()) {
+        return NSError{"the name of the database file is empty; give a file", {}};
+    }
+    int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+    switch (mode) {
+        case Mode::readOnly:
+            flags |= SQLITE_OPEN_READONLY;
+            break;
+        case Mode::readWrite:
+            flags |= SQLITE_OPEN_READWRITE;
+            break;
+        case Mode::create:
+            flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+            break;
+    }
+    sqlite3* connection = nullptr;
+    const int code = sqlite3_open_v2(file.c_str(), &connection, flags, nullptr);
+    std::unique_ptr<SQLiteDatabase> database(new SQLiteDatabase(file, connection));
+    if (code != SQLITE_OK) {
+        return database->lastError(code);
+    }
+    return database;
+}
+
+SQLiteDatabase::~SQLiteDatabase() {
+    sqlite3_close_v2(connection_);
+}
+
+Result<SQLiteStatement> SQLiteDatabase::prepare(std::string_view sql) {
+    constexpr auto longest = static_cast<std::size_t>(std::numeric_limits<int>::max());
+    sqlite3_stmt* statement = nullptr;
+    const char* rest = nullptr;
+    const int code =
+        sqlite3_prepare_v3(connection_, sql.data(), static_cast<int>(std::min(sql.size(), longest)),
+                           SQLITE_PREPARE_PERSISTENT, &statement, &rest);
+    if (code != SQLITE_OK) {
+        return lastError(code);
+    }
+    SQLiteStatement prepared(*this, statement);
+    if (statement == nullptr) {
+        return NSError{fmt::format("{}: there is no statement to run", file_.string()), {}};
+    }
+    const std::string_view unread = sql.substr(static_cast<std::size_t>(rest - sql.data()));
+    if (unread.find_first_not_of(" \t\r\n;") != std::string_view::npos) {
+        return NSError{fmt::format("{}: there is more than one statement to run", file_.string()),
+                       std::string(unread)};
+    }
+    return Result<SQLiteStatement>(std::move(prepared));
+}
+
+Result<void> SQLiteDatabase::execute(const std::string& sql) {
+    const int code = sqlite3_exec(connection_, sql.c_str(), nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK) {
+        return lastError(code);
+    }
+    return {};
+}
+
+std::int64_t SQLiteDatabase::changes() const {
+    return sqlite3_changes64(connection_);
+}
+
+void SQLiteDatabase::setBusyTimeout(double seconds) {
+    constexpr double longest = std::numeric_limits<int>::max();
+    sqlite3_busy_timeout(connection_, static_cast<int>(std::clamp(seconds * 1000, 0.0, longest)));
+}
+
+NSError SQLiteDatabase::lastError(int code) const {
+    const char* message =
+        connection_ != nullptr ? sqlite3_errmsg(connection_) : sqlite3_errstr(code);
+    std::string reason = message;
+    const int systemError = connection_ != nullptr ? sqlite3_system_errno(connection_) : 0;
+    if ((code & 0xff) == SQLITE_CANTOPEN && systemError != 0) {
+        reason += fmt::format(" ({})", std::generic_category().message(systemError));
+    }
+    return NSError{fmt::format("{}: {}", file_.string(), reason),
+                   fmt::format("SQLite error {}", code)};
+}
+
+Result<SQLiteTransaction> SQLiteTransaction::begin(SQLiteDatabase& database) {
+    const Result<void> begun = database.execute("BEGIN IMMEDIATE");
+    if (!begun) {
+        return begun.error();
+    }
+    return SQLiteTransaction(database);
+}
+
+SQLiteTransaction::SQLiteTransaction(SQLiteTransaction&& other) noexcept
+    : database_(std::exchange(other.database_, nullptr)) {}
+
+SQLiteTransaction::~SQLiteTransaction() {
+    if (database_ != nullptr) {
+        database_->execute("ROLLBACK").ignore();
+    }
+}
+
+Result<void> SQLiteTransaction::commit() {
+    precondition(database_ != nullptr, "a transaction is committed once");
+    Result<void> committed = database_->execute("COMMIT");
+    if (committed) {
+        database_ = nullptr;
+    }
+    return committed;
+}
+
+}  // namespace tavrion
