@@ -26,7 +26,8 @@ class NSDate {
     static constexpr NSDate dateWithTimeIntervalSince1970(NSTimeInterval seconds) {
         return NSDate(seconds - secondsFrom1970To2001);
     }
-    /// 0001-01-01 UTC: earlier than anything that a library holds.
+    /// 0001-01-01 UTC of the Julian calendar, two days before the year 1 begins here: earlier than anything that a library
+    /// holds.
     static constexpr NSDate distantPast() { return NSDate(-63114076800.0); }
     /// 4001-01-01 UTC.
     static constexpr NSDate distantFuture() { return NSDate(63113904000.0); }
