@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include "platform/foundation/NSCalendar.h"
+#include "platform/foundation/NSDate+Extended.h"
+#include "tests/platform/foundation/ZoneText.h"
+
+namespace tavrion {
+namespace {
+
+using test::instant;
+using test::textInZone;
+using test::zoneNamed;
+
+/// Plugs a zone and keeps it for the life of the scope.
+class InZone {
+  public:
+    explicit InZone(const char* name) : region_(zoneNamed(name), "en_US"), plug_(region_) {}
+    std::string text(NSDate date) const { return textInZone(region_.timeZone(), date); }
+
+  private:
+    Regional region_;
+    Port<Regional>::Plug plug_;
+};
+
+struct DayRow {
+    const char* zone;
+    const char* date;
+    const char* start;
+    const char* end;
+};
+
+TEST(NSDateExtended, ADayGoesFromItsStartToItsLastWholeSecond) {
+    const DayRow rows[] = {
+        {"Europe/Berlin", "2024-06-01T15:00:00.5+02:00", "2024-06-01T00:00:00+02:00",
+         "2024-06-01T23:59:59+02:00"},
+        {"America/New_York", "2024-03-10T15:00:00-04:00", "2024-03-10T00:00:00-05:00",
+         "2024-03-10T23:59:59-04:00"},
+        {"America/New_York", "2024-11-03T15:00:00-05:00", "2024-11-03T00:00:00-04:00",
+         "2024-11-03T23:59:59-05:00"},
+        {"America/Sao_Paulo", "2018-11-03T15:00:00-03:00", "2018-11-03T00:00:00-03:00",
+         "2018-11-03T23:59:59-03:00"},
+        // The start is at one o'clock, and a day on keeps the wall clock.
+        {"America/Sao_Paulo", "2018-11-04T15:00:00-02:00", "2018-11-04T01:00:00-02:00",
+         "2018-11-05T00:59:59-02:00"},
+    };
+    for (const DayRow& row : rows) {
+        const InZone zone(row.zone);
+        EXPECT_EQ(zone.text(Extended::startOfDay(instant(row.date))), row.start);
+        EXPECT_EQ(zone.text(Extended::endOfDay(instant(row.date))), row.end);
+    }
+}
+
+TEST(NSDateExtended, DaysBetweenTwoDatesAreDaysOfTheCalendar) {
+    const InZone zone("America/New_York");
+    const NSDate late = instant("2024-03-09T23:59:59-05:00");
+    const NSDate early = instant("2024-03-10T00:00:01-05:00");
+    EXPECT_EQ(Extended::daysBetweenDate(late, early), 1);
+    EXPECT_EQ(Extended::daysBetweenDate(early, late), -1);
+    EXPECT_EQ(Extended::daysBetweenDate(early, early), 0);
+    EXPECT_EQ(Extended::daysBetweenDate(early, instant("2024-03-10T23:59:59-04:00")), 0);
+    EXPECT_EQ(Extended::daysBetweenDate(instant("2023-12-31T12:00:00-05:00"),
+                                        instant("2024-12-31T01:00:00-05:00")),
+              366);
+}
+
+TEST(NSDateExtended, ADayWithoutMidnightIsNotCountedFromItsStart) {
+    const InZone zone("America/Sao_Paulo");
+    const NSDate noMidnight = instant("2018-11-04T12:00:00-02:00");
+    const NSDate next = instant("2018-11-05T12:00:00-02:00");
+    EXPECT_EQ(Extended::daysBetweenDate(noMidnight, next), 0);
+    EXPECT_EQ(Extended::daysBetweenDate(noMidnight, instant("2018-11-06T12:00:00-02:00")), 1);
+    EXPECT_EQ(Extended::daysBetweenDate(instant("2018-11-03T12:00:00-03:00"), noMidnight), 1);
+    EXPECT_EQ(Extended::daysBetweenDate(next, noMidnight), -1);
+}
+
+}  // namespace
+}  // namespace tavrion
