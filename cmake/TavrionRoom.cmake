@@ -57,8 +57,8 @@ function(tavrion_fuzz name)
   file(WRITE "${CMAKE_BINARY_DIR}/fuzz-targets.txt" "${targets}")
 endfunction()
 
-# tavrion_script_test(name script): a test that is a Python script of its own.
+# tavrion_script_test(name script argument...): a test that is a Python script of its own.
 function(tavrion_script_test name script)
-  add_test(NAME ${name} COMMAND Python3::Interpreter "${CMAKE_SOURCE_DIR}/${script}")
+  add_test(NAME ${name} COMMAND Python3::Interpreter "${CMAKE_SOURCE_DIR}/${script}" ${ARGN})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1")
 endfunction()
