@@ -1,0 +1,42 @@
+// One command of the command line: its name, its description, its options, and what it does.
+//
+// Queue: the main thread.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <vector>
+
+#include "apps/tavrionctl/Options.h"
+
+namespace tavrion::ctl {
+
+class Session;
+
+class Command {
+  public:
+    virtual ~Command() = default;
+
+    /// Adds the command below `parent`.
+    virtual void describe(CLI::App& parent) = 0;
+    /// Whether the command line names this command. After parsing.
+    bool isChosen() const { return described_ != nullptr && described_->parsed(); }
+    virtual Outcome execute(Session& session) = 0;
+
+  protected:
+    CLI::App* described_ = nullptr;
+};
+
+/// Every command, with its group.
+struct CommandGroup {
+    /// Empty for commands that stand alone.
+    std::string name;
+    std::string help;
+    std::vector<std::unique_ptr<Command>> commands;
+};
+std::vector<CommandGroup> allCommands();
+
+/// Parses the command line, runs the command and gives the exit status.
+int runCommandLine(int argumentCount, const char* const* arguments);
+
+}  // namespace tavrion::ctl

@@ -1,0 +1,269 @@
+#include "apps/tavrionctl/LibraryCommands.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+#include "apps/tavrionctl/JsonWriter.h"
+#include "apps/tavrionctl/Session.h"
+#include "apps/tavrionctl/TextTable.h"
+#include "recording/RVQueryManager.h"
+
+namespace tavrion::ctl {
+namespace {
+
+/// The properties of a song that the system reads, under their own names.
+constexpr std::array songProperties{"persistentID",
+                                    "title",
+                                    "artist",
+                                    "albumArtist",
+                                    "albumTitle",
+                                    "genre",
+                                    "composer",
+                                    "playbackDuration",
+                                    "playCount",
+                                    "skipCount",
+                                    "lastPlayedDate",
+                                    "lastSkippedDate",
+                                    "dateAdded",
+                                    "releaseDate",
+                                    "year",
+                                    "playbackStoreID",
+                                    "cloudUniversalLibraryId",
+                                    "albumPersistentID",
+                                    "albumArtistPersistentID",
+                                    "albumTrackNumber",
+                                    "discNumber",
+                                    "isCompilation",
+                                    "explicitItem",
+                                    "isCloudItem",
+                                    "existsInLibrary",
+                                    "likedState",
+                                    "fileSize",
+                                    "mediaType",
+                                    "sortTitle",
+                                    "sortArtist",
+                                    "sortAlbumArtist",
+                                    "sortAlbumTitle"};
+
+/// Identifiers are unsigned; a Value carries their bits as a signed number.
+bool isIdentifier(std::string_view property) {
+    return property.ends_with("ersistentID");
+}
+
+Value songProperty(const MPMediaItem& song, std::string_view property) {
+    if (property == "cloudUniversalLibraryId") {
+        const auto identifier = song.cloudUniversalLibraryId();
+        return identifier ? Value(std::string(*identifier)) : Value();
+    }
+    if (property == "playbackStoreID" && song.playbackStoreID().empty()) {
+        return {};
+    }
+    return song.valueForProperty(property);
+}
+
+void writeStatus(const Session& session, const std::optional<LibraryChoice>& choice,
+                 std::size_t songs, std::size_t playlists, const SourceCapabilities& capabilities) {
+    const auto absent = std::optional<std::string_view>();
+    if (session.options().json) {
+        JsonWriter json(stdout);
+        json.beginObject();
+        json.key("kind").optionalText(choice ? std::optional<std::string_view>(choice->kind)
+                                             : absent);
+        json.key("location")
+            .optionalText(choice ? std::optional<std::string_view>(choice->location) : absent);
+        json.key("songs").unsignedInteger(songs).key("playlists").unsignedInteger(playlists);
+        json.key("canWriteLikes").boolean(capabilities.canWriteLikes);
+        json.key("canWritePlaylists").boolean(capabilities.canWritePlaylists);
+        json.key("canPlay").boolean(capabilities.canPlay).endObject().finish();
+    } else if (choice) {
+        fmt::print("{} library at {}\n{} songs, {} playlists\n", choice->kind, choice->location,
+                   songs, playlists);
+    } else {
+        fmt::print(
+            "No music library is chosen. Choose one with: tavrionctl library use KIND LOCATION\n");
+    }
+}
+
+/// Songs and playlists of the published library, as a user counts them.
+void writePublishedStatus(const Session& session, const LibraryChoice& choice) {
+    const Source* source = MPMediaLibrary::defaultMediaLibrary().source();
+    writeStatus(session, choice, RVQueryManager::defaultQuery().items().size(),
+                MPMediaQuery::playlistsQuery().collections().size(), source->capabilities());
+}
+
+/// How many songs share their title and duration with another one.
+std::size_t songsWithTwins() {
+    std::map<std::pair<std::string, double>, std::size_t> counts;
+    for (const MPMediaItem& song : RVQueryManager::defaultQuery().items()) {
+        ++counts[{std::string(song.title().value_or("")), song.playbackDuration()}];
+    }
+    std::size_t twins = 0;
+    for (const auto& [key, count] : counts) {
+        twins += count > 1 ? count : 0;
+    }
+    return twins;
+}
+
+/// A path of a file is kept whole, so that the choice holds in every directory.
+std::string absoluteLocation(const std::string& location) {
+    std::error_code failure;
+    const auto absolute = std::filesystem::absolute(location, failure);
+    return location.empty() || failure || !std::filesystem::exists(absolute, failure)
+               ? location
+               : absolute.lexically_normal().string();
+}
+
+}  // namespace
+
+void LibraryUseCommand::describe(CLI::App& parent) {
+    described_ = parent.add_subcommand("use", "Choose the music library and read it once");
+    described_->add_option("KIND", kind_, "music-xml")->required();
+    described_->add_option("LOCATION", location_, "Where it is: for music-xml the exported file");
+}
+
+Outcome LibraryUseCommand::guardExistingRecords(Session& session, const std::string& kind,
+                                                const std::string& location) {
+    const auto before = session.libraryChoice();
+    const bool isSame = before && before.value() == LibraryChoice{kind, location};
+    std::error_code failure;
+    if (isSame || !std::filesystem::exists(session.directory().store(), failure)) {
+        return {};
+    }
+    if (Outcome opened = session.openStore(); !opened.isDone()) {
+        return opened;
+    }
+    if (session.records()->table(NerindaEntity::PlaybackHistory).size() == 0) {
+        return {};
+    }
+    const auto copy = session.makeSafetyCopy("before-library-change");
+    if (!copy) {
+        return Outcome::failure("the safety copy can't be made (" +
+                                copy.error().localizedDescription + "); the chosen library stays");
+    }
+    session.say(
+        "There are records of another library already; songs of the new one are added to them. "
+        "Safety copy: " +
+        copy.value());
+    return {};
+}
+
+Outcome LibraryUseCommand::execute(Session& session) {
+    if (Outcome writer = session.becomeWriter(); !writer.isDone()) {
+        return writer;
+    }
+    const LibraryChoice choice{kind_, absoluteLocation(location_)};
+    auto source = session.sources().create(choice.kind, choice.location);
+    if (!source) {
+        return Outcome::failure(source.error().localizedDescription);
+    }
+    auto snapshot = source.value()->read();
+    if (!snapshot) {
+        return Outcome::failure(snapshot.error().localizedDescription);
+    }
+    if (Outcome guarded = guardExistingRecords(session, choice.kind, choice.location);
+        !guarded.isDone()) {
+        return guarded;
+    }
+    if (const auto written = writeLibraryChoice(session.directory().libraryChoice(), choice);
+        !written) {
+        return Outcome::failure(written.error().localizedDescription);
+    }
+    session.publish(std::move(source).value(), std::move(snapshot).value());
+    if (const std::size_t twins = songsWithTwins(); twins > 0) {
+        session.say(fmt::format(
+            "{} songs share title and duration with another one; their histories will be folded.",
+            twins));
+    }
+    writePublishedStatus(session, choice);
+    return {};
+}
+
+void LibraryStatusCommand::describe(CLI::App& parent) {
+    described_ = parent.add_subcommand("status", "Say which music library is chosen");
+}
+
+Outcome LibraryStatusCommand::execute(Session& session) {
+    const auto choice = session.libraryChoice();
+    if (!choice) {
+        return Outcome::failure(choice.error().localizedDescription);
+    }
+    if (!choice.value()) {
+        writeStatus(session, std::nullopt, 0, 0, {});
+        return {};
+    }
+    if (Outcome opened = session.openLibrary(); !opened.isDone()) {
+        return opened;
+    }
+    writePublishedStatus(session, *choice.value());
+    return {};
+}
+
+void LibrarySongsCommand::describe(CLI::App& parent) {
+    described_ = parent.add_subcommand("songs", "List the songs with every property that is read");
+    described_->add_flag("--non-library", withNonLibrarySongs_,
+                         "Also songs that were played but not added");
+}
+
+Outcome LibrarySongsCommand::execute(Session& session) {
+    if (Outcome opened = session.openLibrary(); !opened.isDone()) {
+        return opened;
+    }
+    MPMediaQuery query = RVQueryManager::defaultQuery();
+    query.setValueForKey(withNonLibrarySongs_, "shouldIncludeNonLibraryEntities");
+    const std::vector<MPMediaItem> songs = query.items();
+    if (!session.options().json) {
+        for (const MPMediaItem& song : songs) {
+            fmt::print("{}  {}  {}  {:>6}\n", fitted(song.title().value_or("—"), 40),
+                       fitted(song.artist().value_or("—"), 28),
+                       fitted(song.albumTitle().value_or("—"), 28),
+                       fmt::format("{}x", song.playCount()));
+        }
+        return {};
+    }
+    JsonWriter json(stdout);
+    json.beginArray();
+    for (const MPMediaItem& song : songs) {
+        json.beginObject();
+        for (const char* const property : songProperties) {
+            const Value value = songProperty(song, property);
+            const auto* bits = value.get<std::int64_t>();
+            json.key(property);
+            if (isIdentifier(property) && bits != nullptr) {
+                json.unsignedInteger(static_cast<std::uint64_t>(*bits));
+            } else {
+                json.value(value);
+            }
+        }
+        json.endObject();
+    }
+    json.endArray().finish();
+    return {};
+}
+
+void LibraryForgetCommand::describe(CLI::App& parent) {
+    described_ = parent.add_subcommand("forget", "Choose no music library; records stay");
+}
+
+Outcome LibraryForgetCommand::execute(Session& session) {
+    if (Outcome writer = session.becomeWriter(); !writer.isDone()) {
+        return writer;
+    }
+    std::error_code failure;
+    std::filesystem::remove(session.directory().libraryChoice(), failure);
+    if (failure) {
+        return Outcome::failure(session.directory().libraryChoice().string() +
+                                ": the choice can't be removed (" + failure.message() + ")");
+    }
+    if (session.options().json) {
+        JsonWriter(stdout).beginObject().endObject().finish();
+    } else {
+        session.say("No music library is chosen any more.");
+    }
+    return {};
+}
+
+}  // namespace tavrion::ctl

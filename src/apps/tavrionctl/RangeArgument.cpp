@@ -1,0 +1,76 @@
+#include "apps/tavrionctl/RangeArgument.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+
+#include "platform/foundation/NSCalendar.h"
+#include "platform/foundation/NSDate+Extended.h"
+#include "recording/RVPlaybackHistoryManager.h"
+
+namespace tavrion::ctl {
+namespace {
+
+constexpr int daysBackInWeek = 6;
+constexpr int daysBackInMonth = 29;
+
+/// The first instant of the day "YYYY-MM-DD"; absent when there is no such day.
+std::optional<NSDate> startOfWrittenDay(const std::string& text) {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    char rest = 0;
+    constexpr std::size_t length = 10;
+    if (text.size() != length ||
+        std::sscanf(text.c_str(), "%4d-%2d-%2d%c", &year, &month, &day, &rest) != 3) {
+        return std::nullopt;
+    }
+    const NSTimeZone& zone = NSCalendar::currentCalendar().timeZone();
+    const NSDate start = zone.startOfDay(CivilDay::fromDate(year, month, day));
+    // A day that was written wrongly (the 31st of February) moves into another month.
+    return month >= 1 && month <= 12 && day >= 1 && day <= 31 &&
+                   zone.civilTime(start).month == month &&
+                   CivilDay::fromDate(year, month, day) == zone.civilDay(start)
+               ? std::optional(start)
+               : std::nullopt;
+}
+
+NSDate daysBeforeToday(int days) {
+    return NSCalendar::currentCalendar().dateByAddingComponents(
+        {.day = -days}, Extended::startOfDay(NSDate::date()));
+}
+
+}  // namespace
+
+Result<DateRange> dateRange(const std::string& text) {
+    const NSDate today = Extended::startOfDay(NSDate::date());
+    const NSDate endOfToday = Extended::endOfDay(NSDate::date());
+    if (text == "today") {
+        return DateRange{today, endOfToday};
+    }
+    if (text == "past-week") {
+        return DateRange{daysBeforeToday(daysBackInWeek), endOfToday};
+    }
+    if (text == "past-month") {
+        return DateRange{daysBeforeToday(daysBackInMonth), endOfToday};
+    }
+    if (text == "year") {
+        const NSCalendar calendar = NSCalendar::currentCalendar();
+        return DateRange{calendar.dateFromYear(calendar.timeZone().civilTime(today).year),
+                         endOfToday};
+    }
+    if (text == "lifetime") {
+        return DateRange{RVPlaybackHistoryManager::installationDate(), endOfToday};
+    }
+    const std::size_t dots = text.find("..");
+    if (dots != std::string::npos) {
+        const auto from = startOfWrittenDay(text.substr(0, dots));
+        const auto to = startOfWrittenDay(text.substr(dots + 2));
+        if (from && to && *from <= *to) {
+            return DateRange{*from, Extended::endOfDay(*to)};
+        }
+    }
+    return NSError{fmt::format("'{}' is not a range; write {}", text, rangeHelp), {}};
+}
+
+}  // namespace tavrion::ctl

@@ -1,0 +1,284 @@
+#include "platform/coredata/NSPersistentStore.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "platform/coredata/ChangeWriter.h"
+#include "platform/coredata/IndexKeys.h"
+#include "platform/coredata/StoreFile.h"
+
+namespace tavrion {
+namespace {
+
+/// The stores that are open in this process, so that a second container of the same file shares the
+/// first one's.
+struct OpenStores {
+    Mutex mutex;
+    std::map<std::filesystem::path, std::weak_ptr<NSPersistentStore>> byFile
+        TAVRION_GUARDED_BY(mutex);
+};
+
+OpenStores& openStores() {
+    static OpenStores shared;
+    return shared;
+}
+
+FieldView columnField(const SQLiteStatement& row, int column, NSAttributeType type) {
+    if (row.isNull(column)) {
+        return unsetView(type);
+    }
+    switch (type) {
+        case NSAttributeType::boolean:
+            return row.integer(column) != 0;
+        case NSAttributeType::integer:
+            return row.integer(column);
+        case NSAttributeType::real:
+            return row.real(column);
+        case NSAttributeType::date:
+            return NSDate::dateWithTimeIntervalSinceReferenceDate(row.real(column));
+        case NSAttributeType::string:
+            return row.text(column);
+        case NSAttributeType::binaryData:
+            return row.blob(column);
+        case NSAttributeType::reference:
+            return Link{static_cast<RecordCounter>(row.integer(column))};
+    }
+    return {};
+}
+
+}  // namespace
+
+Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
+    const std::filesystem::path& file, std::shared_ptr<const NSManagedObjectModel> model,
+    const StoreFormat& format) {
+    std::error_code failure;
+    std::filesystem::path key = std::filesystem::weakly_canonical(file, failure);
+    if (failure) {
+        key = file;
+    }
+    MutexLock lock(openStores().mutex);
+    if (auto store = openStores().byFile[key].lock()) {
+        return store;
+    }
+    auto database = StoreFile::open(file, *model, format);
+    if (!database) {
+        return database.error();
+    }
+    std::shared_ptr<NSPersistentStore> store(
+        new NSPersistentStore(file, std::move(model), std::move(database).value()));
+    if (const auto loaded = store->load(); !loaded) {
+        return StoreFile::damaged(file, loaded.error());
+    }
+    openStores().byFile[key] = store;
+    return store;
+}
+
+NSPersistentStore::NSPersistentStore(std::filesystem::path file,
+                                     std::shared_ptr<const NSManagedObjectModel> model,
+                                     std::unique_ptr<SQLiteDatabase> database)
+    : file_(std::move(file)),
+      model_(std::move(model)),
+      nextCounters_(model_->entities().size()),
+      database_(std::move(database)),
+      version_(StoreVersion::empty(*model_)) {
+    for (auto& next : nextCounters_) {
+        next = 1;
+    }
+}
+
+NSPersistentStore::~NSPersistentStore() = default;
+
+std::shared_ptr<const StoreVersion> NSPersistentStore::version() const {
+    MutexLock lock(versionMutex_);
+    return version_;
+}
+
+RecordCounter NSPersistentStore::allocate(EntityIndex entity) {
+    const RecordCounter counter = nextCounters_[entity].fetch_add(1);
+    precondition(counter != 0, "a store holds at most 4294967295 records of an entity");
+    return counter;
+}
+
+Result<void> NSPersistentStore::load() {
+    MutexLock lock(writeMutex_);
+    // One read transaction, so that all tables are of the same moment though another process may
+    // write.
+    if (const auto begun = database_->execute("BEGIN"); !begun) {
+        return begun;
+    }
+    std::vector<std::shared_ptr<const TableVersion>> tables =
+        StoreVersion::empty(*model_)->tables();
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        if (!model_->entities()[i].isAbstract) {
+            if (const auto loaded = loadEntity(static_cast<EntityIndex>(i), tables); !loaded) {
+                return loaded;
+            }
+        }
+    }
+    if (const auto ended = database_->execute("COMMIT"); !ended) {
+        return ended;
+    }
+    auto version = std::make_shared<const StoreVersion>(std::move(tables));
+    MutexLock versionLock(versionMutex_);
+    version_ = std::move(version);
+    return {};
+}
+
+Result<void> NSPersistentStore::loadEntity(
+    EntityIndex index, std::vector<std::shared_ptr<const TableVersion>>& tables) {
+    const NSEntityDescription& entity = model_->entity(index);
+    std::string columns = "id";
+    for (const NSPropertyDescription& property : entity.properties) {
+        columns += ", " + property.name;
+    }
+    auto counter = database_->prepare(
+        fmt::format("SELECT next FROM Counter WHERE entity = '{}'", entity.name));
+    auto rows =
+        database_->prepare(fmt::format("SELECT {} FROM {} ORDER BY id", columns, entity.name));
+    if (!counter || !rows) {
+        return counter ? rows.error() : counter.error();
+    }
+    TableWriter writer(entity);
+    std::vector<std::vector<SortedIndex::Entry>> keys(entity.indexes.size());
+    SQLiteStatement& row = rows.value();
+    RecordCounter last = 0;
+    for (;;) {
+        const Result<bool> more = row.step();
+        if (!more) {
+            return more.error();
+        }
+        if (!more.value()) {
+            break;
+        }
+        const std::int64_t id = row.integer(0);
+        if (id <= last || id >= std::numeric_limits<RecordCounter>::max()) {
+            return NSError{
+                fmt::format("table {} has a record with the identifier {}", entity.name, id), {}};
+        }
+        last = static_cast<RecordCounter>(id);
+        const auto read = [&](PropertyIndex property) {
+            return columnField(row, property + 1, entity.properties[property].type);
+        };
+        writer.add(last, read);
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            if (const auto key = IndexKeys::ofRecord(entity.indexes[i], read)) {
+                keys[i].push_back({*key, last});
+            }
+        }
+    }
+    auto table = std::make_shared<TableVersion>(writer.finish());
+    std::vector<std::shared_ptr<const SortedIndex>> indexes;
+    for (std::vector<SortedIndex::Entry>& entries : keys) {
+        indexes.push_back(SortedIndex::build(std::move(entries)));
+    }
+    table->setIndexes(std::move(indexes));
+    tables[index] = std::move(table);
+    const Result<bool> hasCounter = counter.value().step();
+    if (!hasCounter) {
+        return hasCounter.error();
+    }
+    const std::int64_t stored = hasCounter.value() ? counter.value().integer(0) : 1;
+    nextCounters_[index] = std::max<RecordCounter>(last + 1, static_cast<RecordCounter>(stored));
+    return {};
+}
+
+Result<void> NSPersistentStore::write(
+    const Commits& commits, const std::shared_ptr<const StoreVersion>& before,
+    const std::shared_ptr<const StoreVersion>& after,
+    const std::function<void(const std::shared_ptr<const StoreVersion>&)>& adopt) {
+    MutexLock lock(writeMutex_);
+    auto transaction = SQLiteTransaction::begin(*database_);
+    if (!transaction) {
+        return transaction.error();
+    }
+    ChangeWriter writer(*model_, *database_);
+    for (const auto& commit : commits) {
+        if (const auto written = writer.write(*commit); !written) {
+            return written;
+        }
+    }
+    if (const auto counted = writeCounters(); !counted) {
+        return counted;
+    }
+    if (const auto committed = transaction.value().commit(); !committed) {
+        return committed;
+    }
+    std::shared_ptr<const StoreVersion> saved = version();
+    if (saved == before) {
+        saved = after;
+    } else {
+        for (const auto& commit : commits) {
+            saved = folded(*model_, *saved, *commit);
+        }
+    }
+    MutexLock versionLock(versionMutex_);
+    version_ = saved;
+    adopt(saved);
+    return {};
+}
+
+Result<void> NSPersistentStore::writeCounters() {
+    auto update = database_->prepare("UPDATE Counter SET next = max(next, ?2) WHERE entity = ?1");
+    if (!update) {
+        return update.error();
+    }
+    for (std::size_t i = 0; i < nextCounters_.size(); ++i) {
+        update.value().bindText(1, model_->entities()[i].name);
+        update.value().bindInteger(2, nextCounters_[i].load());
+        if (const auto updated = update.value().run(); !updated) {
+            return updated;
+        }
+    }
+    return {};
+}
+
+Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
+    MutexLock lock(writeMutex_);
+    auto transaction = SQLiteTransaction::begin(*database_);
+    if (!transaction) {
+        return transaction.error();
+    }
+    const std::shared_ptr<const StoreVersion> before = version();
+    std::shared_ptr<const StoreVersion> after = before;
+    for (const EntityIndex concrete : model_->concreteEntities(entity)) {
+        if (const auto deleted = database_->execute("DELETE FROM " + model_->entity(concrete).name);
+            !deleted) {
+            return deleted;
+        }
+        after = withoutEntity(*model_, *after, concrete);
+    }
+    if (const auto counted = writeCounters(); !counted) {
+        return counted;
+    }
+    if (const auto committed = transaction.value().commit(); !committed) {
+        return committed;
+    }
+    // A handful is enough: deleting everything takes one batch delete for each entity.
+    constexpr std::size_t keptVersions = 8;
+    MutexLock versionLock(versionMutex_);
+    version_ = std::move(after);
+    removed_.push_back(before);
+    if (removed_.size() > keptVersions) {
+        removed_.erase(removed_.begin());
+    }
+    return {};
+}
+
+Result<void> NSPersistentStore::copyTo(const std::filesystem::path& copy) {
+    MutexLock lock(writeMutex_);
+    return StoreFile::copy(*database_, copy);
+}
+
+std::shared_ptr<const StoreVersion> NSPersistentStore::versionBeforeRemoval(
+    NSManagedObjectID id) const {
+    MutexLock lock(versionMutex_);
+    const auto found = std::find_if(removed_.rbegin(), removed_.rend(), [&](const auto& version) {
+        return version->find(id).has_value();
+    });
+    return found == removed_.rend() ? nullptr : *found;
+}
+
+}  // namespace tavrion

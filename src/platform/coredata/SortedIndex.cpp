@@ -1,0 +1,169 @@
+#include "platform/coredata/SortedIndex.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tavrion {
+namespace {
+
+/// Leaves are filled up to here when an index is built, and split above the limit when it changes.
+constexpr std::size_t filledLeaf = 1536;
+constexpr std::size_t largestLeaf = 2048;
+/// A rebuilt leaf below this goes together with the one after it.
+constexpr std::size_t smallLeaf = 256;
+
+}  // namespace
+
+/// Collects entries in order and cuts them into leaves.
+class SortedIndex::LeafWriter {
+  public:
+    explicit LeafWriter(SortedIndex& index) : index_(index) {}
+
+    void add(const Entry& entry) {
+        if (!open_) {
+            open_ = std::make_shared<Leaf>();
+        }
+        open_->keys.push_back(entry.key);
+        open_->records.push_back(entry.record);
+        if (open_->keys.size() == largestLeaf) {
+            splitOpen();
+        }
+    }
+    void share(const std::shared_ptr<const Leaf>& leaf) {
+        if (open_ && open_->keys.size() < smallLeaf) {
+            for (std::size_t row = 0; row < leaf->keys.size(); ++row) {
+                add(leaf->at(row));
+            }
+            return;
+        }
+        close();
+        push(leaf);
+    }
+    void close() {
+        if (open_) {
+            push(std::move(open_));
+            open_ = nullptr;
+        }
+    }
+
+  private:
+    /// Keeps the last part open, so that the next leaf is not a sliver.
+    void splitOpen() {
+        auto rest = std::make_shared<Leaf>();
+        const auto cut = static_cast<std::ptrdiff_t>(filledLeaf);
+        rest->keys.assign(open_->keys.begin() + cut, open_->keys.end());
+        rest->records.assign(open_->records.begin() + cut, open_->records.end());
+        open_->keys.resize(filledLeaf);
+        open_->records.resize(filledLeaf);
+        push(std::move(open_));
+        open_ = std::move(rest);
+    }
+    void push(std::shared_ptr<const Leaf> leaf) {
+        index_.firsts_.push_back(leaf->at(0));
+        index_.size_ += leaf->keys.size();
+        index_.leaves_.push_back(std::move(leaf));
+    }
+
+    SortedIndex& index_;
+    std::shared_ptr<Leaf> open_;
+};
+
+std::shared_ptr<const SortedIndex> SortedIndex::build(std::vector<Entry> entries) {
+    if (!std::is_sorted(entries.begin(), entries.end())) {
+        std::sort(entries.begin(), entries.end());
+    }
+    auto index = std::make_shared<SortedIndex>();
+    LeafWriter writer(*index);
+    for (const Entry& entry : entries) {
+        writer.add(entry);
+    }
+    writer.close();
+    return index;
+}
+
+std::shared_ptr<const SortedIndex> SortedIndex::changed(std::vector<Entry> removed,
+                                                        std::vector<Entry> added) const {
+    std::sort(removed.begin(), removed.end());
+    std::sort(added.begin(), added.end());
+    auto next = std::make_shared<SortedIndex>();
+    next->leaves_.reserve(leaves_.size() + 1);
+    next->firsts_.reserve(leaves_.size() + 1);
+    LeafWriter writer(*next);
+    auto remove = removed.begin();
+    auto add = added.begin();
+    constexpr Entry last{std::numeric_limits<std::uint64_t>::max(),
+                         std::numeric_limits<RecordCounter>::max()};
+    for (std::size_t i = 0; i < leaves_.size(); ++i) {
+        const bool isLast = i + 1 == leaves_.size();
+        const Entry bound = isLast ? last : firsts_[i + 1];
+        const auto concerns = [&](auto position, auto end) {
+            return position != end && (isLast || *position < bound);
+        };
+        const Leaf& leaf = *leaves_[i];
+        if (!concerns(remove, removed.end()) && !concerns(add, added.end())) {
+            writer.share(leaves_[i]);
+            continue;
+        }
+        for (std::size_t row = 0; row < leaf.keys.size(); ++row) {
+            const Entry entry = leaf.at(row);
+            for (; add != added.end() && *add < entry; ++add) {
+                writer.add(*add);
+            }
+            while (remove != removed.end() && *remove < entry) {
+                ++remove;
+            }
+            if (remove == removed.end() || *remove != entry) {
+                writer.add(entry);
+            }
+        }
+        for (; concerns(add, added.end()); ++add) {
+            writer.add(*add);
+        }
+        while (concerns(remove, removed.end())) {
+            ++remove;
+        }
+    }
+    for (; add != added.end(); ++add) {
+        writer.add(*add);
+    }
+    writer.close();
+    return next;
+}
+
+std::size_t SortedIndex::leafOf(const Entry& entry) const {
+    const auto after = std::upper_bound(firsts_.begin(), firsts_.end(), entry);
+    return after == firsts_.begin() ? 0 : static_cast<std::size_t>(after - firsts_.begin()) - 1;
+}
+
+std::size_t SortedIndex::lowerBound(const Leaf& leaf, const Entry& entry) {
+    auto row = static_cast<std::size_t>(
+        std::lower_bound(leaf.keys.begin(), leaf.keys.end(), entry.key) - leaf.keys.begin());
+    while (row < leaf.keys.size() && leaf.keys[row] == entry.key &&
+           leaf.records[row] < entry.record) {
+        ++row;
+    }
+    return row;
+}
+
+std::size_t SortedIndex::rankOf(const Entry& entry) const {
+    if (leaves_.empty()) {
+        return 0;
+    }
+    const std::size_t leaf = leafOf(entry);
+    std::size_t rank = lowerBound(*leaves_[leaf], entry);
+    for (std::size_t i = 0; i < leaf; ++i) {
+        rank += leaves_[i]->keys.size();
+    }
+    return rank;
+}
+
+std::size_t SortedIndex::countBetween(std::uint64_t low, std::uint64_t high) const {
+    if (low > high) {
+        return 0;
+    }
+    const std::size_t end =
+        high == std::numeric_limits<std::uint64_t>::max() ? size_ : rankOf({high + 1, 0});
+    return end - rankOf({low, 0});
+}
+
+}  // namespace tavrion

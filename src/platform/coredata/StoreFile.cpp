@@ -1,0 +1,262 @@
+#include "platform/coredata/StoreFile.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <system_error>
+
+namespace tavrion::StoreFile {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What the first 100 bytes of an SQLite file tell.
+struct Header {
+    static constexpr std::size_t length = 100;
+    std::array<unsigned char, length> bytes{};
+    std::uint64_t fileSize = 0;
+
+    std::uint32_t number(std::size_t offset) const {
+        return (std::uint32_t{bytes[offset]} << 24U) | (std::uint32_t{bytes[offset + 1]} << 16U) |
+               (std::uint32_t{bytes[offset + 2]} << 8U) | std::uint32_t{bytes[offset + 3]};
+    }
+    bool isSQLite() const { return std::memcmp(bytes.data(), "SQLite format 3", 16) == 0; }
+    std::uint64_t pageSize() const {
+        const std::uint32_t size = (std::uint32_t{bytes[16]} << 8U) | bytes[17];
+        return size == 1 ? 65536 : size;
+    }
+    std::uint64_t expectedSize() const { return pageSize() * number(28); }
+    std::int32_t userVersion() const { return static_cast<std::int32_t>(number(60)); }
+    std::int32_t applicationID() const { return static_cast<std::int32_t>(number(68)); }
+};
+
+NSError error(const fs::path& file, const std::string& what) {
+    return NSError{fmt::format("{}: {}", file.string(), what), {}};
+}
+
+Result<Header> readHeader(const fs::path& file, const StoreFormat& format) {
+    Header header;
+    std::error_code failure;
+    if (!fs::is_regular_file(file, failure)) {
+        return error(
+            file,
+            fmt::format(
+                "this is not a file; {} keeps its records in a file of that name, so move the "
+                "other thing away",
+                format.programName));
+    }
+    header.fileSize = fs::file_size(file, failure);
+    std::ifstream stream(file, std::ios::binary);
+    if (failure || !stream) {
+        return error(file, "the file can't be read; check its permissions");
+    }
+    stream.read(reinterpret_cast<char*>(header.bytes.data()), Header::length);
+    if (static_cast<std::size_t>(stream.gcount()) < Header::length) {
+        return error(
+            file,
+            fmt::format(
+                "the file is cut off after {} bytes; put back a safety copy, or move it away to "
+                "start anew",
+                header.fileSize));
+    }
+    return header;
+}
+
+/// What forbids touching the file; absent when it is ours, whole and of a known version.
+std::optional<NSError> objection(const fs::path& file, const Header& header,
+                                 const StoreFormat& format) {
+    if (!header.isSQLite() || header.applicationID() != format.applicationID) {
+        return error(
+            file, fmt::format(
+                      "the file is not a store of {}; move it away or name another data directory",
+                      format.programName));
+    }
+    if (header.userVersion() > format.version) {
+        return error(
+            file,
+            fmt::format(
+                "the store was made by a newer {} (version {}, this one knows up to {}); update {}",
+                format.programName, header.userVersion(), format.version, format.programName));
+    }
+    // With a log beside it the file may rightly be shorter than it says; SQLite then judges by
+    // both.
+    std::error_code none;
+    const fs::path log = file.string() + "-wal";
+    const bool hasLog = fs::exists(log, none) && fs::file_size(log, none) > 0;
+    if (!hasLog && header.fileSize < header.expectedSize()) {
+        return error(file, fmt::format("the store is cut off: {} of {} bytes are there; put back a "
+                                       "safety copy, or move it "
+                                       "away to start anew",
+                                       header.fileSize, header.expectedSize()));
+    }
+    return std::nullopt;
+}
+
+void syncDirectory(const fs::path& directory) {
+    const int descriptor = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        ::fsync(descriptor);
+        ::close(descriptor);
+    }
+}
+
+/// A new store appears under its name only when it is whole; of two processes that make one, the
+/// first wins.
+Result<void> create(const fs::path& file, const NSManagedObjectModel& model,
+                    const StoreFormat& format) {
+    const fs::path draft = fmt::format("{}.new-{}", file.string(), ::getpid());
+    std::error_code ignored;
+    fs::remove(draft, ignored);
+    {
+        auto database = SQLiteDatabase::open(draft, SQLiteDatabase::Mode::create);
+        if (!database) {
+            return error(file, fmt::format("the store can't be made ({}); check the directory",
+                                           database.error().localizedDescription));
+        }
+        const Result<void> made = database.value()->execute(
+            fmt::format("PRAGMA page_size = 4096; PRAGMA journal_mode = WAL; BEGIN; PRAGMA "
+                        "application_id = {}; "
+                        "PRAGMA user_version = {}; {} COMMIT;",
+                        format.applicationID, format.version, schema(model)));
+        if (!made) {
+            fs::remove(draft, ignored);
+            return error(file, fmt::format("the store can't be made ({})",
+                                           made.error().localizedDescription));
+        }
+    }
+    if (::link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
+        const std::string why = std::strerror(errno);
+        fs::remove(draft, ignored);
+        return error(file, fmt::format("the store can't be made ({}); check the directory", why));
+    }
+    fs::remove(draft, ignored);
+    syncDirectory(file.parent_path());
+    return {};
+}
+
+/// Brings an older file up to date in one transaction, after a copy.
+Result<void> migrate(SQLiteDatabase& database, int from, const StoreFormat& format) {
+    const fs::path copy = fmt::format("{}.version-{}", database.file().string(), from);
+    std::error_code ignored;
+    fs::remove(copy, ignored);
+    if (const auto copied = StoreFile::copy(database, copy); !copied) {
+        return copied;
+    }
+    auto transaction = SQLiteTransaction::begin(database);
+    if (!transaction) {
+        return transaction.error();
+    }
+    for (int version = from; version < format.version; ++version) {
+        const auto stepped = database.execute(format.steps[static_cast<std::size_t>(version) - 1]);
+        if (!stepped) {
+            return stepped.error();
+        }
+    }
+    const auto marked = database.execute(fmt::format("PRAGMA user_version = {}", format.version));
+    if (!marked) {
+        return marked.error();
+    }
+    return transaction.value().commit();
+}
+
+const char* columnType(NSAttributeType type) {
+    switch (type) {
+        case NSAttributeType::boolean:
+        case NSAttributeType::integer:
+            return "INTEGER NOT NULL";
+        case NSAttributeType::real:
+            // A number that is not one is stored as NULL by SQLite, so there is no NOT NULL here.
+            return "REAL";
+        case NSAttributeType::date:
+            return "REAL";
+        case NSAttributeType::string:
+            return "TEXT";
+        case NSAttributeType::binaryData:
+            return "BLOB";
+        case NSAttributeType::reference:
+            return "INTEGER";
+    }
+    return "";
+}
+
+}  // namespace
+
+Result<void> copy(SQLiteDatabase& database, const fs::path& copy) {
+    auto copying = database.prepare("VACUUM INTO ?1");
+    if (!copying) {
+        return copying.error();
+    }
+    const std::string name = copy.string();
+    copying.value().bindText(1, name);
+    return copying.value().run();
+}
+
+std::string schema(const NSManagedObjectModel& model) {
+    std::string sql =
+        "CREATE TABLE Counter (entity TEXT PRIMARY KEY, next INTEGER NOT NULL) WITHOUT ROWID;";
+    for (const NSEntityDescription& entity : model.entities()) {
+        if (entity.isAbstract) {
+            continue;
+        }
+        sql += fmt::format("CREATE TABLE {} (id INTEGER PRIMARY KEY", entity.name);
+        for (const NSPropertyDescription& property : entity.properties) {
+            sql += fmt::format(", {} {}", property.name, columnType(property.type));
+        }
+        sql += fmt::format("); INSERT INTO Counter VALUES ('{}', 1);", entity.name);
+    }
+    return sql;
+}
+
+NSError damaged(const fs::path& file, const NSError& cause) {
+    return NSError{
+        fmt::format(
+            "{}: the store is damaged ({}); put back a safety copy, or move it away to start anew",
+            file.string(), cause.localizedDescription),
+        cause.userInfo};
+}
+
+Result<std::unique_ptr<SQLiteDatabase>> open(const fs::path& file,
+                                             const NSManagedObjectModel& model,
+                                             const StoreFormat& format) {
+    std::error_code failure;
+    if (!fs::exists(fs::symlink_status(file, failure))) {
+        if (const auto made = create(file, model, format); !made) {
+            return made.error();
+        }
+    }
+    auto header = readHeader(file, format);
+    if (!header) {
+        return header.error();
+    }
+    if (auto objected = objection(file, header.value(), format)) {
+        return *objected;
+    }
+    auto database = SQLiteDatabase::open(file, SQLiteDatabase::Mode::readWrite);
+    if (!database) {
+        return database.error();
+    }
+    database.value()->setBusyTimeout(10);
+    // A main save that is reported as done survives a power cut.
+    if (const auto set =
+            database.value()->execute("PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON;");
+        !set) {
+        return damaged(file, set.error());
+    }
+    if (header.value().userVersion() < format.version) {
+        const auto migrated = migrate(*database.value(), header.value().userVersion(), format);
+        if (!migrated) {
+            return error(
+                file, fmt::format("the store can't be brought up to date ({}); it stays as it was",
+                                  migrated.error().localizedDescription));
+        }
+    }
+    return database;
+}
+
+}  // namespace tavrion::StoreFile

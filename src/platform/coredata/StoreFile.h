@@ -1,0 +1,30 @@
+// The SQLite file of a store: how it is made, checked before anything touches it, and brought up to
+// date.
+//
+// Queue: the caller's; each function works on the file alone. Every error is one line that names
+// the file and says what to do, and leaves the file as it was.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "platform/coredata/NSPersistentStore.h"
+
+namespace tavrion::StoreFile {
+
+/// Opens an existing store or makes a new one, checked and of the newest version.
+Result<std::unique_ptr<SQLiteDatabase>> open(const std::filesystem::path& file,
+                                             const NSManagedObjectModel& model,
+                                             const StoreFormat& format);
+
+/// Writes a compact copy to a file that does not exist yet.
+Result<void> copy(SQLiteDatabase& database, const std::filesystem::path& copy);
+
+/// The tables that version `format.version` has.
+std::string schema(const NSManagedObjectModel& model);
+
+/// What a failed read of a store's tables means, in one line.
+NSError damaged(const std::filesystem::path& file, const NSError& cause);
+
+}  // namespace tavrion::StoreFile
