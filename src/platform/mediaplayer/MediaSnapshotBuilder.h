@@ -19,29 +19,29 @@ namespace tavrion {
 /// A song as a source tells it.
 struct SongDescription {
     std::uint64_t persistentID = 0;
-    std::optional<std::string_view> title;
-    std::optional<std::string_view> artist;
-    std::optional<std::string_view> albumArtist;
-    std::optional<std::string_view> albumTitle;
-    std::optional<std::string_view> genre;
-    std::optional<std::string_view> composer;
-    std::optional<std::string_view> sortTitle;
-    std::optional<std::string_view> sortArtist;
-    std::optional<std::string_view> sortAlbumArtist;
-    std::optional<std::string_view> sortAlbumTitle;
-    std::optional<std::string_view> playbackStoreID;
+    std::optional<std::string_view> title = {};
+    std::optional<std::string_view> artist = {};
+    std::optional<std::string_view> albumArtist = {};
+    std::optional<std::string_view> albumTitle = {};
+    std::optional<std::string_view> genre = {};
+    std::optional<std::string_view> composer = {};
+    std::optional<std::string_view> sortTitle = {};
+    std::optional<std::string_view> sortArtist = {};
+    std::optional<std::string_view> sortAlbumArtist = {};
+    std::optional<std::string_view> sortAlbumTitle = {};
+    std::optional<std::string_view> playbackStoreID = {};
     /// Read back as "cloudUniversalLibraryId".
-    std::optional<std::string_view> libraryID;
+    std::optional<std::string_view> libraryID = {};
     /// Seconds.
     double playbackDuration = 0;
     /// Bytes.
     double fileSize = 0;
     std::uint64_t playCount = 0;
     std::uint64_t skipCount = 0;
-    std::optional<NSDate> lastPlayedDate;
-    std::optional<NSDate> dateAdded;
-    std::optional<NSDate> releaseDate;
-    std::optional<NSDate> lastSkippedDate;
+    std::optional<NSDate> lastPlayedDate = {};
+    std::optional<NSDate> dateAdded = {};
+    std::optional<NSDate> releaseDate = {};
+    std::optional<NSDate> lastSkippedDate = {};
     std::uint32_t trackNumber = 0;
     std::uint32_t discNumber = 0;
     std::uint32_t year = 0;
@@ -55,7 +55,7 @@ struct SongDescription {
 };
 
 struct PlaylistDescription {
-    std::string_view name;
+    std::string_view name = {};
     std::uint64_t persistentID = 0;
     /// 0 at the top.
     std::uint64_t parentPersistentID = 0;
@@ -64,7 +64,7 @@ struct PlaylistDescription {
     /// Made by the player, not by the user.
     bool isStock = false;
     /// Persistent identifiers of songs, in the playlist's order; unknown ones are left out.
-    std::span<const std::uint64_t> songs;
+    std::span<const std::uint64_t> songs = {};
 };
 
 class MediaSnapshotBuilder {

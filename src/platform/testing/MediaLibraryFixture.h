@@ -22,21 +22,21 @@ namespace tavrion {
 struct TestSong {
     std::string title = "Song";
     std::string artist = "Artist";
-    std::string albumArtist;
+    std::string albumArtist = {};
     std::string albumTitle = "Album";
     std::string genre = "Genre";
     double duration = 180;
     std::uint64_t playCount = 0;
     std::uint64_t skipCount = 0;
-    std::optional<NSDate> lastPlayed;
-    std::optional<NSDate> added;
-    std::optional<NSDate> released;
-    std::optional<NSDate> lastSkipped;
+    std::optional<NSDate> lastPlayed = {};
+    std::optional<NSDate> added = {};
+    std::optional<NSDate> released = {};
+    std::optional<NSDate> lastSkipped = {};
     std::uint64_t persistentID = 0;
-    std::string storeID;
-    std::string libraryID;
-    std::string sortTitle;
-    std::string composer;
+    std::string storeID = {};
+    std::string libraryID = {};
+    std::string sortTitle = {};
+    std::string composer = {};
     std::uint32_t track = 0;
     std::uint32_t disc = 0;
     std::uint32_t year = 0;
@@ -53,7 +53,7 @@ struct TestPlaylist {
     std::string name = "Playlist";
     std::uint64_t persistentID = 0;
     /// Persistent identifiers.
-    std::vector<std::uint64_t> songs;
+    std::vector<std::uint64_t> songs = {};
     std::uint64_t parent = 0;
     bool folder = false;
     bool hidden = false;
@@ -77,7 +77,7 @@ class MediaLibraryFixture {
 
   private:
     Regional region_{NSTimeZone(), "en_US"};
-    std::optional<Port<Regional>::Plug> regionPlug_;
+    std::optional<Port<Regional>::Plug> regionPlug_ = {};
     MPMediaLibrary library_;
     Port<MPMediaLibrary>::Plug libraryPlug_{library_};
 };
