@@ -94,8 +94,10 @@ std::optional<T> copyOf(const Value& value) {
 /// when the file is replaced.
 std::filesystem::path followed(const std::filesystem::path& file) {
     std::error_code error;
-    const std::filesystem::path place = std::filesystem::weakly_canonical(file, error);
-    return error ? std::filesystem::absolute(file, error) : place;
+    // Absolute first: of a path with nothing there yet, the second step would leave a relative one.
+    const std::filesystem::path absolute = std::filesystem::absolute(file, error);
+    const std::filesystem::path place = std::filesystem::weakly_canonical(absolute, error);
+    return error ? absolute : place;
 }
 
 }  // namespace
