@@ -216,6 +216,43 @@ TEST(NSNotificationCenter, NoBlockRunsOnAfterItsObservationWhileOthersPost) {
     }
 }
 
+TEST(NSNotificationCenter, WorkOfANamedQueueEndsWithItsObservationWhileTheQueueRuns) {
+    NSNotificationCenter centre;
+    test::ManualExecutor queue;
+    std::atomic<bool> isOver = false;
+    std::thread poster([&] {
+        while (!isOver) {
+            centre.postNotificationName("saved");
+            std::this_thread::yield();
+        }
+    });
+    std::thread runner([&] {
+        while (!isOver) {
+            queue.runAll();
+            std::this_thread::yield();
+        }
+    });
+    for (int round = 0; round < 300; ++round) {
+        std::atomic<bool> isHeard = false;
+        int guarded = 0;
+        {
+            const auto observation =
+                centre.addObserver("saved", nullptr, &queue, [&](const NSNotification&) {
+                    guarded += 1;
+                    isHeard = true;
+                });
+            while (!isHeard) {
+                std::this_thread::yield();
+            }
+        }
+        guarded = 0;
+    }
+    isOver = true;
+    poster.join();
+    runner.join();
+    EXPECT_EQ(centre.observerCount("saved"), 0U);
+}
+
 TEST(NSNotificationCenter, TheDefaultCentreIsThePluggedOne) {
     NSNotificationCenter centre;
     const Port<NSNotificationCenter>::Plug plug(centre);
