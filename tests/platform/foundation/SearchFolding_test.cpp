@@ -1,7 +1,8 @@
+#include "platform/foundation/SearchFolding.h"
+
 #include <gtest/gtest.h>
 
 #include "platform/foundation/NSCalendar.h"
-#include "platform/foundation/SearchFolding.h"
 
 namespace tavrion {
 namespace {
