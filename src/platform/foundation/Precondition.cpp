@@ -5,10 +5,7 @@
 
 namespace tavrion {
 
-void precondition(bool kept, const char* what) noexcept {
-    if (kept) {
-        return;
-    }
+void endOnBrokenPromise(const char* what) noexcept {
     std::fprintf(stderr, "tavrion: broken promise: %s\n", what);
     std::abort();
 }
