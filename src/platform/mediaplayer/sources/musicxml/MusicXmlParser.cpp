@@ -76,14 +76,14 @@ struct MusicXmlParser::Reader {
     }
 
     static void XMLCALL start(void* self, const XML_Char* element, const XML_Char**) {
-        run(self, [&](MusicXmlDocument& document) { return document.startElement(element); });
+        run(self, [&](MusicXmlDocument& sink) { return sink.startElement(element); });
     }
     static void XMLCALL end(void* self, const XML_Char*) {
-        run(self, [](MusicXmlDocument& document) { return document.endElement(); });
+        run(self, [](MusicXmlDocument& sink) { return sink.endElement(); });
     }
     static void XMLCALL characters(void* self, const XML_Char* text, int length) {
-        run(self, [&](MusicXmlDocument& document) {
-            return document.characters({text, static_cast<std::size_t>(length)});
+        run(self, [&](MusicXmlDocument& sink) {
+            return sink.characters({text, static_cast<std::size_t>(length)});
         });
     }
     static void XMLCALL doctype(void* self, const XML_Char*, const XML_Char*, const XML_Char*,
