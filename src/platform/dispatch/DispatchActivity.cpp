@@ -21,6 +21,11 @@ State& state() {
     return shared;
 }
 
+std::size_t countDown() {
+    MutexLock lock(state().mutex);
+    return --state().count;
+}
+
 }  // namespace
 
 void begin() {
@@ -30,14 +35,11 @@ void begin() {
 }
 
 void end() {
-    std::size_t left = 0;
-    {
-        MutexLock lock(state().mutex);
-        left = --state().count;
-    }
     // The listener only raises a flag of the run loop; it is called under its own lock so that it
-    // can be taken out safely.
+    // can be taken out safely. The lock spans the counting too, so that a listener hears of the
+    // ends after it was set alone, in their order.
     MutexLock lock(state().listenerMutex);
+    const std::size_t left = countDown();
     if (state().listener) {
         state().listener(left);
     }

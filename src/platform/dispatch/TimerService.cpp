@@ -4,6 +4,8 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/dispatch/DispatchActivity.h"
+
 namespace tavrion {
 namespace {
 
@@ -172,10 +174,10 @@ bool TimerService::isAwaiting() {
     return handingOver_ || peekNext() != nullptr;
 }
 
-void TimerService::threadMain() {
+std::shared_ptr<DispatchTimer::Entry> TimerService::awaitDue() {
     MutexLock lock(mutex_);
     while (!ending_) {
-        const auto next = peekNext();
+        auto next = peekNext();
         if (!next) {
             changed_.wait(mutex_);
             continue;
@@ -187,13 +189,25 @@ void TimerService::threadMain() {
         }
         std::erase(entries_, next);
         handingOver_ = true;
-        // Given up for the call: the queue may schedule a timer in turn.
-        mutex_.unlock();
-        DispatchTimer::Entry::fire(next);
-        mutex_.lock();
-        handingOver_ = false;
-        ++fired_;
-        changed_.notifyAll();
+        // A due timer is activity, so that the run loop hears when it is with its queue.
+        DispatchActivity::begin();
+        return next;
+    }
+    return nullptr;
+}
+
+void TimerService::noteFired() {
+    MutexLock lock(mutex_);
+    handingOver_ = false;
+    ++fired_;
+    changed_.notifyAll();
+}
+
+void TimerService::threadMain() {
+    while (const auto due = awaitDue()) {
+        DispatchTimer::Entry::fire(due);
+        noteFired();
+        DispatchActivity::end();
     }
 }
 

@@ -59,6 +59,9 @@ class TimerService {
     bool fireNextStill();
     bool awaitNextRunning();
     void threadMain();
+    /// Waits for the next due entry and takes it out; null when the service ends.
+    std::shared_ptr<DispatchTimer::Entry> awaitDue();
+    void noteFired();
     /// Takes out the entry with the earliest time, or null.
     std::shared_ptr<DispatchTimer::Entry> takeNext() TAVRION_REQUIRES(mutex_);
     /// Drops cancelled entries and gives the earliest, which stays; null when there is none.

@@ -1,0 +1,64 @@
+#include "platform/dispatch/DispatchActivity.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <latch>
+#include <vector>
+
+#include "platform/dispatch/DispatchQueue.h"
+#include "tests/platform/dispatch/DispatchTest.h"
+
+namespace tavrion {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class DispatchActivityTest : public test::DispatchTest {};
+
+TEST_F(DispatchActivityTest, CountsWorkFromTheCallUntilItHasRun) {
+    const auto queue = DispatchQueue::serial("counted");
+    std::latch go(1);
+    queue->async([&] { go.wait(); });
+    queue->async([] {});
+    EXPECT_EQ(DispatchActivity::count(), 2U);
+    go.count_down();
+    mainQueue->runUntilIdle();
+    EXPECT_EQ(DispatchActivity::count(), 0U);
+}
+
+TEST_F(DispatchActivityTest, CountsInlineWork) {
+    std::size_t inSerial = 0;
+    std::size_t inConcurrent = 0;
+    DispatchQueue::serial("inline")->sync([&] { inSerial = DispatchActivity::count(); });
+    DispatchQueue::concurrent("inline")->sync([&] { inConcurrent = DispatchActivity::count(); });
+    EXPECT_EQ(inSerial, 1U);
+    EXPECT_EQ(inConcurrent, 1U);
+    EXPECT_EQ(DispatchActivity::count(), 0U);
+}
+
+TEST_F(DispatchActivityTest, BegunOnlyGrows) {
+    const auto before = DispatchActivity::begun();
+    DispatchActivity::begin();
+    EXPECT_EQ(DispatchActivity::begun(), before + 1);
+    DispatchActivity::end();
+    EXPECT_EQ(DispatchActivity::begun(), before + 1);
+}
+
+TEST_F(DispatchActivityTest, TellsTheListenerWhatIsLeft) {
+    std::vector<std::size_t> left;
+    DispatchActivity::setEndListener([&](std::size_t count) { left.push_back(count); });
+    DispatchActivity::begin();
+    DispatchActivity::begin();
+    EXPECT_THAT(left, IsEmpty());
+    DispatchActivity::end();
+    DispatchActivity::end();
+    DispatchActivity::setEndListener({});
+    DispatchActivity::begin();
+    DispatchActivity::end();
+    EXPECT_THAT(left, ElementsAre(1U, 0U));
+}
+
+}  // namespace
+}  // namespace tavrion
