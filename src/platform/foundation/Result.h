@@ -38,7 +38,8 @@ class [[nodiscard]] Result {
         precondition(ok(), "the value of a failed Result was read");
         return std::get<0>(outcome_);
     }
-    T&& value() && {
+    /// By value, so that a loop over the value of a temporary Result does not outlive it.
+    T value() && {
         precondition(ok(), "the value of a failed Result was read");
         return std::get<0>(std::move(outcome_));
     }

@@ -1,0 +1,92 @@
+#include "platform/coredata/SortedIndex.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+
+#include "platform/coredata/IndexKeys.h"
+
+namespace tavrion {
+namespace {
+
+using Entry = SortedIndex::Entry;
+
+std::vector<Entry> entriesOf(const SortedIndex& index, std::uint64_t low, std::uint64_t high) {
+    std::vector<Entry> found;
+    index.forEachBetween(low, high, [&](std::uint64_t key, RecordCounter record) {
+        found.push_back({key, record});
+    });
+    return found;
+}
+
+TEST(SortedIndexTest, agreesWithAPlainSetThroughManyChanges) {
+    std::mt19937 random(7);
+    std::set<Entry> plain;
+    auto index = SortedIndex::build({});
+    RecordCounter next = 1;
+    for (const std::size_t added : {5000, 1, 3000, 0, 20000, 10, 4000}) {
+        std::vector<Entry> removing;
+        for (const Entry& entry : plain) {
+            if (random() % 3 == 0) {
+                removing.push_back(entry);
+            }
+        }
+        std::vector<Entry> adding;
+        for (std::size_t i = 0; i < added; ++i) {
+            adding.push_back({random() % 2000, next++});
+        }
+        for (const Entry& entry : removing) {
+            plain.erase(entry);
+        }
+        plain.insert(adding.begin(), adding.end());
+        removing.push_back({5, 999999});
+        index = index->changed(removing, adding);
+        ASSERT_EQ(index->size(), plain.size());
+        ASSERT_EQ(entriesOf(*index, 0, ~0ULL), std::vector<Entry>(plain.begin(), plain.end()));
+        for (int i = 0; i < 50; ++i) {
+            const std::uint64_t low = random() % 2100;
+            const std::uint64_t high = random() % 2100;
+            const std::vector<Entry> expected(
+                plain.lower_bound({low, 0}),
+                low > high ? plain.lower_bound({low, 0}) : plain.lower_bound({high + 1, 0}));
+            ASSERT_EQ(entriesOf(*index, low, high), expected);
+            ASSERT_EQ(index->countBetween(low, high), expected.size());
+        }
+    }
+}
+
+TEST(SortedIndexTest, aKeyWithMoreEntriesThanALeafHolds) {
+    std::vector<Entry> entries;
+    for (RecordCounter record = 9000; record > 0; --record) {
+        entries.push_back({record % 2, record});
+    }
+    const auto index = SortedIndex::build(entries);
+    std::size_t seen = 0;
+    RecordCounter last = 0;
+    index->forEachEqual(1, [&](RecordCounter record) {
+        EXPECT_GT(record, last);
+        last = record;
+        ++seen;
+    });
+    EXPECT_EQ(seen, 4500U);
+    EXPECT_EQ(index->countBetween(1, 1), 4500U);
+}
+
+TEST(SortedIndexTest, anOlderVersionStaysAsItWas) {
+    const auto before = SortedIndex::build({{1, 1}, {2, 2}});
+    const auto after = before->changed({{1, 1}}, {{3, 3}});
+    EXPECT_EQ(entriesOf(*before, 0, 9), (std::vector<Entry>{{1, 1}, {2, 2}}));
+    EXPECT_EQ(entriesOf(*after, 0, 9), (std::vector<Entry>{{2, 2}, {3, 3}}));
+}
+
+TEST(IndexKeysTest, numbersKeepTheirOrderAndTheTwoZerosAreOne) {
+    const std::vector<double> ascending{-1e300, -2, -1, -1e-300, 0, 1e-300, 1, 2, 1e300};
+    for (std::size_t i = 1; i < ascending.size(); ++i) {
+        EXPECT_LT(IndexKeys::ofNumber(ascending[i - 1]), IndexKeys::ofNumber(ascending[i]));
+    }
+    EXPECT_EQ(IndexKeys::ofNumber(-0.0), IndexKeys::ofNumber(0.0));
+}
+
+}  // namespace
+}  // namespace tavrion
