@@ -195,6 +195,10 @@ void SQLiteDatabase::setBusyTimeout(double seconds) {
     sqlite3_busy_timeout(connection_, static_cast<int>(std::clamp(seconds * 1000, 0.0, longest)));
 }
 
+bool SQLiteDatabase::isReadOnly() const {
+    return sqlite3_db_readonly(connection_, "main") != 0;
+}
+
 NSError SQLiteDatabase::lastError(int code) const {
     const char* message =
         connection_ != nullptr ? sqlite3_errmsg(connection_) : sqlite3_errstr(code);
@@ -208,6 +212,13 @@ NSError SQLiteDatabase::lastError(int code) const {
 }
 
 Result<SQLiteTransaction> SQLiteTransaction::begin(SQLiteDatabase& database) {
+    // SQLite would begin a reading transaction and refuse the first write.
+    if (database.isReadOnly()) {
+        return NSError{fmt::format("{}: the database cannot be written; check the rights of the "
+                                   "file and its folder",
+                                   database.file().string()),
+                       {}};
+    }
     const Result<void> begun = database.execute("BEGIN IMMEDIATE");
     if (!begun) {
         return begun.error();

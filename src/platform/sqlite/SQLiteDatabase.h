@@ -92,6 +92,8 @@ class SQLiteDatabase {
     std::int64_t changes() const;
     /// Seconds that a statement waits for another process's lock.
     void setBusyTimeout(double seconds);
+    /// Whether writes are refused: opened so, or the file is write-protected.
+    bool isReadOnly() const;
     const std::filesystem::path& file() const { return file_; }
 
   private:
@@ -106,7 +108,7 @@ class SQLiteDatabase {
 /// A transaction that is rolled back unless committed.
 class SQLiteTransaction {
   public:
-    /// Takes the write lock at once.
+    /// Takes the write lock at once; an error when the database is read-only.
     static Result<SQLiteTransaction> begin(SQLiteDatabase& database);
     SQLiteTransaction(SQLiteTransaction&& other) noexcept;
     SQLiteTransaction& operator=(SQLiteTransaction&&) = delete;
