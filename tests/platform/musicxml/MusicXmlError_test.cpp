@@ -167,6 +167,22 @@ TEST_F(MusicXmlErrors, ShortenLongTextsBetweenCharacters) {
     EXPECT_NE(problem.find("éé...\" of"), std::string::npos) << problem;
 }
 
+TEST_F(MusicXmlErrors, StayOnOneLine) {
+    EXPECT_EQ(
+        ofTrack(date("Skip Date", "2021\n12-18T20:00:00Z")),
+        again("Library.xml, line 12: \"2021 12-18T20:00:00Z\" of the key \"Skip Date\" is not a "
+              "date like 2021-12-19T08:15:00Z"));
+    const std::string longName(1000, 'n');
+    for (const std::string& problem :
+         {ofTrack("<" + longName + "/>"), ofTrack("<key>x</key><" + longName + "/>"),
+          ofTrack(text("Name", "&" + longName + ";")), problemOf("<" + longName + "/>"),
+          ofTrack("<key>" + longName + "</key>"),
+          ofTrack("<key>x</key><string><" + longName + "/></string>")}) {
+        EXPECT_LT(problem.size(), 200U) << problem;
+        EXPECT_NE(problem, "");
+    }
+}
+
 TEST_F(MusicXmlErrors, KeepSayingTheFirstProblem) {
     MusicXmlParser parser("F", 0);
     const std::string bytes = "<dict>\n<string>";

@@ -1,7 +1,8 @@
+#include "platform/mediaplayer/sources/musicxml/MusicXmlParser.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/mediaplayer/sources/musicxml/MusicXmlParser.h"
 #include "platform/testing/MediaLibraryFixture.h"
 #include "tests/platform/musicxml/LibraryText.h"
 

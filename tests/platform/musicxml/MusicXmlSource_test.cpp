@@ -1,9 +1,10 @@
+#include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 
 #include "platform/mediaplayer/MPMediaQuery.h"
-#include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
 #include "platform/mediaplayer/sources/musicxml/SettledReading.h"
 #include "platform/testing/MediaLibraryFixture.h"
 #include "tests/RealData.h"

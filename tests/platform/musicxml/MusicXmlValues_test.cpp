@@ -1,7 +1,8 @@
+#include "platform/mediaplayer/sources/musicxml/MusicXmlValues.h"
+
 #include <gtest/gtest.h>
 
 #include "platform/mediaplayer/sources/musicxml/MusicXmlKeys.h"
-#include "platform/mediaplayer/sources/musicxml/MusicXmlValues.h"
 
 namespace tavrion {
 namespace {

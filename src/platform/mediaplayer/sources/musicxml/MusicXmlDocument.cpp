@@ -12,19 +12,6 @@ bool isSpace(char byte) {
     return byte == ' ' || byte == '\n' || byte == '\t' || byte == '\r';
 }
 
-/// The start of a text, short enough for a line of an error, cut between two characters.
-std::string shortened(std::string_view text) {
-    constexpr std::size_t most = 40;
-    if (text.size() <= most) {
-        return std::string(text);
-    }
-    std::size_t length = most;
-    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
-        --length;
-    }
-    return std::string(text.substr(0, length)) + "...";
-}
-
 }  // namespace
 
 void MusicXmlDocument::reserve(std::size_t fileSize) {
@@ -85,16 +72,16 @@ bool MusicXmlDocument::fail(std::string what, std::string_view whatToDo) {
 }
 
 std::string MusicXmlDocument::keyForPeople() const {
-    return "\"" + shortened(keyText_) + "\"";
+    return "\"" + musicXmlTextForPeople(keyText_) + "\"";
 }
 
 bool MusicXmlDocument::startElement(std::string_view name) {
     const Element element = elementNamed(name);
     if (element == Element::unknown && depth_ > 1) {
-        return fail("<" + shortened(name) + "> does not belong into a property list");
+        return fail("<" + musicXmlTextForPeople(name) + "> does not belong into a property list");
     }
     if (inScalar_) {
-        return fail("<" + std::string(name) + "> stands inside of another value");
+        return fail("<" + musicXmlTextForPeople(name) + "> stands inside of another value");
     }
     Frame& frame = frames_[depth_ - 1];
     if (!isDict(frame.place) && !isArray(frame.place)) {
@@ -114,7 +101,7 @@ bool MusicXmlDocument::startElement(std::string_view name) {
         return true;
     }
     if (isDict(frame.place) && !frame.hasKey) {
-        return fail("<" + std::string(name) + "> has no <key> before it");
+        return fail("<" + musicXmlTextForPeople(name) + "> has no <key> before it");
     }
     return startValue(element);
 }
@@ -127,8 +114,9 @@ bool MusicXmlDocument::startRoot(Element element, std::string_view name) {
         sawLibrary_ = true;
         return push(Place::library);
     }
-    return fail("<" + shortened(name) + "> stands where the <dict> of a music library belongs",
-                "choose the Library.xml that the player exports");
+    return fail(
+        "<" + musicXmlTextForPeople(name) + "> stands where the <dict> of a music library belongs",
+        "choose the Library.xml that the player exports");
 }
 
 bool MusicXmlDocument::startValue(Element element) {
@@ -208,7 +196,7 @@ bool MusicXmlDocument::characters(std::string_view text) {
         return true;
     }
     if (!std::all_of(text.begin(), text.end(), isSpace)) {
-        return fail("the text \"" + shortened(text) + "\" stands outside of any value");
+        return fail("the text \"" + musicXmlTextForPeople(text) + "\" stands outside of any value");
     }
     return true;
 }
@@ -250,7 +238,7 @@ bool MusicXmlDocument::takeText() {
         return true;
     }
     const std::string value =
-        "\"" + shortened(text_) + "\" of the key " + keyForPeople() + " is not ";
+        "\"" + musicXmlTextForPeople(text_) + "\" of the key " + keyForPeople() + " is not ";
     if (scalarKey_ >= firstMusicXmlDate) {
         return fail(value + "a date like 2021-12-19T08:15:00Z");
     }
@@ -273,7 +261,7 @@ bool MusicXmlDocument::takeFlag(bool value) {
 bool MusicXmlDocument::takeListedTrack() {
     const auto number = musicXmlInteger(text_);
     if (!number || *number < 0) {
-        return fail("\"" + shortened(text_) + "\" of the key " + keyForPeople() +
+        return fail("\"" + musicXmlTextForPeople(text_) + "\" of the key " + keyForPeople() +
                     " is not the number of a track");
     }
     listedTracks_.push_back(static_cast<std::uint64_t>(*number));

@@ -7,6 +7,7 @@
 #include <exception>
 
 #include "platform/mediaplayer/sources/musicxml/MusicXmlDocument.h"
+#include "platform/mediaplayer/sources/musicxml/MusicXmlValues.h"
 
 namespace tavrion {
 
@@ -94,8 +95,8 @@ struct MusicXmlParser::Reader {
         }
     }
     static void XMLCALL skippedEntity(void* self, const XML_Char* entity, int) {
-        static_cast<Reader*>(self)->fail("the entity &" + std::string(entity) + "; is not known" +
-                                         std::string(again));
+        static_cast<Reader*>(self)->fail("the entity &" + musicXmlTextForPeople(entity) +
+                                         "; is not known" + std::string(again));
     }
 
     void connect() {

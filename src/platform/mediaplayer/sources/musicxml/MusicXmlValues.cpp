@@ -1,5 +1,6 @@
 #include "platform/mediaplayer/sources/musicxml/MusicXmlValues.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -90,6 +91,21 @@ std::optional<NSDate> musicXmlDate(std::string_view text) {
     }
     return NSDate::dateWithTimeIntervalSinceReferenceDate(
         daysSince2001(year, month, day) * secondsOfDay + hour * 3600.0 + minute * 60.0 + second);
+}
+
+std::string musicXmlTextForPeople(std::string_view text) {
+    constexpr std::size_t most = 40;
+    std::size_t length = std::min(text.size(), most);
+    while (length > 0 && length < text.size() &&
+           (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
+        --length;
+    }
+    std::string line(text.substr(0, length));
+    for (char& byte : line) {
+        const auto code = static_cast<unsigned char>(byte);
+        byte = code < 0x20 || code == 0x7F ? ' ' : byte;
+    }
+    return length < text.size() ? line + "..." : line;
 }
 
 bool isNeverInMusicXml(NSDate date) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/foundation/NSDate.h"
@@ -20,5 +21,8 @@ std::optional<NSDate> musicXmlDate(std::string_view text);
 /// Whether a date is what "never" becomes in an export: the ends of a 32-bit count of seconds since
 /// 1904, give or take a day for the zone.
 bool isNeverInMusicXml(NSDate date);
+/// The start of a text of the file, fit for one line: short, cut between two characters, without
+/// line ends.
+std::string musicXmlTextForPeople(std::string_view text);
 
 }  // namespace tavrion
