@@ -1,0 +1,197 @@
+// The clean-up after a save, and the folding of the records of one song.
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "persistence/RVCoreDataManager.h"
+#include "platform/foundation/NSUUID.h"
+#include "recording/RVPlaybackHistoryManager.h"
+#include "tests/support/RecordingEnvironment.h"
+
+namespace tavrion {
+namespace {
+
+class DuplicatesTest : public testing::Test {
+  protected:
+    static NSDate at(double seconds) { return RecordingEnvironment::at(seconds); }
+    void consolidate(PlaybackHistory survivor) {
+        RVCoreDataManager::consolidateHistory(survivor, environment.main());
+    }
+    std::size_t awardsNamed(const std::string& identifier) {
+        std::size_t count = 0;
+        for (const NSManagedObject& object :
+             environment.main().executeFetchRequest(Achievement::fetchRequest()).value()) {
+            count += Achievement(object).identifier() == identifier ? 1 : 0;
+        }
+        return count;
+    }
+    RecordingEnvironment environment;
+};
+
+TEST_F(DuplicatesTest, aRecordThatFindsOnlyItselfStaysAsItIs) {
+    PlaybackHistory history = environment.makeHistory("Song", 180, "S1", "L1");
+    environment.makeHistory("Other", 180, "S2", "L2");
+    environment.saveMain();
+    EXPECT_EQ(environment.histories().size(), 2U);
+    EXPECT_EQ(history.storeID(), "S1");
+}
+
+TEST_F(DuplicatesTest, aNewRecordForAChangedStoreIdentifierTakesOverTheOldOne) {
+    PlaybackHistory old = environment.makeHistory("Song", 180, "old", "L1");
+    old.setPlayCount(10);
+    old.setSkipCount(1);
+    old.setLastEventDate(at(100));
+    environment.makePlay(old, 90);
+    environment.saveMain();
+    environment.library.publish({{.title = "Song",
+                                  .playCount = 11,
+                                  .skipCount = 0,
+                                  .lastPlayed = at(200),
+                                  .storeID = "new",
+                                  .libraryID = "L1"}});
+    ASSERT_TRUE(environment.scan());
+    ASSERT_EQ(environment.histories().size(), 1U);
+    const PlaybackHistory survivor = environment.histories()[0];
+    EXPECT_NE(survivor.objectID(), old.objectID()) << "the inserted record survives";
+    EXPECT_EQ(survivor.storeID(), "new");
+    EXPECT_EQ(survivor.plays().size(), 2U);
+    EXPECT_EQ(survivor.playCount(), 11);
+    EXPECT_EQ(survivor.skipCount(), 1) << "the counts are the larger of the two";
+}
+
+TEST_F(DuplicatesTest, twoSongsWithTheSameTitleAndDurationAreFoldedWhenOneGetsANewRecord) {
+    PlaybackHistory first = environment.makeHistory("Song", 180, "S1", "L1");
+    environment.makePlay(first, 1);
+    environment.saveMain();
+    PlaybackHistory second = environment.makeHistory("Song", 180, "S2", "L2");
+    environment.makePlay(second, 2);
+    environment.saveMain();
+    ASSERT_EQ(environment.histories().size(), 1U);
+    EXPECT_EQ(environment.histories()[0].storeID(), "S2");
+    EXPECT_EQ(environment.histories()[0].plays().size(), 2U);
+}
+
+TEST_F(DuplicatesTest, anEventWithTheDateOfAnotherSongsEventGoes) {
+    PlaybackHistory first = environment.makeHistory("First", 1);
+    environment.makePlay(first, 100);
+    environment.saveMain();
+    PlaybackHistory second = environment.makeHistory("Second", 2);
+    environment.makePlay(second, 100);
+    environment.saveMain();
+    EXPECT_EQ(environment.plays(), (std::vector<RecordedPlay>{{100, false, "First"}}));
+    EXPECT_TRUE(second.plays().empty());
+    EXPECT_EQ(environment.log.count("deleted duplicate play event: " + isoTextOfDate(at(100))), 1U);
+}
+
+TEST_F(DuplicatesTest, ofAPairInOneSaveTheFirstGoesAndTheSecondStays) {
+    PlaybackHistory history = environment.makeHistory("Song", 1);
+    environment.makePlay(history, 100);
+    const PlayEvent second = environment.makePlay(history, 100);
+    environment.makePlay(history, 100.0000001);
+    environment.saveMain();
+    ASSERT_EQ(history.plays().size(), 2U);
+    EXPECT_EQ(history.plays()[0].objectID(), second.objectID());
+}
+
+TEST_F(DuplicatesTest, anAwardThatIsThereTwiceLosesOne) {
+    Achievement::insert(environment.main()).setIdentifier("rv_award.one");
+    environment.saveMain();
+    Achievement::insert(environment.main()).setIdentifier("rv_award.one");
+    Achievement::insert(environment.main()).setIdentifier("rv_award.two");
+    environment.saveMain();
+    EXPECT_EQ(awardsNamed("rv_award.one"), 1U);
+    EXPECT_EQ(awardsNamed("rv_award.two"), 1U);
+}
+
+TEST_F(DuplicatesTest, objectsThatAreGoneWhenTheCleanUpRunsAreSkipped) {
+    PlaybackHistory history = environment.makeHistory("Song", 1);
+    const PlayEvent event = environment.makePlay(history, 100);
+    ASSERT_TRUE(environment.main().save());
+    environment.main().deleteObject(event);
+    environment.runUntilIdle();
+    EXPECT_TRUE(environment.plays().empty());
+    EXPECT_EQ(environment.histories().size(), 1U);
+}
+
+TEST_F(DuplicatesTest, aNotificationWithoutInsertsStartsNoCleanUp) {
+    PlaybackHistory history = environment.makeHistory("Song", 1);
+    environment.makePlay(history, 100);
+    environment.saveMain();
+    const auto before = environment.main().snapshot();
+    environment.data->handle_Duplication(
+        {NSManagedObjectContextDidSaveObjectIDsNotification, nullptr, {}});
+    environment.runUntilIdle();
+    EXPECT_EQ(environment.main().snapshot(), before);
+}
+
+TEST_F(DuplicatesTest, whenAllIdentifiersAreGeneratedOnlyTitleAndDurationFindTwins) {
+    const std::string generated = NSUUID::UUIDString();
+    PlaybackHistory survivor = environment.makeHistory("Song", 180, generated, generated);
+    environment.makeHistory("Other", 180, generated, generated);
+    environment.makeHistory("Song", 181, generated, generated);
+    environment.makeHistory("Song", 180);
+    consolidate(survivor);
+    EXPECT_EQ(environment.histories().size(), 3U);
+}
+
+TEST_F(DuplicatesTest, aRealIdentifierReplacesAGeneratedOneAndIsNeverReplaced) {
+    PlaybackHistory survivor = environment.makeHistory("Song", 180, "", "L1");
+    environment.makeHistory("Song", 180, "S2", "L2");
+    environment.makeHistory("Song", 180, "S3", "L3");
+    consolidate(survivor);
+    EXPECT_EQ(survivor.storeID(), "S2");
+    EXPECT_EQ(survivor.libraryID(), "L1");
+}
+
+TEST_F(DuplicatesTest, twinsAreFoundByARealLibraryIdentifierAlone) {
+    PlaybackHistory survivor = environment.makeHistory("Song", 180, "", "L1");
+    PlaybackHistory renamed = environment.makeHistory("Renamed", 99, "", "L1");
+    environment.makePlay(renamed, 5);
+    renamed.setLastEventDate(at(7));
+    consolidate(survivor);
+    EXPECT_EQ(environment.histories().size(), 1U);
+    EXPECT_EQ(survivor.title(), "Song");
+    EXPECT_EQ(survivor.lastEventDate(), at(7));
+    EXPECT_EQ(survivor.plays().size(), 1U);
+}
+
+TEST_F(DuplicatesTest, stringIsValidUUIDTakesWellFormedIdentifiersOnly) {
+    EXPECT_TRUE(RVCoreDataManager::stringIsValidUUID("68753A44-4d6f-1226-9C60-0050E4C00067"));
+    EXPECT_FALSE(RVCoreDataManager::stringIsValidUUID("{68753A44-4D6F-1226-9C60-0050E4C00067}"));
+    EXPECT_FALSE(RVCoreDataManager::stringIsValidUUID("C5A2F0B1D3E49F60"));
+    EXPECT_FALSE(RVCoreDataManager::stringIsValidUUID(""));
+}
+
+TEST_F(DuplicatesTest, twoScansAtOnceLeaveNoSurplus) {
+    const auto songs = [&](std::uint64_t count, double lastPlayed) {
+        std::vector<TestSong> list;
+        for (int i = 0; i < 60; ++i) {
+            list.push_back({.title = "Song " + std::to_string(i),
+                            .duration = 100.0 + i,
+                            .playCount = count,
+                            .lastPlayed = at(lastPlayed + i * 1.25)});
+        }
+        environment.library.publish(list);
+    };
+    for (int round = 0; round < 15; ++round) {
+        const double base = 794059200 + round * 10000;
+        environment.clock.set(at(base + 5000));
+        songs(static_cast<std::uint64_t>(round) * 3 + 1, base);
+        // Handed over one after the other, so that both reach their queues and run at the same
+        // time.
+        RVPlaybackHistoryManager::recordPlaybackHistorySinceDate(NSDate::distantPast(), false, {});
+        while (environment.data->operationQueue().operationCount() != 0) {
+            std::this_thread::yield();
+        }
+        RVPlaybackHistoryManager::recordPlaybackHistorySinceDate(NSDate::distantPast(), false, {});
+        environment.runUntilIdle();
+        ASSERT_EQ(environment.histories().size(), 60U) << "round " << round;
+        const std::vector<RecordedPlay> plays = environment.plays();
+        ASSERT_EQ(plays.size(), 60U * (static_cast<std::size_t>(round) * 3 + 1))
+            << "round " << round;
+    }
+}
+
+}  // namespace
+}  // namespace tavrion
