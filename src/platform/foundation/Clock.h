@@ -1,6 +1,7 @@
 // The one source of the present.
 //
-// Queue: now() is called from any queue. The composition root plugs a clock with Port<Clock>; tests plug a manual one.
+// Queue: now() is called from any queue. The composition root plugs a clock with Port<Clock>; tests
+// plug a manual one.
 #pragma once
 
 #include "platform/foundation/NSDate.h"

@@ -1,6 +1,7 @@
 // Something that runs work later: what foundation needs to know of a queue.
 //
-// Queue: async() is called from any queue; the work runs on the executor's own. Implemented by platform/dispatch.
+// Queue: async() is called from any queue; the work runs on the executor's own. Implemented by
+// platform/dispatch.
 #pragma once
 
 #include <functional>

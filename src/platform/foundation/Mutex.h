@@ -1,9 +1,10 @@
 // Locks that clang's thread-safety analysis can follow.
 //
-// Queue: any. Guard a field with TAVRION_GUARDED_BY(mutex_), state a needed lock with TAVRION_REQUIRES(mutex_), and take
-// it with MutexLock. Nothing is called out while a lock is held.
+// Queue: any. Guard a field with TAVRION_GUARDED_BY(mutex_), state a needed lock with
+// TAVRION_REQUIRES(mutex_), and take it with MutexLock. Nothing is called out while a lock is held.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -61,7 +62,8 @@ class ConditionVariable {
     /// Seconds are real seconds, whatever the injected clock shows.
     void waitFor(Mutex& mutex, double seconds) TAVRION_REQUIRES(mutex) {
         std::unique_lock<std::mutex> held(mutex.mutex_, std::adopt_lock);
-        // Reckoned on the system clock: ThreadSanitizer of this compiler knows that wait and not the steady one.
+        // Reckoned on the system clock: ThreadSanitizer of this compiler knows that wait and not
+        // the steady one.
         const auto until = std::chrono::system_clock::now() +
                            std::chrono::duration_cast<std::chrono::system_clock::duration>(
                                std::chrono::duration<double>(seconds));

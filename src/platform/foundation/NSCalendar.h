@@ -1,6 +1,7 @@
 // The user's Gregorian calendar: a time zone, and arithmetic in days, months and years.
 //
-// Queue: any; an immutable value. The composition root or a test plugs the current one through Regional.
+// Queue: any; an immutable value. The composition root or a test plugs the current one through
+// Regional.
 #pragma once
 
 #include "platform/foundation/NSTimeZone.h"
@@ -8,8 +9,8 @@
 
 namespace tavrion {
 
-/// What to add, in this order: years, months, days, then hours, minutes and seconds. The first three keep the wall clock;
-/// the others are absolute.
+/// What to add, in this order: years, months, days, then hours, minutes and seconds. The first
+/// three keep the wall clock; the others are absolute.
 struct NSDateComponents {
     int year = 0;
     int month = 0;
@@ -31,7 +32,8 @@ class NSCalendar {
     /// The first instant of that year.
     NSDate dateFromYear(std::int64_t year) const;
     bool isDateInSameDay(NSDate a, NSDate b) const;
-    /// Whole days of the calendar difference from `from` to `to` at the wall clock of `from`, cut towards zero.
+    /// Whole days of the calendar difference from `from` to `to` at the wall clock of `from`, cut
+    /// towards zero.
     std::int64_t dayComponentFromDate(NSDate from, NSDate to) const;
 
   private:
@@ -43,7 +45,8 @@ class Regional {
   public:
     static constexpr const char* portName = "a region is plugged in";
     /// `locale` is an ICU name ("de_DE").
-    Regional(NSTimeZone zone, std::string locale) : zone_(std::move(zone)), locale_(std::move(locale)) {}
+    Regional(NSTimeZone zone, std::string locale)
+        : zone_(std::move(zone)), locale_(std::move(locale)) {}
     /// From the environment: TZ, and LC_ALL or LC_COLLATE or LANG; "C" and "POSIX" mean en_US.
     static Regional fromEnvironment();
 

@@ -1,7 +1,8 @@
 // An instant: seconds since 2001-01-01 00:00:00 UTC as a double, compared exactly.
 //
-// Queue: any; a value. No other type of time crosses a function border. Absent is std::optional<NSDate>. The present
-// comes from the clock (platform/foundation/Clock.h) alone. Calendar arithmetic is in NSCalendar.h.
+// Queue: any; a value. No other type of time crosses a function border. Absent is
+// std::optional<NSDate>. The present comes from the clock (platform/foundation/Clock.h) alone.
+// Calendar arithmetic is in NSCalendar.h.
 #pragma once
 
 #include <compare>
@@ -21,13 +22,15 @@ class NSDate {
     static constexpr NSTimeInterval secondsFrom1970To2001 = 978307200.0;
 
     constexpr NSDate() = default;
-    static constexpr NSDate dateWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds) { return NSDate(seconds); }
+    static constexpr NSDate dateWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds) {
+        return NSDate(seconds);
+    }
     /// The instant of Unix time `seconds`.
     static constexpr NSDate dateWithTimeIntervalSince1970(NSTimeInterval seconds) {
         return NSDate(seconds - secondsFrom1970To2001);
     }
-    /// 0001-01-01 UTC of the Julian calendar, two days before the year 1 begins here: earlier than anything that a library
-    /// holds.
+    /// 0001-01-01 UTC of the Julian calendar, two days before the year 1 begins here: earlier than
+    /// anything that a library holds.
     static constexpr NSDate distantPast() { return NSDate(-63114076800.0); }
     /// 4001-01-01 UTC.
     static constexpr NSDate distantFuture() { return NSDate(63113904000.0); }
@@ -35,9 +38,15 @@ class NSDate {
     static NSDate date();
 
     constexpr NSTimeInterval timeIntervalSinceReferenceDate() const { return seconds_; }
-    constexpr NSTimeInterval timeIntervalSince1970() const { return seconds_ + secondsFrom1970To2001; }
-    constexpr NSTimeInterval timeIntervalSinceDate(NSDate earlier) const { return seconds_ - earlier.seconds_; }
-    constexpr NSDate dateByAddingTimeInterval(NSTimeInterval seconds) const { return NSDate(seconds_ + seconds); }
+    constexpr NSTimeInterval timeIntervalSince1970() const {
+        return seconds_ + secondsFrom1970To2001;
+    }
+    constexpr NSTimeInterval timeIntervalSinceDate(NSDate earlier) const {
+        return seconds_ - earlier.seconds_;
+    }
+    constexpr NSDate dateByAddingTimeInterval(NSTimeInterval seconds) const {
+        return NSDate(seconds_ + seconds);
+    }
 
     constexpr auto operator<=>(const NSDate&) const = default;
 
@@ -54,11 +63,13 @@ constexpr std::optional<NSDate> laterDate(std::optional<NSDate> a, std::optional
     return *a < *b ? b : a;
 }
 
-/// "2026-03-01T12:00:00.250Z": ISO 8601 in UTC with milliseconds, rounded down. Years outside 1 to 9999 are clamped.
+/// "2026-03-01T12:00:00.250Z": ISO 8601 in UTC with milliseconds, rounded down. Years outside 1 to
+/// 9999 are clamped.
 std::string isoTextOfDate(NSDate date);
 
-/// The instant of an ISO 8601 text with "Z" or an offset ("2026-03-01T13:00:00.25+01:00"), fractions allowed, correctly
-/// rounded. Absent when the text is anything else, a date without a time or without an offset included.
+/// The instant of an ISO 8601 text with "Z" or an offset ("2026-03-01T13:00:00.25+01:00"),
+/// fractions allowed, correctly rounded. Absent when the text is anything else, a date without a
+/// time or without an offset included.
 std::optional<NSDate> dateFromIsoText(std::string_view text);
 
 }  // namespace tavrion

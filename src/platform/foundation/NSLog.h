@@ -1,7 +1,7 @@
 // The log: plain lines with no level.
 //
-// Queue: any. Lines go to the plugged sink; with none plugged they are dropped before they are put together, so that a
-// scan of a whole library pays nothing for a log that nobody reads.
+// Queue: any. Lines go to the plugged sink; with none plugged they are dropped before they are put
+// together, so that a scan of a whole library pays nothing for a log that nobody reads.
 #pragma once
 
 #include <fmt/core.h>

@@ -1,10 +1,11 @@
 // Broadcasts named notifications inside the process.
 //
-// Queue: post and observe from any queue. A block registered without a queue runs on the poster's, inside the post; one
-// registered with a queue runs there later. No lock is held while blocks run, so a block may post, observe and remove.
-// Who owns: an Observation removes its block when it is destroyed; when its destructor has returned, the block is not
-// running and will not run, unless the destructor was called from inside that block. Work already handed to a named queue
-// is dropped too.
+// Queue: post and observe from any queue. A block registered without a queue runs on the poster's,
+// inside the post; one registered with a queue runs there later. No lock is held while blocks run,
+// so a block may post, observe and remove. Who owns: an Observation removes its block when it is
+// destroyed; when its destructor has returned, the block is not running and will not run, unless
+// the destructor was called from inside that block. Work already handed to a named queue is dropped
+// too.
 #pragma once
 
 #include <any>
@@ -58,9 +59,11 @@ class NSNotificationCenter {
     /// The plugged centre of the process.
     static NSNotificationCenter& defaultCenter() { return Port<NSNotificationCenter>::current(); }
 
-    /// Calls `block` for each notification of that name, from any object (`object` null) or about that object only, on
-    /// `queue`, or on the poster's queue when `queue` is null. Blocks run in the order of their registration.
-    [[nodiscard]] Observation addObserver(const std::string& name, const void* object, Executor* queue, Block block);
+    /// Calls `block` for each notification of that name, from any object (`object` null) or about
+    /// that object only, on `queue`, or on the poster's queue when `queue` is null. Blocks run in
+    /// the order of their registration.
+    [[nodiscard]] Observation addObserver(const std::string& name, const void* object,
+                                          Executor* queue, Block block);
     void postNotification(const NSNotification& notification);
     void postNotificationName(const std::string& name) { postNotification({name, nullptr, {}}); }
     /// How many blocks wait for `name`.

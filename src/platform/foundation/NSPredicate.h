@@ -1,8 +1,10 @@
-// A condition on an object whose properties are reached by name, as a value: comparisons joined by AND and OR.
+// A condition on an object whose properties are reached by name, as a value: comparisons joined by
+// AND and OR.
 //
-// Queue: any; immutable. The record store plans a fetch from its parts; anything else can be filtered in memory with
-// evaluate(). A comparison with an absent value: equality holds only when both are absent, inequality is its opposite,
-// an order never holds. Numbers of different types compare by their value; a bool is the number 0 or 1.
+// Queue: any; immutable. The record store plans a fetch from its parts; anything else can be
+// filtered in memory with evaluate(). A comparison with an absent value: equality holds only when
+// both are absent, inequality is its opposite, an order never holds. Numbers of different types
+// compare by their value; a bool is the number 0 or 1.
 #pragma once
 
 #include <functional>

@@ -1,6 +1,7 @@
 // The one alphabetical comparison of the program, and what it stands on.
 //
-// Queue: any. Stateless; the order is that of the plugged region's locale. Text is UTF-8; broken sequences read as U+FFFD.
+// Queue: any. Stateless; the order is that of the plugged region's locale. Text is UTF-8; broken
+// sequences read as U+FFFD.
 #pragma once
 
 #include <optional>
@@ -15,17 +16,22 @@ enum class NSComparisonResult { ascending = -1, same = 0, descending = 1 };
 /// Locale-aware, without case, digits as numbers; never `same` for different strings.
 NSComparisonResult localizedStandardCompare(std::string_view a, std::string_view b);
 
-/// Bytes whose byte order is the order of localizedStandardCompare up to its tie-breaks (equal keys: compare the texts).
-/// One call for many texts, because opening the collator costs more than a key. Empty texts get the least key.
+/// Bytes whose byte order is the order of localizedStandardCompare up to its tie-breaks (equal
+/// keys: compare the texts). One call for many texts, because opening the collator costs more than
+/// a key. Empty texts get the least key.
 std::vector<std::string> collationKeys(const std::vector<std::string_view>& texts);
 
 namespace Entended {
 
 /// The string itself, so that a number and a string can be asked alike.
-inline std::string stringValue(std::string text) { return text; }
-/// Surrounding punctuation is ignored, a name with nothing else left reads as "~", names that do not start with a letter
-/// come after those that do; within each class localizedStandardCompare decides. An absent string is "~".
-NSComparisonResult smartAlphabeticalCompare(const std::optional<std::string>& a, const std::optional<std::string>& b);
+inline std::string stringValue(std::string text) {
+    return text;
+}
+/// Surrounding punctuation is ignored, a name with nothing else left reads as "~", names that do
+/// not start with a letter come after those that do; within each class localizedStandardCompare
+/// decides. An absent string is "~".
+NSComparisonResult smartAlphabeticalCompare(const std::optional<std::string>& a,
+                                            const std::optional<std::string>& b);
 /// Whether the first UTF-16 unit of the text is anything but a letter. False for an empty text.
 bool stringBeginsWithNumeral(std::string_view text);
 

@@ -1,7 +1,7 @@
 // The rules of a time zone, from the system's time-zone data.
 //
-// Queue: any; an immutable value, cheap to copy. Instants more than thirty million years away are reckoned as if they
-// were that far, and one that is not a number as the reference date.
+// Queue: any; an immutable value, cheap to copy. Instants more than thirty million years away are
+// reckoned as if they were that far, and one that is not a number as the reference date.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,8 @@
 
 namespace tavrion {
 
-/// A day of the proleptic Gregorian calendar, without a time or a zone. Days are counted from 1970-01-01, which is 0.
+/// A day of the proleptic Gregorian calendar, without a time or a zone. Days are counted from
+/// 1970-01-01, which is 0.
 struct CivilDay {
     std::int64_t number = 0;
     auto operator<=>(const CivilDay&) const = default;
@@ -36,7 +37,8 @@ class NSTimeZone {
     NSTimeZone();
     /// The zone of that name ("Europe/Berlin", "UTC"); absent when the system has no such zone.
     static std::optional<NSTimeZone> timeZoneWithName(const std::string& name);
-    /// The zone of the environment variable TZ, else of the system; UTC when neither names a known one.
+    /// The zone of the environment variable TZ, else of the system; UTC when neither names a known
+    /// one.
     static NSTimeZone systemTimeZone();
 
     const std::string& name() const;
@@ -44,11 +46,11 @@ class NSTimeZone {
     int secondsFromGMTForDate(NSDate date) const;
     CivilTime civilTime(NSDate date) const;
     CivilDay civilDay(NSDate date) const;
-    /// The first instant of the day: the first of two midnights, and the first instant that exists where midnight does not;
-    /// for a day that does not exist, the start of the next one.
+    /// The first instant of the day: the first of two midnights, and the first instant that exists
+    /// where midnight does not; for a day that does not exist, the start of the next one.
     NSDate startOfDay(CivilDay day) const;
-    /// The instant of a wall clock reading; the first where it occurs twice, and moved on by the length of the gap where
-    /// it does not occur.
+    /// The instant of a wall clock reading; the first where it occurs twice, and moved on by the
+    /// length of the gap where it does not occur.
     NSDate dateOfCivilTime(const CivilTime& time) const;
     /// As dateOfCivilTime, but the last where it occurs twice.
     NSDate lastDateOfCivilTime(const CivilTime& time) const;

@@ -1,8 +1,9 @@
-// Where a lower room reaches up: it declares a small interface, and the composition root plugs the upper room in.
+// Where a lower room reaches up: it declares a small interface, and the composition root plugs the
+// upper room in.
 //
-// Queue: current() from any queue. Plugs are made and taken out by the composition root or a test before and after the
-// queues run; the plugged object outlives its Plug. Absent (nothing plugged) is a mistake of the composition root, and
-// current() ends the process; isPlugged() asks.
+// Queue: current() from any queue. Plugs are made and taken out by the composition root or a test
+// before and after the queues run; the plugged object outlives its Plug. Absent (nothing plugged)
+// is a mistake of the composition root, and current() ends the process; isPlugged() asks.
 #pragma once
 
 #include <atomic>

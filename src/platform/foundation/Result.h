@@ -1,7 +1,8 @@
-// The outcome of a platform operation that can fail: a value, or an error that says what went wrong and what to do.
+// The outcome of a platform operation that can fail: a value, or an error that says what went wrong
+// and what to do.
 //
-// Queue: any; a value like others. A Result may not be dropped unread: `.ignore()` marks the places where the failure is
-// meant to be ignored.
+// Queue: any; a value like others. A Result may not be dropped unread: `.ignore()` marks the places
+// where the failure is meant to be ignored.
 #pragma once
 
 #include <optional>
@@ -13,7 +14,8 @@
 
 namespace tavrion {
 
-/// What went wrong. `localizedDescription` is one line for people; `userInfo` is the detail for the log, possibly empty.
+/// What went wrong. `localizedDescription` is one line for people; `userInfo` is the detail for the
+/// log, possibly empty.
 struct NSError {
     std::string localizedDescription;
     std::string userInfo;
@@ -23,8 +25,10 @@ struct NSError {
 template <class T>
 class [[nodiscard]] Result {
   public:
-    Result(T value) : outcome_(std::in_place_index<0>, std::move(value)) {}          // NOLINT: implicit by design
-    Result(NSError error) : outcome_(std::in_place_index<1>, std::move(error)) {}    // NOLINT: implicit by design
+    Result(T value)
+        : outcome_(std::in_place_index<0>, std::move(value)) {}  // NOLINT: implicit by design
+    Result(NSError error)
+        : outcome_(std::in_place_index<1>, std::move(error)) {}  // NOLINT: implicit by design
 
     bool ok() const { return outcome_.index() == 0; }
     explicit operator bool() const { return ok(); }
