@@ -1,9 +1,10 @@
+#include "platform/mediaplayer/MPMediaItem.h"
+
 #include <gtest/gtest.h>
 
 #include <thread>
 
 #include "platform/foundation/NSLog.h"
-#include "platform/mediaplayer/MPMediaItem.h"
 #include "platform/mediaplayer/Source.h"
 #include "platform/testing/MediaLibraryFixture.h"
 

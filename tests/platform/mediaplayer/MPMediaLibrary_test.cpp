@@ -1,8 +1,9 @@
+#include "platform/mediaplayer/MPMediaLibrary.h"
+
 #include <gtest/gtest.h>
 
 #include <thread>
 
-#include "platform/mediaplayer/MPMediaLibrary.h"
 #include "platform/testing/MediaLibraryFixture.h"
 
 namespace tavrion {

@@ -1,7 +1,8 @@
+#include "platform/mediaplayer/MPMediaQuery.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/mediaplayer/MPMediaQuery.h"
 #include "platform/testing/MediaLibraryFixture.h"
 
 namespace tavrion {

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "platform/mediaplayer/SourceRegistry.h"
+
+#include <gtest/gtest.h>
 
 namespace tavrion {
 namespace {
