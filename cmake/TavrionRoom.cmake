@@ -45,13 +45,18 @@ function(tavrion_tests name)
 endfunction()
 
 # tavrion_fuzz(name LINKS target...): the fuzz target name of fuzz/<name>.cpp; its corpus is fuzz/corpus/<name>/.
-# tools/fuzz runs every target listed in the build directory's fuzz-targets.txt.
+# tools/fuzz runs every target listed in the build directory's fuzz-targets.txt; the target fuzz_targets builds them all, and
+# of the rooms only those they stand on.
 function(tavrion_fuzz name)
   cmake_parse_arguments(FUZZ "" "" "LINKS" ${ARGN})
   add_executable(${name} ${name}.cpp)
   target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${FUZZ_LINKS})
   target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  if(NOT TARGET fuzz_targets)
+    add_custom_target(fuzz_targets)
+  endif()
+  add_dependencies(fuzz_targets ${name})
   set_property(GLOBAL APPEND_STRING PROPERTY TAVRION_FUZZ_TARGETS "${name}\n")
   get_property(targets GLOBAL PROPERTY TAVRION_FUZZ_TARGETS)
   file(WRITE "${CMAKE_BINARY_DIR}/fuzz-targets.txt" "${targets}")
