@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <latch>
+#include <memory>
 #include <vector>
 
 #include "platform/dispatch/DispatchQueue.h"
@@ -48,16 +50,32 @@ TEST_F(DispatchActivityTest, BegunOnlyGrows) {
 
 TEST_F(DispatchActivityTest, TellsTheListenerWhatIsLeft) {
     std::vector<std::size_t> left;
-    DispatchActivity::setEndListener([&](std::size_t count) { left.push_back(count); });
-    DispatchActivity::begin();
-    DispatchActivity::begin();
-    EXPECT_THAT(left, IsEmpty());
-    DispatchActivity::end();
-    DispatchActivity::end();
-    DispatchActivity::setEndListener({});
+    {
+        const DispatchActivity::EndListener listener(
+            [&](std::size_t count) { left.push_back(count); });
+        DispatchActivity::begin();
+        DispatchActivity::begin();
+        EXPECT_THAT(left, IsEmpty());
+        DispatchActivity::end();
+        DispatchActivity::end();
+    }
     DispatchActivity::begin();
     DispatchActivity::end();
     EXPECT_THAT(left, ElementsAre(1U, 0U));
+}
+
+TEST_F(DispatchActivityTest, ListenersComeAndGoInAnyOrder) {
+    int first = 0;
+    int second = 0;
+    auto one = std::make_unique<DispatchActivity::EndListener>([&](std::size_t) { ++first; });
+    const DispatchActivity::EndListener two([&](std::size_t) { ++second; });
+    DispatchActivity::begin();
+    DispatchActivity::end();
+    one.reset();
+    DispatchActivity::begin();
+    DispatchActivity::end();
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 2);
 }
 
 }  // namespace

@@ -186,6 +186,56 @@ TEST_F(MainQueueTest, MayEndAsSoonAsItsWorkHasRun) {
     mainQueue = MainQueue::make();
 }
 
+TEST_F(MainQueueTest, HearsOfOtherQueuesAlsoWhenAnotherMainQueueHasGone) {
+    MainQueue::make().reset();
+    const auto queue = DispatchQueue::serial("elsewhere");
+    for (int i = 0; i < 100; ++i) {
+        std::latch go(1);
+        std::atomic<bool> ran{false};
+        queue->async([&] {
+            go.wait();
+            ran = true;
+        });
+        mainQueue->async([&] { go.count_down(); });
+        mainQueue->runUntilIdle();
+        ASSERT_TRUE(ran);
+    }
+}
+
+TEST_F(MainQueueTest, RunUntilGoesOnWatchingWhenAnInnerOneHasEnded) {
+    const auto busy = DispatchQueue::serial("busy");
+    const auto quick = DispatchQueue::serial("quick");
+    std::latch stop(1);
+    std::latch go(1);
+    std::atomic<bool> done{false};
+    busy->async([&] { stop.wait(); });
+    quick->async([&] {
+        go.wait();
+        done = true;
+    });
+    mainQueue->async([&] {
+        mainQueue->runUntil([] { return true; });
+        go.count_down();
+    });
+    mainQueue->runUntil([&] { return done.load(); });
+    stop.count_down();
+    mainQueue->runUntilIdle();
+    EXPECT_TRUE(done);
+}
+
+TEST_F(MainQueueTest, DroppedWorkMayQueueMoreAsItGoes) {
+    auto second = std::make_shared<int>(2);
+    const std::weak_ptr<int> watched = second;
+    std::shared_ptr<int> first(new int(1), [&, queue = mainQueue.get()](const int* value) {
+        queue->async([second = std::move(second)] {});
+        delete value;
+    });
+    mainQueue->async([first = std::move(first)] {});
+    mainQueue = nullptr;
+    EXPECT_TRUE(watched.expired());
+    mainQueue = MainQueue::make();
+}
+
 TEST_F(MainQueueTest, DropsWorkThatNeverRan) {
     auto owned = std::make_shared<int>(1);
     const std::weak_ptr<int> watched = owned;

@@ -8,6 +8,7 @@
 #include <memory>
 #include <numeric>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -147,6 +148,18 @@ TEST_F(NSOperationQueueTest, AnOperationIsGoneOnceItRan) {
     EXPECT_FALSE(watched.expired());
     mainQueue->runUntilIdle();
     EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(NSOperationQueueTest, AnOperationThatIsNotCountedIsGone) {
+    for (int i = 0; i < 200; ++i) {
+        auto operation = operationOf([] {});
+        const std::weak_ptr<NSBlockOperation> watched = operation;
+        operations.addOperation(std::move(operation));
+        while (operations.operationCount() != 0) {
+            std::this_thread::yield();
+        }
+        ASSERT_TRUE(watched.expired());
+    }
 }
 
 TEST_F(NSOperationQueueTest, AnOperationThatItsBlockOwnsIsGoneOnceItRan) {

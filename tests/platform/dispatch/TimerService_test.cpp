@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <latch>
 #include <memory>
@@ -40,8 +41,10 @@ TEST_F(StillTimersTest, FireByTimeAndThenInTheOrderOfTheCalls) {
     const auto c = timers.schedule(2, *mainQueue, note("two again"));
     const auto d = timers.schedule(-5, *mainQueue, note("at once"));
     const auto e = timers.schedule(0, *mainQueue, note("at once too"));
+    const auto f = timers.schedule(std::nan(""), *mainQueue, note("no number"));
     mainQueue->runUntilIdle();
-    EXPECT_THAT(order, ElementsAre("at once", "at once too", "one", "two", "two again"));
+    EXPECT_THAT(order,
+                ElementsAre("at once", "at once too", "no number", "one", "two", "two again"));
 }
 
 TEST_F(StillTimersTest, FireOnlyWhenTheQueuesAreIdle) {
@@ -74,6 +77,25 @@ TEST_F(StillTimersTest, ATimerMayReplaceItselfWhileItRuns) {
     timer = timers.schedule(hour, *mainQueue, again);
     mainQueue->runUntilIdle();
     EXPECT_EQ(rounds, 5);
+}
+
+TEST_F(StillTimersTest, RunUntilFiresOnlyWhatItsConditionWaitsFor) {
+    const auto queue = DispatchQueue::serial("elsewhere");
+    const auto first = timers.schedule(1, *queue, note("first"));
+    const auto second = timers.schedule(2, *queue, [&] { mainQueue->async(note("second")); });
+    const auto third = timers.schedule(3, *mainQueue, note("third"));
+    queue->async(note("work"));
+    mainQueue->runUntil([&] {
+        bool fired = false;
+        queue->sync([&] { fired = order == std::vector<std::string>{"work", "first"}; });
+        return fired;
+    });
+    EXPECT_THAT(order, ElementsAre("work", "first"));
+    mainQueue->runUntil([&] { return order.back() == "second"; });
+    EXPECT_THAT(order, ElementsAre("work", "first", "second"));
+    EXPECT_TRUE(timers.isAwaiting());
+    mainQueue->runUntil([&] { return order.back() == "third"; });
+    EXPECT_FALSE(timers.isAwaiting());
 }
 
 TEST_F(StillTimersTest, FireOnTheQueueTheyWereGiven) {
@@ -243,6 +265,8 @@ TEST_F(RunningTimersTest, TheQueueMayEndOnceTheTimerIsCancelled) {
         timer.cancel();
         executor.reset();
     }
+    // The service may still be turning away from the last one.
+    mainQueue->runUntilIdle(true);
     EXPECT_FALSE(timers.isAwaiting());
 }
 
