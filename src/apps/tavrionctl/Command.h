@@ -9,6 +9,10 @@
 
 #include "apps/tavrionctl/Options.h"
 
+namespace CLI {
+class App;
+}
+
 namespace tavrion::ctl {
 
 class Session;
@@ -20,7 +24,7 @@ class Command {
     /// Adds the command below `parent`.
     virtual void describe(CLI::App& parent) = 0;
     /// Whether the command line names this command. After parsing.
-    bool isChosen() const { return described_ != nullptr && described_->parsed(); }
+    bool isChosen() const;
     virtual Outcome execute(Session& session) = 0;
 
   protected:

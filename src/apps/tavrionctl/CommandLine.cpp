@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 
@@ -57,6 +58,10 @@ Outcome checkedOutput(Outcome outcome) {
 }
 
 }  // namespace
+
+bool Command::isChosen() const {
+    return described_ != nullptr && described_->parsed();
+}
 
 int runCommandLine(int argumentCount, const char* const* arguments) {
     CLI::App app("Keeps the listening history that a music library forgets", "tavrionctl");

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <charconv>
 #include <nlohmann/json.hpp>
 
@@ -139,7 +140,8 @@ void DefaultsWriteCommand::describe(CLI::App& parent) {
     described_ = parent.add_subcommand("write",
                                        "KEY TYPE VALUE: store a value; TYPE is -bool, -int, -date, "
                                        "-string, -array, -data (base64) or -dict (JSON)");
-    // The types look like options and are none.
+    // The types look like options and are none, so that nothing here may be taken for one.
+    described_->fallthrough(false);
     described_->prefix_command();
 }
 

@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
+
 #include "apps/tavrionctl/JsonWriter.h"
 #include "apps/tavrionctl/RecordCommands.h"
 #include "apps/tavrionctl/Session.h"

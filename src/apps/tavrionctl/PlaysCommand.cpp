@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <limits>
 
 #include "apps/tavrionctl/JsonWriter.h"
