@@ -16,11 +16,17 @@ constexpr std::uint64_t bit(MusicXmlKey key) {
 
 /// What a number of that key can be at most.
 std::int64_t limitOf(MusicXmlKey key) {
-    // Counts and milliseconds fit 31 bits with room to spare; a size or a number of a track is any
-    // exact double.
+    // A size or a number of a track is any exact double; milliseconds fit 31 bits with room to
+    // spare. Nobody hears or skips a song ten million times, and a count that rose so far by
+    // damage would become as many plays.
     constexpr std::int64_t mostOfAnything = std::int64_t{1} << 53;
-    constexpr std::int64_t mostOfCounts = std::int64_t{1} << 31;
-    return key == MusicXmlKey::size || key == MusicXmlKey::trackID ? mostOfAnything : mostOfCounts;
+    constexpr std::int64_t mostMilliseconds = std::int64_t{1} << 31;
+    constexpr std::int64_t mostPlays = 10'000'000;
+    if (key == MusicXmlKey::size || key == MusicXmlKey::trackID) {
+        return mostOfAnything;
+    }
+    const bool isCount = key == MusicXmlKey::playCount || key == MusicXmlKey::skipCount;
+    return isCount ? mostPlays : mostMilliseconds;
 }
 
 }  // namespace
