@@ -1,6 +1,7 @@
 #include "platform/dispatch/DispatchActivity.h"
 
 #include <utility>
+#include <vector>
 
 #include "platform/foundation/Mutex.h"
 
@@ -12,7 +13,7 @@ struct State {
     std::size_t count TAVRION_GUARDED_BY(mutex) = 0;
     std::uint64_t begun TAVRION_GUARDED_BY(mutex) = 0;
     Mutex listenerMutex;
-    std::function<void(std::size_t)> listener TAVRION_GUARDED_BY(listenerMutex);
+    std::vector<const EndListener*> listeners TAVRION_GUARDED_BY(listenerMutex);
 };
 
 State& state() {
@@ -35,13 +36,13 @@ void begin() {
 }
 
 void end() {
-    // The listener only raises a flag of the run loop; it is called under its own lock so that it
-    // can be taken out safely. The lock spans the counting too, so that a listener hears of the
-    // ends after it was set alone, in their order.
+    // A listener only raises a flag of its run loop; it is called under a lock so that it can be
+    // taken out safely. The lock spans the counting too, so that a listener hears only of the ends
+    // after it was made, in their order.
     MutexLock lock(state().listenerMutex);
     const std::size_t left = countDown();
-    if (state().listener) {
-        state().listener(left);
+    for (const EndListener* listener : state().listeners) {
+        listener->ended_(left);
     }
 }
 
@@ -55,9 +56,14 @@ std::uint64_t begun() {
     return state().begun;
 }
 
-void setEndListener(std::function<void(std::size_t)> ended) {
+EndListener::EndListener(std::function<void(std::size_t)> ended) : ended_(std::move(ended)) {
     MutexLock lock(state().listenerMutex);
-    state().listener = std::move(ended);
+    state().listeners.push_back(this);
+}
+
+EndListener::~EndListener() {
+    MutexLock lock(state().listenerMutex);
+    std::erase(state().listeners, this);
 }
 
 }  // namespace tavrion::DispatchActivity

@@ -18,9 +18,19 @@ std::size_t count();
 /// count of 0 at the first, no queue was busy in between.
 std::uint64_t begun();
 
-/// Calls `ended` on any thread each time a piece of work has ended, with the count that was left.
-/// One listener; an empty function takes it out, and when this returns the old one is not running.
-/// The listener may not begin or end work itself.
-void setEndListener(std::function<void(std::size_t left)> ended);
+/// While it lives, calls `ended` on any thread each time a piece of work has ended, with the count
+/// that was left. After its end the function is not running any more. The function may not begin
+/// or end work, and may not make or end a listener.
+class EndListener {
+  public:
+    explicit EndListener(std::function<void(std::size_t left)> ended);
+    ~EndListener();
+    EndListener(const EndListener&) = delete;
+    EndListener& operator=(const EndListener&) = delete;
+
+  private:
+    friend void end();
+    const std::function<void(std::size_t left)> ended_;
+};
 
 }  // namespace tavrion::DispatchActivity

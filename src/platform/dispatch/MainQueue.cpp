@@ -6,7 +6,6 @@
 #include <exception>
 #include <utility>
 
-#include "platform/dispatch/DispatchActivity.h"
 #include "platform/dispatch/TimerService.h"
 
 namespace tavrion {
@@ -16,23 +15,57 @@ namespace {
 /// seconds of real time.
 constexpr double timerLookInterval = 0.05;
 
+/// Only a clock that stands still leaves the firing to the run loop. False when there was none.
+bool fireStillTimer() {
+    return Port<TimerService>::isPlugged() && Port<TimerService>::current().fireNext(false);
+}
+
+bool awaitsTimer() {
+    return Port<TimerService>::isPlugged() && Port<TimerService>::current().isAwaiting();
+}
+
 }  // namespace
+
+/// Lets the run loop look up after every piece of other queues for the life of the scope.
+class MainQueue::EachEndWatch {
+  public:
+    explicit EachEndWatch(MainQueue& queue) : queue_(queue) {
+        MutexLock lock(queue_.mutex_);
+        ++queue_.eachEndWatches_;
+    }
+    ~EachEndWatch() {
+        MutexLock lock(queue_.mutex_);
+        --queue_.eachEndWatches_;
+    }
+    EachEndWatch(const EachEndWatch&) = delete;
+    EachEndWatch& operator=(const EachEndWatch&) = delete;
+
+  private:
+    MainQueue& queue_;
+};
 
 std::shared_ptr<MainQueue> MainQueue::make() {
     return std::shared_ptr<MainQueue>(new MainQueue());
 }
 
-MainQueue::MainQueue() : DispatchQueue("main"), mainThread_(std::this_thread::get_id()) {
-    DispatchActivity::setEndListener([this](std::size_t left) { workEnded(left); });
-}
+MainQueue::MainQueue()
+    : DispatchQueue("main"),
+      mainThread_(std::this_thread::get_id()),
+      endListener_([this](std::size_t left) { workEnded(left); }) {}
 
 MainQueue::~MainQueue() {
-    DispatchActivity::setEndListener({});
+    // What dropped work owns may queue more work here when it goes.
+    std::deque<Work> dropped;
+    do {
+        dropped.clear();
+        MutexLock lock(mutex_);
+        dropped.swap(queued_);
+    } while (!dropped.empty());
 }
 
 void MainQueue::workEnded(std::size_t left) {
     MutexLock lock(mutex_);
-    if (left == 0 || watchesEachEnd_) {
+    if (left == 0 || eachEndWatches_ != 0) {
         workEnded_ = true;
         wake_.notifyAll();
     }
@@ -150,15 +183,12 @@ void MainQueue::runUntilIdle(bool waitForTimers) {
         if (!isEmpty()) {
             continue;
         }
-        if (Port<TimerService>::isPlugged()) {
-            TimerService& timers = Port<TimerService>::current();
-            if (timers.fireNext(false)) {
-                continue;
-            }
-            if (waitForTimers && timers.isAwaiting()) {
-                waitForTimer();
-                continue;
-            }
+        if (fireStillTimer()) {
+            continue;
+        }
+        if (waitForTimers && awaitsTimer()) {
+            waitForTimer();
+            continue;
         }
         // A timer of the running clock may have fired since the queues were counted.
         if (begun == DispatchActivity::begun() && isEmpty()) {
@@ -167,20 +197,20 @@ void MainQueue::runUntilIdle(bool waitForTimers) {
     }
 }
 
-void MainQueue::setWatchesEachEnd(bool watches) {
-    MutexLock lock(mutex_);
-    watchesEachEnd_ = watches;
-}
-
 void MainQueue::runUntil(const std::function<bool()>& done) {
     assertCurrent();
-    setWatchesEachEnd(true);
-    while (!done()) {
-        if (!runOne()) {
+    const EachEndWatch watch(*this);
+    for (;;) {
+        // Counted before the question, so that a timer fires only when idle queues left `done`
+        // unfulfilled.
+        const bool othersIdle = DispatchActivity::count() == 0;
+        if (done()) {
+            return;
+        }
+        if (!runOne() && !(othersIdle && fireStillTimer())) {
             waitForSomething();
         }
     }
-    setWatchesEachEnd(false);
 }
 
 double MainQueue::longestTurn() const {

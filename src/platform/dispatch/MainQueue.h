@@ -13,6 +13,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/dispatch/DispatchActivity.h"
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/foundation/Mutex.h"
 #include "platform/foundation/Port.h"
@@ -22,7 +23,7 @@ namespace tavrion {
 class MainQueue final : public DispatchQueue {
   public:
     static constexpr const char* portName = "a main queue is plugged in";
-    /// Made on the main thread. One at a time in a process.
+    /// Made on the main thread. A process needs one; a test may make another.
     static std::shared_ptr<MainQueue> make();
     ~MainQueue() override;
 
@@ -39,7 +40,8 @@ class MainQueue final : public DispatchQueue {
     /// times; with a running clock this waits for timers only when `waitForTimers` is set.
     void runUntilIdle(bool waitForTimers = false);
     /// Runs until `done` holds, which is asked after each piece of work of any queue; `done` must
-    /// come to hold by work of some queue.
+    /// come to hold by work of some queue or by a timer. With a clock that stands still the next
+    /// timer fires when all queues are idle and `done` does not hold yet.
     void runUntil(const std::function<bool()>& done);
 
     /// Called from any thread when work comes. Set once, before other threads know the queue.
@@ -51,9 +53,9 @@ class MainQueue final : public DispatchQueue {
 
   private:
     MainQueue();
+    class EachEndWatch;
     bool runOne();
     bool isEmpty() const;
-    void setWatchesEachEnd(bool watches);
     /// Other queues' work ended; `left` is still to be done.
     void workEnded(std::size_t left);
     void waitForSomething();
@@ -67,9 +69,12 @@ class MainQueue final : public DispatchQueue {
     ConditionVariable wake_;
     std::deque<Work> queued_ TAVRION_GUARDED_BY(mutex_);
     bool workEnded_ TAVRION_GUARDED_BY(mutex_) = false;
-    /// Whether the run loop looks up after every piece of other queues, not only after the last.
-    bool watchesEachEnd_ TAVRION_GUARDED_BY(mutex_) = false;
+    /// While not 0, the run loop looks up after every piece of other queues, not only after the
+    /// last.
+    std::size_t eachEndWatches_ TAVRION_GUARDED_BY(mutex_) = 0;
     double longestTurn_ TAVRION_GUARDED_BY(mutex_) = 0;
+    /// Ends first, so that nothing of the above is touched any more when it goes.
+    DispatchActivity::EndListener endListener_;
 };
 
 }  // namespace tavrion

@@ -118,7 +118,8 @@ DispatchTimer TimerService::schedule(NSTimeInterval delay, Executor& queue, Work
     timer.entry_ = std::make_shared<DispatchTimer::Entry>(queue, std::move(work));
     MutexLock lock(mutex_);
     timer.entry_->sequence = sequence_++;
-    timer.entry_->time = (standsStill_ ? elapsed_ : steadySeconds()) + std::max(delay, 0.0);
+    // In this order of its arguments max() takes a delay that is no number for 0.
+    timer.entry_->time = (standsStill_ ? elapsed_ : steadySeconds()) + std::max(0.0, delay);
     entries_.push_back(timer.entry_);
     changed_.notifyAll();
     return timer;

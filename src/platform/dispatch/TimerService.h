@@ -45,8 +45,8 @@ class TimerService {
     TimerService(const TimerService&) = delete;
     TimerService& operator=(const TimerService&) = delete;
 
-    /// Hands `work` to `queue` after `delay` seconds (at once when it is not positive). The queue
-    /// outlives the timer.
+    /// Hands `work` to `queue` after `delay` seconds (at once when it is not positive or no
+    /// number). The queue outlives the timer.
     [[nodiscard]] DispatchTimer schedule(NSTimeInterval delay, Executor& queue, Work work);
     /// With a still clock: fires the next timer and tells whether there was one. With a running
     /// clock: with `wait` waits until the next timer has fired and tells whether there was one;
