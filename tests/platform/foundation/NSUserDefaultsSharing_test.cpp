@@ -1,12 +1,16 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <csignal>
 #include <thread>
 #include <vector>
 
 #include "platform/foundation/NSUserDefaults.h"
+#include "platform/foundation/PropertyList.h"
 #include "tests/platform/foundation/DefaultsTestFolder.h"
 
 namespace tavrion {
@@ -23,6 +27,7 @@ class NSUserDefaultsSharing : public test::DefaultsTest {
     pid_t startProcess(Body body) {
         const pid_t process = ::fork();
         if (process == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // A test that ends early leaves no writer behind.
             ::_exit(body() ? 0 : 1);
         }
         EXPECT_GT(process, 0);
@@ -65,6 +70,21 @@ TEST_F(NSUserDefaultsSharing, AReaderNoticesEveryOneOfManyQuickWritesOfTheSameSi
         second->setObject("key", (i + 5) % 10);
         ASSERT_EQ(reader->integerForKey("key"), (i + 5) % 10) << i;
     }
+}
+
+// Writes may follow each other faster than the clock of the file system ticks, and an inode number
+// that became free is given away at once.
+TEST_F(NSUserDefaultsSharing, AReaderNoticesAFileOfTheSameSizeAndTime) {
+    opened()->setObject("key", 1);
+    const auto reader = opened();
+    const timespec times[2] = {status().st_atim, status().st_mtim};
+    for (int value = 2; value < 6; ++value) {
+        const auto other = folder / "other.plist";
+        std::ofstream(other, std::ios::binary) << PropertyList::binaryOf({{"key", Value(value)}});
+        ASSERT_EQ(::utimensat(AT_FDCWD, other.c_str(), times, 0), 0);
+        std::filesystem::rename(other, file);
+    }
+    EXPECT_EQ(reader->integerForKey("key"), 5);
 }
 
 TEST_F(NSUserDefaultsSharing, WritersWhoNeverReadKeepEachOthersKeys) {
