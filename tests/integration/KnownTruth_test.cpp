@@ -129,6 +129,8 @@ class KnownTruthTest : public testing::Test {
 
 void KnownTruthTest::replay(const std::string& year) {
     songs.clear();
+    // What one environment plugs must be out before the next one plugs its own.
+    environment.reset();
     const double start =
         dateFromIsoText(year + "-01-01T00:00:00Z")->timeIntervalSinceReferenceDate();
     const double unixStart =

@@ -1,5 +1,7 @@
 // The scan: which plays it makes of the library's counts.
 
+#include "recording/PlaybackScan.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -374,6 +376,23 @@ TEST_F(PlaybackScanTest, aBusyOperationQueueRefusesTheScanWithoutAWord) {
     environment.runUntilIdle();
     EXPECT_FALSE(called);
     EXPECT_EQ(scanDate(), std::nullopt);
+}
+
+TEST_F(PlaybackScanTest, aCancelledScanSavesNothingAndTellsNothing) {
+    publish(1, noon - 60);
+    environment.defaults->setObject(ScanDefaults::playbackHistoryScanDate, at(noon - 500));
+    const auto operation = std::make_shared<NSBlockOperation>();
+    operation->cancel();
+    bool called = false;
+    const auto context = environment.data->privateContext();
+    const auto scan = std::make_shared<PlaybackScan>(context, operation, NSDate::distantPast(),
+                                                     false, [&] { called = true; });
+    context->performBlockAndWait([&] { scan->run(); });
+    environment.runUntilIdle();
+    EXPECT_TRUE(environment.histories().empty());
+    EXPECT_EQ(scanDate(), at(noon - 500));
+    EXPECT_EQ(environment.awards.updates, 0);
+    EXPECT_FALSE(called);
 }
 
 class SinceDateTest : public PlaybackScanTest {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <atomic>
 
 #include "apps/tavrionctl/JsonWriter.h"
@@ -15,6 +16,13 @@
 
 namespace tavrion::ctl {
 namespace {
+
+/// The awards that wait to be announced.
+Value::Array pendingAwards() {
+    return NSUserDefaults::standardUserDefaults()
+        .arrayForKey(ScanDefaults::pendingAchievementIdentifiers)
+        .value_or(Value::Array());
+}
 
 /// Watches a scan from outside and counts what it did.
 class ScanReport {
@@ -29,6 +37,15 @@ class ScanReport {
     }
 
     std::size_t songsMatched() const { return songsMatched_; }
+    /// What was queued for announcement meanwhile.
+    Value::Array awardsEarned() const {
+        Value::Array earned = pendingAwards();
+        std::erase_if(earned, [&](const Value& award) {
+            return std::find(pendingBefore_.begin(), pendingBefore_.end(), award) !=
+                   pendingBefore_.end();
+        });
+        return earned;
+    }
     /// What the scan inserted and the clean-up left.
     std::size_t created(EntityIndex entity) const {
         const std::shared_ptr<const StoreVersion> records = session_.records();
@@ -51,6 +68,7 @@ class ScanReport {
     }
 
     Session& session_;
+    const Value::Array pendingBefore_ = pendingAwards();
     std::atomic<std::size_t> songsMatched_{0};
     mutable Mutex mutex_;
     std::vector<NSManagedObjectID> inserted_ TAVRION_GUARDED_BY(mutex_);
@@ -76,7 +94,7 @@ void writeReport(Session& session, const ScanReport& report, NSDate since) {
     for (const std::string& title : suspects) {
         json.text(title);
     }
-    json.endArray().key("awardsEarned").beginArray().endArray();
+    json.endArray().key("awardsEarned").value(report.awardsEarned());
     json.key("scanDate").instant(RVPlaybackHistoryManager::previousScanDate()).endObject().finish();
 }
 
