@@ -208,8 +208,8 @@ Value::Dictionary NSUserDefaults::dictionaryRepresentation() const {
 
 void NSUserDefaults::setObject(const std::string& key, Value value) {
     DefaultsStore::Changes changes;
-    state_->store.store(PropertyList::storableText(key), PropertyList::storableValue(value),
-                        changes);
+    state_->store.store(PropertyList::storableText(key),
+                        PropertyList::storableValue(std::move(value)), changes);
     state_->tell(changes);
 }
 

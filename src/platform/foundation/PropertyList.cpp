@@ -248,7 +248,7 @@ std::string storableText(std::string_view text) {
     return storable;
 }
 
-Value storableValue(const Value& value) {
+Value storableValue(Value value) {
     precondition(value.get<ObjectReference>() == nullptr,
                  "a reference to an object is never put into a property list");
     if (const auto* text = value.get<std::string>()) {

@@ -18,7 +18,7 @@ std::string storableText(std::string_view text);
 
 /// The value as a list can hold it: its texts storable, absent members of dictionaries left out. An
 /// ObjectReference, or an absent member of an array, is a broken promise.
-Value storableValue(const Value& value);
+Value storableValue(Value value);
 
 /// The binary list of a dictionary of storable values.
 std::string binaryOf(const Value::Dictionary& dictionary);

@@ -114,6 +114,7 @@ TEST_F(NSUserDefaultsSharing, SeveralProcessesLoseNothing) {
     constexpr int writers = 5;
     constexpr int numbers = 20;
     std::vector<pid_t> processes;
+    processes.reserve(writers);
     for (int writer = 0; writer < writers; ++writer) {
         processes.push_back(startProcess([this, writer] {
             const auto defaults = NSUserDefaults::open(file);
@@ -145,6 +146,7 @@ TEST_F(NSUserDefaultsSharing, SeveralThreadsOnSeveralObjectsLoseNothing) {
         }
     });
     std::vector<std::thread> threads;
+    threads.reserve(writers);
     for (int writer = 0; writer < writers; ++writer) {
         threads.emplace_back([&, writer] {
             NSUserDefaults& defaults = writer % 2 == 0 ? *first : *second;

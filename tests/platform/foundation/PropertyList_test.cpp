@@ -166,9 +166,12 @@ TEST(PropertyList, RefusesATypeThatItCouldNotWriteBack) {
 
 TEST(PropertyList, RefusesListsThatWouldUseUpTheStack) {
     std::string deep;
+    std::string end;
     for (int i = 0; i < 2000; ++i) {
-        deep = "<array>" + deep + "</array>";
+        deep += "<array>";
+        end += "</array>";
     }
+    deep += end;
     EXPECT_THAT(errorOf(xmlList("<dict><key>key</key>" + deep + "</dict>")), HasSubstr("too deep"));
 }
 
