@@ -159,6 +159,19 @@ TEST_F(StillTimersTest, FireNextTellsWhetherThereWasOne) {
     EXPECT_THAT(order, ElementsAre("only"));
 }
 
+TEST_F(StillTimersTest, RunUntilFiresNoTimerWhileAQueueIsBusy) {
+    const auto queue = DispatchQueue::serial("busy");
+    std::latch go(1);
+    queue->async([&] {
+        go.wait();
+        mainQueue->async(note("work"));
+    });
+    const auto timer = timers.schedule(1, *mainQueue, note("timer"));
+    mainQueue->async([&] { go.count_down(); });
+    mainQueue->runUntil([&] { return !order.empty(); });
+    EXPECT_THAT(order, ElementsAre("work"));
+}
+
 TEST_F(StillTimersTest, AHandleMayOutliveTheService) {
     DispatchTimer timer;
     {
