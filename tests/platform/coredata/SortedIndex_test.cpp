@@ -25,7 +25,7 @@ TEST(SortedIndexTest, agreesWithAPlainSetThroughManyChanges) {
     std::set<Entry> plain;
     auto index = SortedIndex::build({});
     RecordCounter next = 1;
-    for (const std::size_t added : {5000, 1, 3000, 0, 20000, 10, 4000}) {
+    for (const unsigned added : {5000U, 1U, 3000U, 0U, 20000U, 10U, 4000U}) {
         std::vector<Entry> removing;
         for (const Entry& entry : plain) {
             if (random() % 3 == 0) {
@@ -33,7 +33,7 @@ TEST(SortedIndexTest, agreesWithAPlainSetThroughManyChanges) {
             }
         }
         std::vector<Entry> adding;
-        for (std::size_t i = 0; i < added; ++i) {
+        for (unsigned i = 0; i < added; ++i) {
             adding.push_back({random() % 2000, next++});
         }
         for (const Entry& entry : removing) {
