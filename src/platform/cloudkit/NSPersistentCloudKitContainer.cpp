@@ -5,7 +5,7 @@
 namespace tavrion {
 
 NSPersistentCloudKitContainer::NSPersistentCloudKitContainer(
-    std::string name, std::shared_ptr<const NSManagedObjectModel> model,
+    const std::string& name, std::shared_ptr<const NSManagedObjectModel> model,
     std::shared_ptr<DispatchQueue> mainQueue, NSPersistentStoreDescription description)
     : NSPersistentContainer(name, std::move(model), std::move(mainQueue), std::move(description)),
       options_(NSPersistentCloudKitContainerOptions{name}) {}

@@ -37,7 +37,7 @@ class LocalOnlyMirroring final : public MirroringService {
 
 class NSPersistentCloudKitContainer final : public NSPersistentContainer {
   public:
-    NSPersistentCloudKitContainer(std::string name,
+    NSPersistentCloudKitContainer(const std::string& name,
                                   std::shared_ptr<const NSManagedObjectModel> model,
                                   std::shared_ptr<DispatchQueue> mainQueue,
                                   NSPersistentStoreDescription description);

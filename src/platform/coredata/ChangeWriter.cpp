@@ -41,7 +41,7 @@ Result<void> ChangeWriter::write(const ChangeSet& changes) {
         const NSEntityDescription& entity = model_.entity(index);
         for (const auto step : {&ChangeWriter::writeInserts, &ChangeWriter::writeUpdates,
                                 &ChangeWriter::writeDeletes}) {
-            if (const auto written = (this->*step)(entity, entityChanges); !written) {
+            if (auto written = (this->*step)(entity, entityChanges); !written) {
                 return written;
             }
         }
@@ -84,7 +84,7 @@ Result<void> ChangeWriter::writeInserts(const NSEntityDescription& entity,
         for (std::size_t i = 0; i < row.size(); ++i) {
             bind(*insert.value(), static_cast<int>(i) + 2, row[i], entity.properties[i].type);
         }
-        if (const auto inserted = insert.value()->run(); !inserted) {
+        if (auto inserted = insert.value()->run(); !inserted) {
             return inserted;
         }
     }
@@ -109,7 +109,7 @@ Result<void> ChangeWriter::writeUpdates(const NSEntityDescription& entity,
             bind(*change.value(), static_cast<int>(i) + 2, update[i].second,
                  entity.properties[update[i].first].type);
         }
-        if (const auto changed = change.value()->run(); !changed) {
+        if (auto changed = change.value()->run(); !changed) {
             return changed;
         }
     }
@@ -124,7 +124,7 @@ Result<void> ChangeWriter::writeDeletes(const NSEntityDescription& entity,
             return remove.error();
         }
         remove.value()->bindInteger(1, record);
-        if (const auto removed = remove.value()->run(); !removed) {
+        if (auto removed = remove.value()->run(); !removed) {
             return removed;
         }
     }

@@ -69,7 +69,7 @@ Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
     }
     std::shared_ptr<NSPersistentStore> store(
         new NSPersistentStore(file, std::move(model), std::move(database).value()));
-    if (const auto loaded = store->load(); !loaded) {
+    if (auto loaded = store->load(); !loaded) {
         return StoreFile::damaged(file, loaded.error());
     }
     openStores().byFile[key] = store;
@@ -106,19 +106,19 @@ Result<void> NSPersistentStore::load() {
     MutexLock lock(writeMutex_);
     // One read transaction, so that all tables are of the same moment though another process may
     // write.
-    if (const auto begun = database_->execute("BEGIN"); !begun) {
+    if (auto begun = database_->execute("BEGIN"); !begun) {
         return begun;
     }
     std::vector<std::shared_ptr<const TableVersion>> tables =
         StoreVersion::empty(*model_)->tables();
     for (std::size_t i = 0; i < tables.size(); ++i) {
         if (!model_->entities()[i].isAbstract) {
-            if (const auto loaded = loadEntity(static_cast<EntityIndex>(i), tables); !loaded) {
+            if (auto loaded = loadEntity(static_cast<EntityIndex>(i), tables); !loaded) {
                 return loaded;
             }
         }
     }
-    if (const auto ended = database_->execute("COMMIT"); !ended) {
+    if (auto ended = database_->execute("COMMIT"); !ended) {
         return ended;
     }
     auto version = std::make_shared<const StoreVersion>(std::move(tables));
@@ -171,6 +171,7 @@ Result<void> NSPersistentStore::loadEntity(
     }
     auto table = std::make_shared<TableVersion>(writer.finish());
     std::vector<std::shared_ptr<const SortedIndex>> indexes;
+    indexes.reserve(keys.size());
     for (std::vector<SortedIndex::Entry>& entries : keys) {
         indexes.push_back(SortedIndex::build(std::move(entries)));
     }
@@ -196,14 +197,14 @@ Result<void> NSPersistentStore::write(
     }
     ChangeWriter writer(*model_, *database_);
     for (const auto& commit : commits) {
-        if (const auto written = writer.write(*commit); !written) {
+        if (auto written = writer.write(*commit); !written) {
             return written;
         }
     }
-    if (const auto counted = writeCounters(); !counted) {
+    if (auto counted = writeCounters(); !counted) {
         return counted;
     }
-    if (const auto committed = transaction.value().commit(); !committed) {
+    if (auto committed = transaction.value().commit(); !committed) {
         return committed;
     }
     std::shared_ptr<const StoreVersion> saved = version();
@@ -228,7 +229,7 @@ Result<void> NSPersistentStore::writeCounters() {
     for (std::size_t i = 0; i < nextCounters_.size(); ++i) {
         update.value().bindText(1, model_->entities()[i].name);
         update.value().bindInteger(2, nextCounters_[i].load());
-        if (const auto updated = update.value().run(); !updated) {
+        if (auto updated = update.value().run(); !updated) {
             return updated;
         }
     }
@@ -244,16 +245,16 @@ Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
     const std::shared_ptr<const StoreVersion> before = version();
     std::shared_ptr<const StoreVersion> after = before;
     for (const EntityIndex concrete : model_->concreteEntities(entity)) {
-        if (const auto deleted = database_->execute("DELETE FROM " + model_->entity(concrete).name);
+        if (auto deleted = database_->execute("DELETE FROM " + model_->entity(concrete).name);
             !deleted) {
             return deleted;
         }
         after = withoutEntity(*model_, *after, concrete);
     }
-    if (const auto counted = writeCounters(); !counted) {
+    if (auto counted = writeCounters(); !counted) {
         return counted;
     }
-    if (const auto committed = transaction.value().commit(); !committed) {
+    if (auto committed = transaction.value().commit(); !committed) {
         return committed;
     }
     // A handful is enough: deleting everything takes one batch delete for each entity.

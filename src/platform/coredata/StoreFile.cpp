@@ -145,7 +145,7 @@ Result<void> migrate(SQLiteDatabase& database, int from, const StoreFormat& form
     const fs::path copy = fmt::format("{}.version-{}", database.file().string(), from);
     std::error_code ignored;
     fs::remove(copy, ignored);
-    if (const auto copied = StoreFile::copy(database, copy); !copied) {
+    if (auto copied = StoreFile::copy(database, copy); !copied) {
         return copied;
     }
     auto transaction = SQLiteTransaction::begin(database);
@@ -171,9 +171,8 @@ const char* columnType(NSAttributeType type) {
         case NSAttributeType::integer:
             return "INTEGER NOT NULL";
         case NSAttributeType::real:
-            // A number that is not one is stored as NULL by SQLite, so there is no NOT NULL here.
-            return "REAL";
         case NSAttributeType::date:
+            // A number that is not one is stored as NULL by SQLite, so there is no NOT NULL here.
             return "REAL";
         case NSAttributeType::string:
             return "TEXT";
