@@ -25,6 +25,19 @@ class DispatchQueueTest : public test::DispatchTest {
   protected:
     std::shared_ptr<DispatchQueue> queue = DispatchQueue::serial("first");
     std::shared_ptr<DispatchQueue> other = DispatchQueue::serial("second");
+
+    /// Called as the first queue: whether work queued there now waits for the caller.
+    bool laterWorkWaits() {
+        const auto laterRan = std::make_shared<std::atomic<bool>>(false);
+        queue->async([laterRan] { *laterRan = true; });
+        // Workers take work in the order of the calls: once this has run, the later work would
+        // have begun.
+        std::latch reached(1);
+        other->async([&] { reached.count_down(); });
+        reached.wait();
+        other->sync([] {});
+        return !*laterRan;
+    }
 };
 
 TEST_F(DispatchQueueTest, SerialRunsInTheOrderOfTheCalls) {
@@ -86,6 +99,30 @@ TEST_F(DispatchQueueTest, SyncRunsAfterWhatWasQueuedBefore) {
     });
     mainQueue->runUntilIdle();
     EXPECT_THAT(order, ElementsAre("first", "second", "sync", "later"));
+}
+
+TEST_F(DispatchQueueTest, SyncHasTheIdleQueueForItself) {
+    bool alone = false;
+    queue->sync([&] { alone = laterWorkWaits(); });
+    EXPECT_TRUE(alone);
+}
+
+TEST_F(DispatchQueueTest, SyncThatWasLetInHasTheQueueForItself) {
+    for (int i = 0; i < 20; ++i) {
+        std::latch go(1);
+        queue->async([&] { go.wait(); });
+        // Late, so that the caller mostly waits to be let in.
+        std::thread opener([&] {
+            for (int j = 0; j < 200; ++j) {
+                std::this_thread::yield();
+            }
+            go.count_down();
+        });
+        bool alone = false;
+        queue->sync([&] { alone = laterWorkWaits(); });
+        opener.join();
+        ASSERT_TRUE(alone);
+    }
 }
 
 TEST_F(DispatchQueueTest, SyncGetsItsTurnBeforeWorkQueuedLater) {

@@ -224,15 +224,18 @@ TEST_F(MainQueueTest, RunUntilGoesOnWatchingWhenAnInnerOneHasEnded) {
 }
 
 TEST_F(MainQueueTest, DroppedWorkMayQueueMoreAsItGoes) {
-    auto second = std::make_shared<int>(2);
-    const std::weak_ptr<int> watched = second;
-    std::shared_ptr<int> first(new int(1), [&, queue = mainQueue.get()](const int* value) {
-        queue->async([second = std::move(second)] {});
-        delete value;
-    });
-    mainQueue->async([first = std::move(first)] {});
+    int left = 4;
+    std::function<std::shared_ptr<int>()> makeOwned = [&, queue = mainQueue.get()] {
+        return std::shared_ptr<int>(new int(left), [&, queue](const int* value) {
+            delete value;
+            if (--left > 0) {
+                queue->async([owned = makeOwned()] {});
+            }
+        });
+    };
+    mainQueue->async([owned = makeOwned()] {});
     mainQueue = nullptr;
-    EXPECT_TRUE(watched.expired());
+    EXPECT_EQ(left, 0);
     mainQueue = MainQueue::make();
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <latch>
 #include <memory>
 #include <numeric>
@@ -188,6 +189,35 @@ TEST_F(NSOperationQueueTest, RunsOnTheUnderlyingQueueInOrder) {
     std::iota(expected.begin(), expected.end(), 0);
     EXPECT_EQ(order, expected);
     EXPECT_TRUE(asQueue);
+}
+
+/// Lets another thread act while the first work is on its way in.
+class HookedExecutor final : public Executor {
+  public:
+    void async(Work work) override {
+        if (const auto hook = std::exchange(onFirst, {})) {
+            std::thread(hook).join();
+        }
+        taken.push_back(std::move(work));
+    }
+    bool isCurrent() const override { return false; }
+
+    std::function<void()> onFirst;
+    std::vector<Work> taken;
+};
+
+TEST_F(NSOperationQueueTest, AnOperationAddedMeanwhileDoesNotOvertake) {
+    HookedExecutor executor;
+    NSOperationQueue onExecutor(executor);
+    std::vector<std::string> order;
+    executor.onFirst = [&] {
+        onExecutor.addOperation(operationOf([&] { order.push_back("second"); }));
+    };
+    onExecutor.addOperation(operationOf([&] { order.push_back("first"); }));
+    ASSERT_EQ(executor.taken.size(), 2U);
+    executor.taken[0]();
+    executor.taken[1]();
+    EXPECT_THAT(order, ElementsAre("first", "second"));
 }
 
 TEST_F(NSOperationQueueTest, OperationsRunWhenTheQueueObjectIsGone) {
