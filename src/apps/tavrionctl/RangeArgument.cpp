@@ -25,7 +25,7 @@ std::optional<NSDate> startOfWrittenDay(const std::string& text) {
         std::sscanf(text.c_str(), "%4d-%2d-%2d%c", &year, &month, &day, &rest) != 3) {
         return std::nullopt;
     }
-    const NSTimeZone& zone = NSCalendar::currentCalendar().timeZone();
+    const NSTimeZone zone = NSCalendar::currentCalendar().timeZone();
     const NSDate start = zone.startOfDay(CivilDay::fromDate(year, month, day));
     // A day that was written wrongly (the 31st of February) moves into another month.
     return month >= 1 && month <= 12 && day >= 1 && day <= 31 &&

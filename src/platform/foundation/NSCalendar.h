@@ -26,7 +26,9 @@ class NSCalendar {
     /// The calendar of the plugged region.
     static NSCalendar currentCalendar();
 
-    const NSTimeZone& timeZone() const { return zone_; }
+    const NSTimeZone& timeZone() const& { return zone_; }
+    /// Of a calendar that is about to go: a copy, so that a reference bound to it stays good.
+    NSTimeZone timeZone() && { return std::move(zone_); }
     NSDate startOfDayForDate(NSDate date) const;
     NSDate dateByAddingComponents(const NSDateComponents& components, NSDate date) const;
     /// The first instant of that year.
@@ -50,8 +52,10 @@ class Regional {
     /// From the environment: TZ, and LC_ALL or LC_COLLATE or LANG; "C" and "POSIX" mean en_US.
     static Regional fromEnvironment();
 
-    const NSTimeZone& timeZone() const { return zone_; }
-    const std::string& locale() const { return locale_; }
+    const NSTimeZone& timeZone() const& { return zone_; }
+    NSTimeZone timeZone() && { return std::move(zone_); }
+    const std::string& locale() const& { return locale_; }
+    std::string locale() && { return std::move(locale_); }
 
   private:
     NSTimeZone zone_;
