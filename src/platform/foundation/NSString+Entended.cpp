@@ -11,6 +11,7 @@
 #include "platform/foundation/Mutex.h"
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSString+Entended.h"
+#include "platform/foundation/SearchFolding.h"
 
 namespace tavrion {
 
@@ -23,9 +24,12 @@ struct Collators {
     std::unique_ptr<const icu::Collator> order;
     /// Decides between what the order takes for the same: also case and width.
     std::unique_ptr<const icu::Collator> tieBreak;
+    /// As the order, but digits are signs like others.
+    std::unique_ptr<const icu::Collator> digitByDigit;
 };
 
-std::unique_ptr<const icu::Collator> openCollator(const std::string& locale, bool isTieBreak) {
+std::unique_ptr<const icu::Collator> openCollator(const std::string& locale, bool isTieBreak,
+                                                  bool readsNumbers) {
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::Collator> collator(
         icu::Collator::createInstance(icu::Locale(locale.c_str()), status));
@@ -35,7 +39,7 @@ std::unique_ptr<const icu::Collator> openCollator(const std::string& locale, boo
     };
     set(UCOL_STRENGTH, isTieBreak ? UCOL_TERTIARY : UCOL_SECONDARY);
     set(UCOL_CASE_LEVEL, isTieBreak ? UCOL_ON : UCOL_OFF);
-    set(UCOL_NUMERIC_COLLATION, UCOL_ON);
+    set(UCOL_NUMERIC_COLLATION, readsNumbers ? UCOL_ON : UCOL_OFF);
     // Said for every locale, since some leave out spaces and punctuation by default.
     set(UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE);
     set(UCOL_NORMALIZATION_MODE, UCOL_ON);
@@ -51,7 +55,8 @@ class OpenedCollators {
         auto& collators = byLocale_[locale];
         if (!collators) {
             collators = std::make_shared<const Collators>(
-                Collators{openCollator(locale, false), openCollator(locale, true)});
+                Collators{openCollator(locale, false, true), openCollator(locale, true, true),
+                          openCollator(locale, false, false)});
         }
         return collators;
     }
@@ -190,6 +195,13 @@ NSComparisonResult localizedStandardCompare(std::string_view a, std::string_view
     }
     // The bytes of UTF-8 are ordered as its code points.
     return resultOf(order != 0 ? order : a.compare(b));
+}
+
+NSComparisonResult localizedCaseInsensitiveCompare(std::string_view a, std::string_view b) {
+    if (a == b || foldedForCase(a) == foldedForCase(b)) {
+        return NSComparisonResult::same;
+    }
+    return resultOf(compareWith(*currentCollators().digitByDigit, a, b));
 }
 
 std::vector<std::string> collationKeys(const std::vector<std::string_view>& texts) {

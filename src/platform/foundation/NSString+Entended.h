@@ -16,6 +16,10 @@ enum class NSComparisonResult { ascending = -1, same = 0, descending = 1 };
 /// Locale-aware, without case, digits as numbers; never `same` for different strings.
 NSComparisonResult localizedStandardCompare(std::string_view a, std::string_view b);
 
+/// Locale-aware, without case. Can be `same` for different strings, so that a sort by it needs a
+/// second rule or must be stable.
+NSComparisonResult localizedCaseInsensitiveCompare(std::string_view a, std::string_view b);
+
 /// Bytes whose byte order is the order of localizedStandardCompare up to its tie-breaks (equal
 /// keys: compare the texts). One call for many texts, because opening the collator costs more than
 /// a key. Empty texts get the least key.

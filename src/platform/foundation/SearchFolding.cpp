@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "platform/foundation/IcuText.h"
 #include "platform/foundation/NSCalendar.h"
 
 namespace tavrion {
@@ -52,6 +53,19 @@ std::uint32_t foldingOfLocale() {
                                                 : U_FOLD_CASE_DEFAULT;
 }
 
+icu::UnicodeString normalized(const icu::Normalizer2* form, const icu::UnicodeString& text,
+                              UErrorCode& status) {
+    return U_SUCCESS(status) ? form->normalize(text, status) : text;
+}
+
+icu::UnicodeString caselessLetters(std::string_view text) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::UnicodeString letters =
+        normalized(icu::Normalizer2::getNFCInstance(status), unicodeText(text), status);
+    letters.foldCase(foldingOfLocale());
+    return normalized(icu::Normalizer2::getNFDInstance(status), letters, status);
+}
+
 }  // namespace
 
 std::string foldedForSearch(std::string_view text) {
@@ -59,29 +73,42 @@ std::string foldedForSearch(std::string_view text) {
         return static_cast<unsigned char>(byte) < 0x80;
     });
     const std::uint32_t folding = foldingOfLocale();
-    std::string folded;
     if (isPlain && folding == U_FOLD_CASE_DEFAULT) {
-        folded = text;
+        std::string folded(text);
         for (char& byte : folded) {
             byte = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
         }
         return folded;
     }
-    icu::UnicodeString letters = withoutMarks(icu::UnicodeString::fromUTF8(
-        icu::StringPiece(text.data(), static_cast<int32_t>(text.size()))));
+    icu::UnicodeString letters = withoutMarks(unicodeText(text));
     letters.foldCase(folding);
     UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* decomposition = icu::Normalizer2::getNFDInstance(status);
-    if (U_SUCCESS(status)) {
-        letters = decomposition->normalize(letters, status);
-    }
-    withoutMarksOnEarlyScripts(letters).toUTF8String(folded);
-    return folded;
+    letters = normalized(icu::Normalizer2::getNFDInstance(status), letters, status);
+    return utf8Text(withoutMarksOnEarlyScripts(letters));
 }
 
 bool localizedStandardContainsString(std::string_view haystack, std::string_view needle) {
     const std::string sought = foldedForSearch(needle);
     return !sought.empty() && foldedForSearch(haystack).find(sought) != std::string::npos;
+}
+
+std::string foldedForCase(std::string_view text) {
+    return utf8Text(caselessLetters(text));
+}
+
+bool localizedCaseInsensitiveContainsString(std::string_view haystack, std::string_view needle) {
+    const icu::UnicodeString letters = caselessLetters(haystack);
+    const icu::UnicodeString sought = caselessLetters(needle);
+    if (sought.isEmpty()) {
+        return false;
+    }
+    for (int32_t at = letters.indexOf(sought); at >= 0; at = letters.indexOf(sought, at + 1)) {
+        const int32_t end = at + sought.length();
+        if (end == letters.length() || !isMark(letters.char32At(end))) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace tavrion

@@ -117,6 +117,33 @@ TEST(LocalizedStandardCompare, AnUnknownLocaleHasTheCommonOrder) {
     expectOrder("xx_XX", {"file2", "file10", '<'});
 }
 
+char caselessRelation(const char* a, const char* b) {
+    return relationOf(localizedCaseInsensitiveCompare(a, b));
+}
+
+TEST(LocalizedCaseInsensitiveCompare, TakesTextsThatDifferInCaseForTheSame) {
+    for (const char* locale : {"en_US", "en_GB", "de_DE", "fr_FR", "ja_JP", "ar_EG"}) {
+        const InLocale plugged(locale);
+        EXPECT_EQ(caselessRelation("a", "A"), '=') << locale;
+        EXPECT_EQ(caselessRelation("The Hill", "the hill"), '=') << locale;
+        EXPECT_EQ(caselessRelation("ＡＢＣ", "ABC"), '=') << locale;
+        EXPECT_EQ(caselessRelation("①", "1"), '=') << locale;
+        EXPECT_EQ(caselessRelation("あ", "ア"), '=') << locale;
+        EXPECT_EQ(caselessRelation("é", "e\u0301"), '=') << locale;
+        EXPECT_EQ(caselessRelation("Straße", "Strasse"), '=') << locale;
+        EXPECT_EQ(caselessRelation("ﬁ", "fi"), '=') << locale;
+        EXPECT_EQ(caselessRelation("", ""), '=') << locale;
+    }
+}
+
+TEST(LocalizedCaseInsensitiveCompare, DigitsAreSignsAndAccentsAndPunctuationCount) {
+    const InLocale plugged("en_US");
+    EXPECT_EQ(caselessRelation("file2", "file10"), '>');
+    EXPECT_EQ(caselessRelation("résumé", "resume"), '>');
+    EXPECT_EQ(caselessRelation("co-op", "coop"), '<');
+    EXPECT_EQ(caselessRelation("", "a"), '<');
+}
+
 TEST(LocalizedStandardCompare, DifferentStringsAreNeverTheSame) {
     const InLocale plugged("en_US");
     expectOrder("en_US", {"\xEF\xBC\xA1", "A", '>'});

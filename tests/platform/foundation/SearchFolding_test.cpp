@@ -75,5 +75,55 @@ TEST(SearchFolding, FoldsPlainTextWithoutChangingOtherCharacters) {
     EXPECT_EQ(foldedForSearch(""), "");
 }
 
+bool findsCaseless(const char* haystack, const char* needle, const char* locale = "en_US") {
+    Regional region(NSTimeZone(), locale);
+    const Port<Regional>::Plug plug(region);
+    return localizedCaseInsensitiveContainsString(haystack, needle);
+}
+
+TEST(SearchFolding, WithoutCaseAloneAccentsCount) {
+    for (const auto& [haystack, needle] : {std::pair("Renée", "renee"),
+                                           {"Renee", "é"},
+                                           {"Señor Ramón", "RAMON"},
+                                           {"Göteborg", "gote"},
+                                           {"Smørrebrød", "smor"},
+                                           {"Æther", "aether"},
+                                           {"Łódź", "lodz"},
+                                           {"ＡＢＣ", "abc"},
+                                           {"がく", "かく"},
+                                           {"カ", "か"},
+                                           {"Don’t", "don't"},
+                                           {"N/A", "na"},
+                                           {"كِتاب", "كتاب"},
+                                           {"Ёлка", "елка"},
+                                           {"İstanbul", "istanbul"},
+                                           {"abc", ""},
+                                           {"", ""}}) {
+        EXPECT_FALSE(findsCaseless(haystack, needle)) << haystack << " " << needle;
+    }
+}
+
+TEST(SearchFolding, WithoutCaseAloneEqualLettersAreFound) {
+    for (const auto& [haystack, needle] : {std::pair("Straße", "strasse"),
+                                           {"Strasse", "ß"},
+                                           {"ﬁnal", "final"},
+                                           {"N/A", "n/a"},
+                                           {"cafe\u0301", "café"},
+                                           {"CAFÉ noir", "cafe\u0301"},
+                                           {"Renée", "RENÉE"},
+                                           {"Ёлка", "ёЛ"}}) {
+        EXPECT_TRUE(findsCaseless(haystack, needle)) << haystack << " " << needle;
+    }
+    EXPECT_TRUE(findsCaseless("İstanbul", "istanbul", "tr_TR"));
+    EXPECT_FALSE(findsCaseless("ISTANBUL", "istanbul", "tr_TR"));
+    EXPECT_TRUE(findsCaseless("ılık", "ILIK", "tr_TR"));
+}
+
+TEST(SearchFolding, WithoutCaseAloneAHitDoesNotEndInsideOfALetter) {
+    EXPECT_FALSE(findsCaseless("café", "cafe"));
+    EXPECT_TRUE(findsCaseless("café cafe", "cafe"));
+    EXPECT_TRUE(findsCaseless("café", "caf"));
+}
+
 }  // namespace
 }  // namespace tavrion
