@@ -13,8 +13,6 @@ namespace tavrion::ctl {
 
 /// "2026-03-01 13:00:05" in the current zone.
 std::string localText(NSDate date);
-/// How many columns of a terminal the text takes.
-std::size_t displayWidth(std::string_view text);
 /// The text cut or filled to exactly that many columns; a cut ends in "…". Control characters
 /// become spaces.
 std::string fitted(std::string_view text, std::size_t width);
