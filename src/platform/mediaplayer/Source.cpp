@@ -7,4 +7,12 @@ Result<void> Source::setLiked(std::uint64_t, std::uint32_t) {
                    location()};
 }
 
+std::optional<NSData> Source::artwork(std::uint64_t) const {
+    return std::nullopt;
+}
+
+std::optional<NSData> Source::bestImageFromDisk(MPMediaGrouping, std::uint64_t) const {
+    return std::nullopt;
+}
+
 }  // namespace tavrion

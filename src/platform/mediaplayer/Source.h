@@ -7,10 +7,13 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/foundation/Result.h"
+#include "platform/foundation/Value.h"
+#include "platform/mediaplayer/MPMediaItemCollection.h"
 #include "platform/mediaplayer/MediaSnapshot.h"
 
 namespace tavrion {
@@ -42,6 +45,13 @@ class Source {
     /// Writes the liked state of a song into the player's library. Called only with canWriteLikes;
     /// from any queue.
     virtual Result<void> setLiked(std::uint64_t persistentID, std::uint32_t likedState);
+    /// The bytes of a song's picture (PNG, JPEG), wherever the player keeps it; absent when there
+    /// is none or it cannot be read. From any queue but the main one.
+    virtual std::optional<NSData> artwork(std::uint64_t persistentID) const;
+    /// The same of a song (grouping title) or a collection, but only of pictures that lie ready on
+    /// disk.
+    virtual std::optional<NSData> bestImageFromDisk(MPMediaGrouping grouping,
+                                                    std::uint64_t persistentID) const;
     /// Empty when nothing on disk tells of changes.
     virtual std::vector<SourceWatch> watches() const { return {}; }
 };

@@ -18,6 +18,9 @@ SongDescription description(const TestSong& song, std::uint64_t place) {
     described.genre = present(song.genre);
     described.composer = present(song.composer);
     described.sortTitle = present(song.sortTitle);
+    described.sortArtist = present(song.sortArtist);
+    described.sortAlbumArtist = present(song.sortAlbumArtist);
+    described.sortAlbumTitle = present(song.sortAlbumTitle);
     described.playbackStoreID = present(song.storeID);
     described.libraryID = present(song.libraryID);
     described.playbackDuration = song.duration;

@@ -47,6 +47,9 @@ struct TestSong {
     bool explicitContent = false;
     bool cloud = false;
     bool inLibrary = true;
+    std::string sortArtist = {};
+    std::string sortAlbumArtist = {};
+    std::string sortAlbumTitle = {};
 };
 
 struct TestPlaylist {
