@@ -11,6 +11,33 @@
 #include "platform/foundation/Precondition.h"
 
 namespace tavrion {
+namespace {
+
+SQLiteFailure failureOf(int code) {
+    switch (code & 0xff) {
+        case SQLITE_OK:
+            return SQLiteFailure::none;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+        case SQLITE_FORMAT:
+            return SQLiteFailure::damage;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+        case SQLITE_PROTOCOL:
+            return SQLiteFailure::inUse;
+        case SQLITE_IOERR:
+        case SQLITE_FULL:
+        case SQLITE_CANTOPEN:
+        case SQLITE_PERM:
+        case SQLITE_READONLY:
+        case SQLITE_NOMEM:
+            return SQLiteFailure::disk;
+        default:
+            return SQLiteFailure::statement;
+    }
+}
+
+}  // namespace
 
 SQLiteStatement::SQLiteStatement(SQLiteStatement&& other) noexcept
     : database_(other.database_),
@@ -199,7 +226,35 @@ bool SQLiteDatabase::isReadOnly() const {
     return sqlite3_db_readonly(connection_, "main") != 0;
 }
 
-NSError SQLiteDatabase::lastError(int code) const {
+Result<std::optional<std::string>> SQLiteDatabase::quickCheck() {
+    auto check = prepare("PRAGMA quick_check(1)");
+    if (!check) {
+        return check.error();
+    }
+    const Result<bool> row = check.value().step();
+    if (!row) {
+        return row.error();
+    }
+    std::string finding(row.value() ? check.value().text(0) : "ok");
+    if (finding == "ok") {
+        return std::optional<std::string>();
+    }
+    // A headline that names the database comes first.
+    if (const std::size_t end = finding.find('\n');
+        finding.starts_with("***") && end != std::string::npos) {
+        finding.erase(0, end + 1);
+    }
+    std::replace(finding.begin(), finding.end(), '\n', ' ');
+    lastFailure_ = SQLiteFailure::damage;
+    return std::optional(finding);
+}
+
+void SQLiteDatabase::leaveLogWhenClosing() {
+    sqlite3_db_config(connection_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+NSError SQLiteDatabase::lastError(int code) {
+    lastFailure_ = failureOf(code);
     const char* message =
         connection_ != nullptr ? sqlite3_errmsg(connection_) : sqlite3_errstr(code);
     std::string reason = message;

@@ -22,6 +22,19 @@ namespace tavrion {
 
 class SQLiteDatabase;
 
+/// What an error was about, for whoever says what to do about it.
+enum class SQLiteFailure {
+    none,
+    /// The file is not as SQLite left it.
+    damage,
+    /// Another connection holds a lock.
+    inUse,
+    /// The file system refuses: no space, no rights, a broken disk.
+    disk,
+    /// The statement: a table that is not there, a constraint that does not hold.
+    statement
+};
+
 /// A prepared statement. Parameters count from 1, columns from 0.
 class SQLiteStatement {
   public:
@@ -94,15 +107,24 @@ class SQLiteDatabase {
     void setBusyTimeout(double seconds);
     /// Whether writes are refused: opened so, or the file is write-protected.
     bool isReadOnly() const;
+    /// Looks through the file for damage: the first finding, in one line, or nothing. It sees what
+    /// breaks the file's order; a value that was changed in place looks like any other. An error
+    /// when the file is too damaged to be looked through, or can't be read.
+    Result<std::optional<std::string>> quickCheck();
+    /// What the last error of this connection or its statements was about.
+    SQLiteFailure lastFailure() const { return lastFailure_; }
+    /// Closing then leaves the write-ahead log as it lies there, and writes nothing into the file.
+    void leaveLogWhenClosing();
     const std::filesystem::path& file() const { return file_; }
 
   private:
     friend class SQLiteStatement;
     SQLiteDatabase(std::filesystem::path file, sqlite3* connection)
         : file_(std::move(file)), connection_(connection) {}
-    NSError lastError(int code) const;
+    NSError lastError(int code);
     std::filesystem::path file_;
     sqlite3* connection_;
+    SQLiteFailure lastFailure_ = SQLiteFailure::none;
 };
 
 /// A transaction that is rolled back unless committed.

@@ -132,5 +132,60 @@ TEST_F(SQLiteDatabaseTest, TheBusyTimeoutIsSet) {
     EXPECT_EQ(number(*database, "PRAGMA busy_timeout"), std::numeric_limits<int>::max());
 }
 
+TEST_F(SQLiteDatabaseTest, theQuickCheckFindsDamageInOneLine) {
+    {
+        const auto database = opened();
+        execute(*database, "CREATE TABLE T(a); INSERT INTO T VALUES (1);");
+        EXPECT_EQ(database->quickCheck().value(), std::nullopt);
+        EXPECT_EQ(database->lastFailure(), SQLiteFailure::none);
+    }
+    constexpr std::streamoff freePageCount = 39;
+    std::fstream(file, std::ios::binary | std::ios::in | std::ios::out)
+        .seekp(freePageCount)
+        .put('\7');
+    const auto database = opened();
+    const auto found = database->quickCheck();
+    ASSERT_TRUE(found.ok() && found.value().has_value());
+    EXPECT_THAT(*found.value(), HasSubstr("size is 0 but should be 7"));
+    EXPECT_THAT(*found.value(), Not(HasSubstr("\n")));
+    EXPECT_THAT(*found.value(), Not(StartsWith("*")));
+    EXPECT_EQ(database->lastFailure(), SQLiteFailure::damage);
+}
+
+TEST_F(SQLiteDatabaseTest, aFileThatIsNoDatabaseCannotBeLookedThrough) {
+    std::ofstream(file) << std::string(4096, 'x');
+    const auto database = opened();
+    EXPECT_FALSE(database->quickCheck().ok());
+    EXPECT_EQ(database->lastFailure(), SQLiteFailure::damage);
+}
+
+TEST_F(SQLiteDatabaseTest, theLastFailureSaysWhatItWasAbout) {
+    const auto holder = opened();
+    execute(*holder, "CREATE TABLE T(a); BEGIN IMMEDIATE");
+    const auto other = opened();
+    EXPECT_FALSE(other->execute("BEGIN IMMEDIATE").ok());
+    EXPECT_EQ(other->lastFailure(), SQLiteFailure::inUse);
+    EXPECT_FALSE(other->execute("SELECT * FROM Absent").ok());
+    EXPECT_EQ(other->lastFailure(), SQLiteFailure::statement);
+    const auto reader = opened(SQLiteDatabase::Mode::readOnly);
+    EXPECT_FALSE(reader->execute("DELETE FROM T").ok());
+    EXPECT_EQ(reader->lastFailure(), SQLiteFailure::disk);
+}
+
+TEST_F(SQLiteDatabaseTest, theLogIsLeftWhenClosingIfTold) {
+    const std::filesystem::path log = file.string() + "-wal";
+    for (const bool leaves : {true, false}) {
+        const auto database = opened();
+        execute(*database,
+                "PRAGMA journal_mode = WAL; CREATE TABLE IF NOT EXISTS T(a); "
+                "INSERT INTO T VALUES (1)");
+        if (leaves) {
+            database->leaveLogWhenClosing();
+        }
+        EXPECT_TRUE(std::filesystem::exists(log));
+    }
+    EXPECT_FALSE(std::filesystem::exists(log));
+}
+
 }  // namespace
 }  // namespace tavrion
