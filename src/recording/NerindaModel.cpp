@@ -50,7 +50,10 @@ std::shared_ptr<const NSManagedObjectModel> nerindaModel() {
 
 StoreFormat nerindaStoreFormat() {
     // "Tavr" as four bytes.
-    return {.applicationID = 0x54617672, .version = 1, .programName = "Tavrion"};
+    return {.applicationID = 0x54617672,
+            .version = 1,
+            .programName = "Tavrion",
+            .safetyCopies = "backups"};
 }
 
 }  // namespace tavrion

@@ -8,6 +8,7 @@
 
 #include "platform/coredata/ChangeWriter.h"
 #include "platform/coredata/IndexKeys.h"
+#include "platform/coredata/StoreCheck.h"
 #include "platform/coredata/StoreFile.h"
 
 namespace tavrion {
@@ -24,6 +25,11 @@ struct OpenStores {
 OpenStores& openStores() {
     static OpenStores shared;
     return shared;
+}
+
+/// Whether a record can have the number for its counter.
+bool isCounter(std::int64_t number) {
+    return number > 0 && number < std::numeric_limits<RecordCounter>::max();
 }
 
 FieldView columnField(const SQLiteStatement& row, int column, NSAttributeType type) {
@@ -43,8 +49,12 @@ FieldView columnField(const SQLiteStatement& row, int column, NSAttributeType ty
             return row.text(column);
         case NSAttributeType::binaryData:
             return row.blob(column);
-        case NSAttributeType::reference:
-            return Link{static_cast<RecordCounter>(row.integer(column))};
+        case NSAttributeType::reference: {
+            // Cut to a counter's width, what can't be a counter would point to some other record.
+            const std::int64_t target = row.integer(column);
+            return isCounter(target) ? FieldView(Link{static_cast<RecordCounter>(target)})
+                                     : FieldView();
+        }
     }
     return {};
 }
@@ -69,11 +79,14 @@ Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
     }
     std::shared_ptr<NSPersistentStore> store(
         new NSPersistentStore(file, std::move(model), std::move(database).value()));
-    if (auto loaded = store->load(); !loaded) {
-        return StoreFile::damaged(file, loaded.error());
+    StoreCheck check(file);
+    const Result<void> loaded = store->load();
+    const std::optional<std::string> damage = check.damage();
+    if (loaded && !damage) {
+        openStores().byFile[key] = store;
+        return store;
     }
-    openStores().byFile[key] = store;
-    return store;
+    return store->refuse(format, loaded, damage);
 }
 
 NSPersistentStore::NSPersistentStore(std::filesystem::path file,
@@ -98,8 +111,17 @@ std::shared_ptr<const StoreVersion> NSPersistentStore::version() const {
 
 RecordCounter NSPersistentStore::allocate(EntityIndex entity) {
     const RecordCounter counter = nextCounters_[entity].fetch_add(1);
-    precondition(counter != 0, "a store holds at most 4294967295 records of an entity");
+    precondition(isCounter(counter), "a store holds at most 4294967294 records of an entity");
     return counter;
+}
+
+NSError NSPersistentStore::refuse(const StoreFormat& format, const Result<void>& loaded,
+                                  const std::optional<std::string>& damage) {
+    MutexLock lock(writeMutex_);
+    NSError why = damage ? StoreFile::damaged(file_, format, *damage)
+                         : StoreFile::unreadable(*database_, format, loaded.error());
+    StoreFile::closeUntouched(std::move(database_));
+    return why;
 }
 
 Result<void> NSPersistentStore::load() {
@@ -154,7 +176,7 @@ Result<void> NSPersistentStore::loadEntity(
             break;
         }
         const std::int64_t id = row.integer(0);
-        if (id <= last || id >= std::numeric_limits<RecordCounter>::max()) {
+        if (id <= last || !isCounter(id)) {
             return NSError{
                 fmt::format("table {} has a record with the identifier {}", entity.name, id), {}};
         }
@@ -181,7 +203,12 @@ Result<void> NSPersistentStore::loadEntity(
     if (!hasCounter) {
         return hasCounter.error();
     }
-    const std::int64_t stored = hasCounter.value() ? counter.value().integer(0) : 1;
+    const std::int64_t stored = hasCounter.value() ? counter.value().integer(0) : 0;
+    if (!isCounter(stored)) {
+        return NSError{
+            fmt::format("the next identifier of table {} is said to be {}", entity.name, stored),
+            {}};
+    }
     nextCounters_[index] = std::max<RecordCounter>(last + 1, static_cast<RecordCounter>(stored));
     return {};
 }

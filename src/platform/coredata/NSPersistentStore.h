@@ -31,6 +31,8 @@ struct StoreFormat {
     std::string programName;
     /// SQL that takes a file from version i + 1 to version i + 2; one entry less than `version`.
     std::vector<std::string> steps = {};
+    /// The folder beside the file where its safety copies lie; empty when there is none.
+    std::string safetyCopies = {};
 };
 
 class NSPersistentStore {
@@ -70,6 +72,10 @@ class NSPersistentStore {
     NSPersistentStore(std::filesystem::path file, std::shared_ptr<const NSManagedObjectModel> model,
                       std::unique_ptr<SQLiteDatabase> database);
     Result<void> load();
+    /// Why the store can't be used, after it was read and looked through; its file is closed as it
+    /// lies there.
+    NSError refuse(const StoreFormat& format, const Result<void>& loaded,
+                   const std::optional<std::string>& damage);
     Result<void> loadEntity(EntityIndex entity,
                             std::vector<std::shared_ptr<const TableVersion>>& tables)
         TAVRION_REQUIRES(writeMutex_);

@@ -11,6 +11,8 @@
 #include <optional>
 #include <system_error>
 
+#include "platform/coredata/StoreCheck.h"
+
 namespace tavrion::StoreFile {
 namespace {
 
@@ -40,6 +42,35 @@ NSError error(const fs::path& file, const std::string& what) {
     return NSError{fmt::format("{}: {}", file.string(), what), {}};
 }
 
+/// Whether a write-ahead log with content lies beside the file.
+bool hasLog(const fs::path& file) {
+    std::error_code none;
+    const fs::path log = file.string() + "-wal";
+    return fs::exists(log, none) && fs::file_size(log, none) > 0;
+}
+
+/// What to do about a file whose content can't be used. A log of the old file would be taken for
+/// one of the file that is put in its place.
+std::string advice(const fs::path& file, const StoreFormat& format) {
+    const std::string name = file.filename().string();
+    const std::string away =
+        hasLog(file) ? fmt::format("move {0} and {0}-wal away", name) : "move it away";
+    const fs::path copies = file.parent_path() / format.safetyCopies;
+    std::error_code none;
+    if (!format.safetyCopies.empty() && fs::is_directory(copies, none) &&
+        !fs::is_empty(copies, none)) {
+        return fmt::format("{}, then put back a safety copy from {} as {}, or start anew", away,
+                           copies.string(), name);
+    }
+    return away + " to start anew, or put back a copy of your own";
+}
+
+/// The text of an error about the file without the file's name.
+std::string withoutName(const fs::path& file, const std::string& text) {
+    const std::string name = file.string() + ": ";
+    return text.starts_with(name) ? text.substr(name.size()) : text;
+}
+
 Result<Header> readHeader(const fs::path& file, const StoreFormat& format) {
     Header header;
     std::error_code failure;
@@ -58,12 +89,8 @@ Result<Header> readHeader(const fs::path& file, const StoreFormat& format) {
     }
     stream.read(reinterpret_cast<char*>(header.bytes.data()), Header::length);
     if (static_cast<std::size_t>(stream.gcount()) < Header::length) {
-        return error(
-            file,
-            fmt::format(
-                "the file is cut off after {} bytes; put back a safety copy, or move it away to "
-                "start anew",
-                header.fileSize));
+        return error(file, fmt::format("the file is cut off after {} bytes; {}", header.fileSize,
+                                       advice(file, format)));
     }
     return header;
 }
@@ -84,16 +111,15 @@ std::optional<NSError> objection(const fs::path& file, const Header& header,
                 "the store was made by a newer {} (version {}, this one knows up to {}); update {}",
                 format.programName, header.userVersion(), format.version, format.programName));
     }
+    if (header.userVersion() < 1) {
+        return damaged(file, format, fmt::format("it says version {}", header.userVersion()));
+    }
     // With a log beside it the file may rightly be shorter than it says; SQLite then judges by
     // both.
-    std::error_code none;
-    const fs::path log = file.string() + "-wal";
-    const bool hasLog = fs::exists(log, none) && fs::file_size(log, none) > 0;
-    if (!hasLog && header.fileSize < header.expectedSize()) {
-        return error(file, fmt::format("the store is cut off: {} of {} bytes are there; put back a "
-                                       "safety copy, or move it "
-                                       "away to start anew",
-                                       header.fileSize, header.expectedSize()));
+    if (!hasLog(file) && header.fileSize < header.expectedSize()) {
+        return error(
+            file, fmt::format("the store is cut off: {} of {} bytes are there; {}", header.fileSize,
+                              header.expectedSize(), advice(file, format)));
     }
     return std::nullopt;
 }
@@ -212,12 +238,39 @@ std::string schema(const NSManagedObjectModel& model) {
     return sql;
 }
 
-NSError damaged(const fs::path& file, const NSError& cause) {
-    return NSError{
-        fmt::format(
-            "{}: the store is damaged ({}); put back a safety copy, or move it away to start anew",
-            file.string(), cause.localizedDescription),
-        cause.userInfo};
+NSError damaged(const fs::path& file, const StoreFormat& format, const std::string& what) {
+    return error(file, fmt::format("the store is damaged ({}); {}", withoutName(file, what),
+                                   advice(file, format)));
+}
+
+NSError unreadable(const SQLiteDatabase& database, const StoreFormat& format,
+                   const NSError& cause) {
+    const fs::path& file = database.file();
+    const std::string what = withoutName(file, cause.localizedDescription);
+    switch (database.lastFailure()) {
+        case SQLiteFailure::inUse:
+            return error(file, fmt::format("the store is in use by another process ({}); try again "
+                                           "when it is done",
+                                           what));
+        case SQLiteFailure::disk:
+            return error(file,
+                         fmt::format("the store can't be read ({}); check the disk, its space "
+                                     "and the permissions",
+                                     what));
+        case SQLiteFailure::none:
+        case SQLiteFailure::damage:
+        case SQLiteFailure::statement:
+            break;
+    }
+    return damaged(file, format, what);
+}
+
+void closeUntouched(std::unique_ptr<SQLiteDatabase> database) {
+    // The last connection would copy a log into the file. Where there is none it only takes away
+    // what opening has put beside the file.
+    if (hasLog(database->file())) {
+        database->leaveLogWhenClosing();
+    }
 }
 
 Result<std::unique_ptr<SQLiteDatabase>> open(const fs::path& file,
@@ -245,9 +298,16 @@ Result<std::unique_ptr<SQLiteDatabase>> open(const fs::path& file,
     if (const auto set =
             database.value()->execute("PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON;");
         !set) {
-        return damaged(file, set.error());
+        const NSError refusal = unreadable(*database.value(), format, set.error());
+        closeUntouched(std::move(database).value());
+        return refusal;
     }
     if (header.value().userVersion() < format.version) {
+        // Nothing is written into a file that was not looked through.
+        if (const auto found = StoreCheck(file).damage()) {
+            closeUntouched(std::move(database).value());
+            return damaged(file, format, *found);
+        }
         const auto migrated = migrate(*database.value(), header.value().userVersion(), format);
         if (!migrated) {
             return error(

@@ -24,7 +24,13 @@ Result<void> copy(SQLiteDatabase& database, const std::filesystem::path& copy);
 /// The tables that version `format.version` has.
 std::string schema(const NSManagedObjectModel& model);
 
-/// What a failed read of a store's tables means, in one line.
-NSError damaged(const std::filesystem::path& file, const NSError& cause);
+/// The store is damaged: `what` was found, in a few words. One line, with what to do.
+NSError damaged(const std::filesystem::path& file, const StoreFormat& format,
+                const std::string& what);
+/// What a failed read of a store's tables means: damage, or a disk or another process that stands
+/// in the way.
+NSError unreadable(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause);
+/// Closes a store that can't be used, and leaves its files as they are.
+void closeUntouched(std::unique_ptr<SQLiteDatabase> database);
 
 }  // namespace tavrion::StoreFile
