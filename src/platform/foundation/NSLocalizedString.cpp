@@ -87,4 +87,8 @@ std::string stringWithFormat(std::string_view format,
     return filled;
 }
 
+std::string localizedCount(const char* singular, const char* plural, std::uint64_t count) {
+    return stringWithFormat(NSLocalizedString(singular, plural, count), {count});
+}
+
 }  // namespace tavrion

@@ -44,4 +44,7 @@ class FormatArgument {
 std::string stringWithFormat(std::string_view format,
                              std::initializer_list<FormatArgument> arguments);
 
+/// The form for `count` with the count in it: "1 song", "3 songs".
+std::string localizedCount(const char* singular, const char* plural, std::uint64_t count);
+
 }  // namespace tavrion

@@ -85,7 +85,7 @@ class NSLocalizedStringTest : public testing::Test {
     }
     void bind(const std::string& locale) const { bindTranslations(directory_, locale); }
     static std::string songs(std::uint64_t count) {
-        return stringWithFormat(NSLocalizedString("1 song", "%lu songs", count), {count});
+        return localizedCount("1 song", "%lu songs", count);
     }
 
   private:
