@@ -78,7 +78,7 @@ Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
         return database.error();
     }
     std::shared_ptr<NSPersistentStore> store(
-        new NSPersistentStore(file, std::move(model), std::move(database).value()));
+        new NSPersistentStore(file, format, std::move(model), std::move(database).value()));
     StoreCheck check(file);
     const Result<void> loaded = store->load();
     const std::optional<std::string> damage = check.damage();
@@ -86,13 +86,14 @@ Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
         openStores().byFile[key] = store;
         return store;
     }
-    return store->refuse(format, loaded, damage);
+    return store->refuse(loaded, damage);
 }
 
-NSPersistentStore::NSPersistentStore(std::filesystem::path file,
+NSPersistentStore::NSPersistentStore(std::filesystem::path file, StoreFormat format,
                                      std::shared_ptr<const NSManagedObjectModel> model,
                                      std::unique_ptr<SQLiteDatabase> database)
     : file_(std::move(file)),
+      format_(std::move(format)),
       model_(std::move(model)),
       nextCounters_(model_->entities().size()),
       database_(std::move(database)),
@@ -115,11 +116,11 @@ RecordCounter NSPersistentStore::allocate(EntityIndex entity) {
     return counter;
 }
 
-NSError NSPersistentStore::refuse(const StoreFormat& format, const Result<void>& loaded,
+NSError NSPersistentStore::refuse(const Result<void>& loaded,
                                   const std::optional<std::string>& damage) {
     MutexLock lock(writeMutex_);
-    NSError why = damage ? StoreFile::damaged(file_, format, *damage)
-                         : StoreFile::unreadable(*database_, format, loaded.error());
+    NSError why = damage ? StoreFile::damaged(file_, format_, *damage)
+                         : StoreFile::unreadable(*database_, format_, loaded.error());
     StoreFile::closeUntouched(std::move(database_));
     return why;
 }
@@ -218,21 +219,8 @@ Result<void> NSPersistentStore::write(
     const std::shared_ptr<const StoreVersion>& after,
     const std::function<void(const std::shared_ptr<const StoreVersion>&)>& adopt) {
     MutexLock lock(writeMutex_);
-    auto transaction = SQLiteTransaction::begin(*database_);
-    if (!transaction) {
-        return transaction.error();
-    }
-    ChangeWriter writer(*model_, *database_);
-    for (const auto& commit : commits) {
-        if (auto written = writer.write(*commit); !written) {
-            return written;
-        }
-    }
-    if (auto counted = writeCounters(); !counted) {
-        return counted;
-    }
-    if (auto committed = transaction.value().commit(); !committed) {
-        return committed;
+    if (auto written = writeCommits(commits); !written) {
+        return StoreFile::unsaved(*database_, format_, written.error());
     }
     std::shared_ptr<const StoreVersion> saved = version();
     if (saved == before) {
@@ -246,6 +234,23 @@ Result<void> NSPersistentStore::write(
     version_ = saved;
     adopt(saved);
     return {};
+}
+
+Result<void> NSPersistentStore::writeCommits(const Commits& commits) {
+    auto transaction = SQLiteTransaction::begin(*database_);
+    if (!transaction) {
+        return transaction.error();
+    }
+    ChangeWriter writer(*model_, *database_);
+    for (const auto& commit : commits) {
+        if (auto written = writer.write(*commit); !written) {
+            return written;
+        }
+    }
+    if (auto counted = writeCounters(); !counted) {
+        return counted;
+    }
+    return transaction.value().commit();
 }
 
 Result<void> NSPersistentStore::writeCounters() {
@@ -263,26 +268,32 @@ Result<void> NSPersistentStore::writeCounters() {
     return {};
 }
 
-Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
-    MutexLock lock(writeMutex_);
+Result<void> NSPersistentStore::deleteRows(EntityIndex entity) {
     auto transaction = SQLiteTransaction::begin(*database_);
     if (!transaction) {
         return transaction.error();
     }
-    const std::shared_ptr<const StoreVersion> before = version();
-    std::shared_ptr<const StoreVersion> after = before;
     for (const EntityIndex concrete : model_->concreteEntities(entity)) {
         if (auto deleted = database_->execute("DELETE FROM " + model_->entity(concrete).name);
             !deleted) {
             return deleted;
         }
-        after = withoutEntity(*model_, *after, concrete);
     }
     if (auto counted = writeCounters(); !counted) {
         return counted;
     }
-    if (auto committed = transaction.value().commit(); !committed) {
-        return committed;
+    return transaction.value().commit();
+}
+
+Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
+    MutexLock lock(writeMutex_);
+    if (auto deleted = deleteRows(entity); !deleted) {
+        return StoreFile::unsaved(*database_, format_, deleted.error());
+    }
+    const std::shared_ptr<const StoreVersion> before = version();
+    std::shared_ptr<const StoreVersion> after = before;
+    for (const EntityIndex concrete : model_->concreteEntities(entity)) {
+        after = withoutEntity(*model_, *after, concrete);
     }
     // A handful is enough: deleting everything takes one batch delete for each entity.
     constexpr std::size_t keptVersions = 8;

@@ -69,19 +69,23 @@ class NSPersistentStore {
     std::shared_ptr<const StoreVersion> versionBeforeRemoval(NSManagedObjectID id) const;
 
   private:
-    NSPersistentStore(std::filesystem::path file, std::shared_ptr<const NSManagedObjectModel> model,
+    NSPersistentStore(std::filesystem::path file, StoreFormat format,
+                      std::shared_ptr<const NSManagedObjectModel> model,
                       std::unique_ptr<SQLiteDatabase> database);
     Result<void> load();
     /// Why the store can't be used, after it was read and looked through; its file is closed as it
     /// lies there.
-    NSError refuse(const StoreFormat& format, const Result<void>& loaded,
-                   const std::optional<std::string>& damage);
+    NSError refuse(const Result<void>& loaded, const std::optional<std::string>& damage);
     Result<void> loadEntity(EntityIndex entity,
                             std::vector<std::shared_ptr<const TableVersion>>& tables)
         TAVRION_REQUIRES(writeMutex_);
+    /// Each in one transaction, all or nothing.
+    Result<void> writeCommits(const Commits& commits) TAVRION_REQUIRES(writeMutex_);
+    Result<void> deleteRows(EntityIndex entity) TAVRION_REQUIRES(writeMutex_);
     Result<void> writeCounters() TAVRION_REQUIRES(writeMutex_);
 
     const std::filesystem::path file_;
+    const StoreFormat format_;
     const std::shared_ptr<const NSManagedObjectModel> model_;
     std::vector<std::atomic<RecordCounter>> nextCounters_;
 

@@ -210,6 +210,28 @@ const char* columnType(NSAttributeType type) {
     return "";
 }
 
+/// What an error of the database means for the user, and what to do about it.
+NSError explained(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause,
+                  const std::string& headline) {
+    const fs::path& file = database.file();
+    const std::string what = withoutName(file, cause.localizedDescription);
+    switch (database.lastFailure()) {
+        case SQLiteFailure::inUse:
+            return error(file, fmt::format("{} because another process uses the store ({}); try "
+                                           "again when it is done",
+                                           headline, what));
+        case SQLiteFailure::disk:
+            return error(file, fmt::format("{} ({}); check the disk, its free space and the "
+                                           "permissions, then try again",
+                                           headline, what));
+        case SQLiteFailure::none:
+        case SQLiteFailure::damage:
+        case SQLiteFailure::statement:
+            break;
+    }
+    return damaged(file, format, what);
+}
+
 }  // namespace
 
 Result<void> copy(SQLiteDatabase& database, const fs::path& copy) {
@@ -245,24 +267,11 @@ NSError damaged(const fs::path& file, const StoreFormat& format, const std::stri
 
 NSError unreadable(const SQLiteDatabase& database, const StoreFormat& format,
                    const NSError& cause) {
-    const fs::path& file = database.file();
-    const std::string what = withoutName(file, cause.localizedDescription);
-    switch (database.lastFailure()) {
-        case SQLiteFailure::inUse:
-            return error(file, fmt::format("the store is in use by another process ({}); try again "
-                                           "when it is done",
-                                           what));
-        case SQLiteFailure::disk:
-            return error(file,
-                         fmt::format("the store can't be read ({}); check the disk, its space "
-                                     "and the permissions",
-                                     what));
-        case SQLiteFailure::none:
-        case SQLiteFailure::damage:
-        case SQLiteFailure::statement:
-            break;
-    }
-    return damaged(file, format, what);
+    return explained(database, format, cause, "the store can't be read");
+}
+
+NSError unsaved(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause) {
+    return explained(database, format, cause, "the records can't be saved");
 }
 
 void closeUntouched(std::unique_ptr<SQLiteDatabase> database) {

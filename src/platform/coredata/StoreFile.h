@@ -30,6 +30,8 @@ NSError damaged(const std::filesystem::path& file, const StoreFormat& format,
 /// What a failed read of a store's tables means: damage, or a disk or another process that stands
 /// in the way.
 NSError unreadable(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause);
+/// What a failed write means. What was saved before is still there.
+NSError unsaved(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause);
 /// Closes a store that can't be used, and leaves its files as they are.
 void closeUntouched(std::unique_ptr<SQLiteDatabase> database);
 

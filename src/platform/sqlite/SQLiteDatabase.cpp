@@ -249,6 +249,10 @@ Result<std::optional<std::string>> SQLiteDatabase::quickCheck() {
     return std::optional(finding);
 }
 
+bool SQLiteDatabase::isInTransaction() const {
+    return sqlite3_get_autocommit(connection_) == 0;
+}
+
 void SQLiteDatabase::leaveLogWhenClosing() {
     sqlite3_db_config(connection_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
 }
@@ -269,6 +273,7 @@ NSError SQLiteDatabase::lastError(int code) {
 Result<SQLiteTransaction> SQLiteTransaction::begin(SQLiteDatabase& database) {
     // SQLite would begin a reading transaction and refuse the first write.
     if (database.isReadOnly()) {
+        database.lastFailure_ = SQLiteFailure::disk;
         return NSError{fmt::format("{}: the database cannot be written; check the rights of the "
                                    "file and its folder",
                                    database.file().string()),
@@ -285,7 +290,7 @@ SQLiteTransaction::SQLiteTransaction(SQLiteTransaction&& other) noexcept
     : database_(std::exchange(other.database_, nullptr)) {}
 
 SQLiteTransaction::~SQLiteTransaction() {
-    if (database_ != nullptr) {
+    if (database_ != nullptr && database_->isInTransaction()) {
         database_->execute("ROLLBACK").ignore();
     }
 }

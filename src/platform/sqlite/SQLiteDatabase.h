@@ -21,6 +21,7 @@ struct sqlite3_stmt;
 namespace tavrion {
 
 class SQLiteDatabase;
+class SQLiteTransaction;
 
 /// What an error was about, for whoever says what to do about it.
 enum class SQLiteFailure {
@@ -107,6 +108,8 @@ class SQLiteDatabase {
     void setBusyTimeout(double seconds);
     /// Whether writes are refused: opened so, or the file is write-protected.
     bool isReadOnly() const;
+    /// Whether a transaction is open. Some failures end it on their own.
+    bool isInTransaction() const;
     /// Looks through the file for damage: the first finding, in one line, or nothing. It sees what
     /// breaks the file's order; a value that was changed in place looks like any other. An error
     /// when the file is too damaged to be looked through, or can't be read.
@@ -119,6 +122,7 @@ class SQLiteDatabase {
 
   private:
     friend class SQLiteStatement;
+    friend class SQLiteTransaction;
     SQLiteDatabase(std::filesystem::path file, sqlite3* connection)
         : file_(std::move(file)), connection_(connection) {}
     NSError lastError(int code);

@@ -166,7 +166,7 @@ TEST_F(StoreCheckTest, aStoreThatIsLockedOrADiskThatFailsIsNotCalledDamaged) {
     const auto refused = other.value()->execute("BEGIN IMMEDIATE");
     ASSERT_FALSE(refused);
     const NSError busy = StoreFile::unreadable(*other.value(), testFormat(), refused.error());
-    EXPECT_NE(busy.localizedDescription.find("in use by another process"), std::string::npos);
+    EXPECT_NE(busy.localizedDescription.find("another process uses the store"), std::string::npos);
     const auto readOnly = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readOnly);
     const auto unwritten = readOnly.value()->execute("DELETE FROM Song");
     ASSERT_FALSE(unwritten);
