@@ -106,22 +106,32 @@ std::shared_ptr<NSManagedObjectContext> RVCoreDataManager::privateContext() {
     return NSManagedObjectContext::below(mainContext());
 }
 
-void RVCoreDataManager::saveMainContext() {
-    mainQueue_->async([this] {
-        const auto saved = [](const Result<void>& result) {
-            if (result) {
-                NSLog("successfully saved Nerinda core data store.");
-            } else {
-                endProcess(result.error());
-            }
-        };
-        const std::shared_ptr<NSManagedObjectContext> context = mainContext();
-        if (context->hasChanges()) {
-            context->saveInBackground(*writerQueue_, saved);
-        } else {
-            saved({});
-        }
+void RVCoreDataManager::saveMainContext(std::function<void()> whenSaved) {
+    // Behind the clean-up of everything that was handed over before.
+    cleanUpQueue_->async([this, whenSaved = std::move(whenSaved)]() mutable {
+        mainQueue_->async([this, whenSaved = std::move(whenSaved)]() mutable {
+            writeMainContext(std::move(whenSaved));
+        });
     });
+}
+
+void RVCoreDataManager::writeMainContext(std::function<void()> whenSaved) {
+    const auto saved = [whenSaved = std::move(whenSaved)](const Result<void>& result) {
+        if (!result) {
+            endProcess(result.error());
+            return;
+        }
+        NSLog("successfully saved Nerinda core data store.");
+        if (whenSaved) {
+            whenSaved();
+        }
+    };
+    const std::shared_ptr<NSManagedObjectContext> context = mainContext();
+    if (context->hasChanges()) {
+        context->saveInBackground(*writerQueue_, saved);
+    } else {
+        saved({});
+    }
 }
 
 void RVCoreDataManager::deleteAllData() {

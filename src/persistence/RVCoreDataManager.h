@@ -6,11 +6,13 @@
 // root makes one for the life of the process and plugs it; sharedData() gives it.
 //
 // A private context's save reaches the main context only; what must last also calls
-// saveMainContext(). The main context stays that of the first container of the process: a container
-// that is loaded anew serves batch deletes.
+// saveMainContext(), which writes the changes and their clean-up in one transaction: a process that
+// ends at any moment leaves both on the disk or neither. The main context stays that of the first
+// container of the process: a container that is loaded anew serves batch deletes.
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 #include "platform/cloudkit/NSPersistentCloudKitContainer.h"
@@ -48,7 +50,7 @@ class RVCoreDataManager final : public RecordStore {
     void loadPersistentContainer();
     std::shared_ptr<NSManagedObjectContext> mainContext() override;
     std::shared_ptr<NSManagedObjectContext> privateContext() override;
-    void saveMainContext() override;
+    void saveMainContext(std::function<void()> whenSaved = nullptr) override;
     /// Deletes every record, entity by entity, and tells of it after each.
     void deleteAllData();
     /// Looks through what a save inserted: folds twins, and deletes events and awards that double
@@ -65,6 +67,8 @@ class RVCoreDataManager final : public RecordStore {
     void install(std::shared_ptr<NSPersistentCloudKitContainer> container) TAVRION_EXCLUDES(mutex_);
     void observeValueForKeyPath(const std::string& keyPath);
     void cleanUp(const SavedObjectIDs& inserted, NSManagedObjectContext& context);
+    /// On the main queue.
+    void writeMainContext(std::function<void()> whenSaved);
 
     const std::filesystem::path file_;
     const std::shared_ptr<MainQueue> mainQueue_;

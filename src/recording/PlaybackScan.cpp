@@ -164,7 +164,14 @@ void PlaybackScan::earn(const std::string& identifier) {
 }
 
 void PlaybackScan::finish() {
-    Port<RecordStore>::current().saveMainContext();
+    // The date moves when the plays are on the disk: a process that ends before leaves the next
+    // scan the same span to look at.
+    Port<RecordStore>::current().saveMainContext([scan = shared_from_this()] {
+        scan->context_->performBlock([scan] { scan->noteScanDate(); });
+    });
+}
+
+void PlaybackScan::noteScanDate() {
     NSUserDefaults::standardUserDefaults().setObject(ScanDefaults::playbackHistoryScanDate,
                                                      NSDate::date());
     Port<AwardSink>::current().updateAchievements();

@@ -33,6 +33,7 @@ class PlaybackScan : public std::enable_shared_from_this<PlaybackScan> {
     void earnSongAwards(const MPMediaItem& song);
     void earn(const std::string& identifier);
     void finish();
+    void noteScanDate();
     void askAboutSuspects();
     void keepMostRecent();
     void end();

@@ -4,6 +4,7 @@
 // foldTwins() runs on the queue of the record's context.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "platform/coredata/NSManagedObjectContext.h"
@@ -22,8 +23,10 @@ class RecordStore {
     virtual std::shared_ptr<NSManagedObjectContext> mainContext() = 0;
     /// A new context below the main one at each call.
     virtual std::shared_ptr<NSManagedObjectContext> privateContext() = 0;
-    /// Writes the main context to disk, soon and on other queues.
-    virtual void saveMainContext() = 0;
+    /// Writes the main context to disk, soon and on other queues. What was handed to it so far is
+    /// cleaned up before, so that both reach the disk together. Then calls `whenSaved`, if any, on
+    /// the main queue; not after a failure, which ends the process.
+    virtual void saveMainContext(std::function<void()> whenSaved = nullptr) = 0;
     /// Serial; guards the start of a scan.
     virtual NSOperationQueue& operationQueue() = 0;
     /// Tells the user of a failed save.

@@ -114,6 +114,31 @@ TEST_F(DuplicatesTest, objectsThatAreGoneWhenTheCleanUpRunsAreSkipped) {
     EXPECT_EQ(environment.histories().size(), 1U);
 }
 
+TEST_F(DuplicatesTest, whatIsDoubledNeverReachesTheDisk) {
+    PlaybackHistory history = environment.makeHistory("Song", 1);
+    environment.makePlay(history, 100);
+    environment.saveMain();
+    const auto context = environment.data->privateContext();
+    context->performBlockAndWait([&] {
+        PlayEvent::insert(*context).setEventDate(at(100));
+        PlaybackHistory twin = PlaybackHistory::insert(*context);
+        twin.setTitle("Song");
+        twin.setDuration(1);
+        EXPECT_TRUE(context->save());
+    });
+    std::size_t whenSaved = 0;
+    environment.data->saveMainContext([&] {
+        const auto database =
+            SQLiteDatabase::open(environment.storeFile(), SQLiteDatabase::Mode::readOnly);
+        auto rows = database.value()->prepare(
+            "SELECT (SELECT count(*) FROM PlayEvent) + (SELECT count(*) FROM PlaybackHistory)");
+        ASSERT_TRUE(rows.value().step().value());
+        whenSaved = static_cast<std::size_t>(rows.value().integer(0));
+    });
+    environment.runUntilIdle();
+    EXPECT_EQ(whenSaved, 2U) << "a process may end between the save and a later clean-up";
+}
+
 TEST_F(DuplicatesTest, aNotificationWithoutInsertsStartsNoCleanUp) {
     PlaybackHistory history = environment.makeHistory("Song", 1);
     environment.makePlay(history, 100);

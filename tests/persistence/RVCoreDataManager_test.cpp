@@ -150,6 +150,21 @@ TEST_F(DataManagerTest, aStoreThatCannotBeLoadedEndsTheProcess) {
               std::string::npos);
 }
 
+TEST_F(DataManagerTest, whoWaitsForTheMainSaveIsCalledOnTheMainQueueOnceItIsOnDisk) {
+    environment.makeHistory("Song", 1);
+    std::size_t calls = 0;
+    environment.data->saveMainContext([&] {
+        ++calls;
+        environment.mainQueue->assertCurrent();
+        EXPECT_EQ(rowsOnDisk("PlaybackHistory"), 1U);
+    });
+    environment.runUntilIdle();
+    EXPECT_EQ(calls, 1U);
+    environment.data->saveMainContext([&] { ++calls; });
+    environment.runUntilIdle();
+    EXPECT_EQ(calls, 2U) << "nothing to save is saved";
+}
+
 TEST_F(DataManagerTest, aFailedMainSaveEndsTheProcess) {
     environment.makeHistory("Song", 1);
     {

@@ -352,6 +352,21 @@ TEST_F(PlaybackScanTest, theScanReachesTheDisk) {
     EXPECT_EQ(row.value().real(0), noon - 60);
 }
 
+TEST_F(PlaybackScanTest, theScanDateStaysWhenThePlaysDoNotReachTheDisk) {
+    environment.defaults->setObject(ScanDefaults::playbackHistoryScanDate, at(noon - 500));
+    publish(1, noon - 60);
+    environment.main();
+    {
+        const auto saboteur =
+            SQLiteDatabase::open(environment.storeFile(), SQLiteDatabase::Mode::readWrite);
+        ASSERT_TRUE(saboteur.value()->execute("DROP TABLE PlayEvent"));
+    }
+    EXPECT_FALSE(environment.scan());
+    EXPECT_EQ(environment.failures.endings.size(), 1U);
+    EXPECT_EQ(scanDate(), at(noon - 500));
+    EXPECT_EQ(environment.awards.updates, 0);
+}
+
 TEST_F(PlaybackScanTest, aScanThatFindsNothingNewLeavesNothingToSave) {
     publish(1, noon - 60);
     ASSERT_TRUE(environment.scan());
