@@ -83,6 +83,15 @@ class ArrowsTest(unittest.TestCase):
                     {f"{folder}/A.cpp": '#include "platform/testing/Clock.h"\n', "platform/testing/Clock.h": ""},
                     (f"{folder}/A.cpp:1", "platform/testing is for tests only"))
 
+    def test_a_rooms_own_testing_folder_wraps_its_library_and_is_for_tests_only(self):
+        files = {
+            "platform/sqlite/testing/Disk.h": "#include <sqlite3.h>\n",
+            "platform/testing/Store.h": '#include "platform/sqlite/testing/Disk.h"\n',
+        }
+        self.assert_clean(files)
+        self.assert_finds({**files, "platform/sqlite/A.cpp": '#include "platform/sqlite/testing/Disk.h"\n'},
+                          ("platform/sqlite/A.cpp:1", "platform/sqlite/testing is for tests only"))
+
     def test_a_circle_of_files(self):
         self.assert_finds({
             "recording/A.h": '#include "recording/B.h"\n',
