@@ -6,10 +6,13 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <optional>
 #include <system_error>
+#include <vector>
 
 #include "platform/coredata/StoreCheck.h"
 
@@ -132,36 +135,97 @@ void syncDirectory(const fs::path& directory) {
     }
 }
 
+/// A new store under way, in a file of the process's own beside the store.
+class Draft {
+  public:
+    explicit Draft(const fs::path& store)
+        : prefix_(store.filename().string() + ".new-"),
+          file_(store.parent_path() / fmt::format("{}{}", prefix_, ::getpid())) {
+        removeThoseOfTheDead();
+        remove(file_);
+    }
+    ~Draft() { remove(file_); }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
+
+    const fs::path& file() const { return file_; }
+
+  private:
+    static void remove(const fs::path& draft) {
+        std::error_code ignored;
+        for (const char* const ending : {"", "-journal", "-wal", "-shm"}) {
+            fs::remove(draft.string() + ending, ignored);
+        }
+    }
+    /// What killed processes left behind. Another one that makes a store just now keeps its own.
+    void removeThoseOfTheDead() const {
+        std::error_code failure;
+        std::vector<fs::path> found;
+        for (const auto& entry : fs::directory_iterator(file_.parent_path(), failure)) {
+            const std::string name = entry.path().filename().string();
+            if (name.starts_with(prefix_)) {
+                const auto process = std::atoi(name.c_str() + prefix_.size());
+                if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH) {
+                    found.push_back(entry.path());
+                }
+            }
+        }
+        for (const fs::path& draft : found) {
+            fs::remove(draft, failure);
+        }
+    }
+
+    const std::string prefix_;
+    const fs::path file_;
+};
+
+/// Makes the tables of an empty store. They are in the file itself, and synchronized, before the
+/// log begins: what a log holds could fail to reach the file when it is closed.
+Result<void> fill(SQLiteDatabase& database, const NSManagedObjectModel& model,
+                  const StoreFormat& format) {
+    if (auto made = database.execute(
+            fmt::format("PRAGMA page_size = 4096; BEGIN; PRAGMA application_id = {}; "
+                        "PRAGMA user_version = {}; {} COMMIT;",
+                        format.applicationID, format.version, schema(model)));
+        !made) {
+        return made;
+    }
+    auto mode = database.prepare("PRAGMA journal_mode = WAL");
+    if (!mode) {
+        return mode.error();
+    }
+    const Result<bool> set = mode.value().step();
+    if (!set) {
+        return set.error();
+    }
+    if (mode.value().text(0) != "wal") {
+        return NSError{"the file system can't keep a write-ahead log", {}};
+    }
+    return {};
+}
+
 /// A new store appears under its name only when it is whole; of two processes that make one, the
 /// first wins.
 Result<void> create(const fs::path& file, const NSManagedObjectModel& model,
                     const StoreFormat& format) {
-    const fs::path draft = fmt::format("{}.new-{}", file.string(), ::getpid());
-    std::error_code ignored;
-    fs::remove(draft, ignored);
+    const auto failed = [&file](const std::string& why) {
+        return error(file, fmt::format("the store can't be made ({}); check the directory and the "
+                                       "space on its disk",
+                                       why));
+    };
+    const Draft draft(file);
     {
-        auto database = SQLiteDatabase::open(draft, SQLiteDatabase::Mode::create);
+        auto database = SQLiteDatabase::open(draft.file(), SQLiteDatabase::Mode::create);
         if (!database) {
-            return error(file, fmt::format("the store can't be made ({}); check the directory",
-                                           database.error().localizedDescription));
+            return failed(withoutName(draft.file(), database.error().localizedDescription));
         }
-        const Result<void> made = database.value()->execute(
-            fmt::format("PRAGMA page_size = 4096; PRAGMA journal_mode = WAL; BEGIN; PRAGMA "
-                        "application_id = {}; "
-                        "PRAGMA user_version = {}; {} COMMIT;",
-                        format.applicationID, format.version, schema(model)));
-        if (!made) {
-            fs::remove(draft, ignored);
-            return error(file, fmt::format("the store can't be made ({})",
-                                           made.error().localizedDescription));
+        if (const auto filled = fill(*database.value(), model, format); !filled) {
+            return failed(withoutName(draft.file(), filled.error().localizedDescription));
         }
     }
-    if (::link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST) {
-        const std::string why = std::strerror(errno);
-        fs::remove(draft, ignored);
-        return error(file, fmt::format("the store can't be made ({}); check the directory", why));
+    if (::link(draft.file().c_str(), file.c_str()) != 0 && errno != EEXIST) {
+        return failed(std::strerror(errno));
     }
-    fs::remove(draft, ignored);
     syncDirectory(file.parent_path());
     return {};
 }
