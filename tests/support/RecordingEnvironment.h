@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -63,10 +64,17 @@ class RecordingScanPresenter final : public ScanPresenter {
 class RecordingFailurePresenter final : public FailurePresenter {
   public:
     void presentDataFailure(const NSError& error) override { dataFailures.push_back(error); }
-    void endProcess(const NSError& error) override { endings.push_back(error); }
+    void endProcess(const NSError& error) override {
+        if (endings.empty() && whenEnding) {
+            whenEnding();
+        }
+        endings.push_back(error);
+    }
 
     std::vector<NSError> dataFailures;
     std::vector<NSError> endings;
+    /// Called at the moment when a program would have ended.
+    std::function<void()> whenEnding;
 };
 
 class RecordingLogSink final : public LogSink {
