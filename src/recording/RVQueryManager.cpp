@@ -1,12 +1,12 @@
 #include "recording/RVQueryManager.h"
 
-namespace tavrion {
+namespace tavrion::RVQueryManager {
 
-MPMediaQuery RVQueryManager::defaultQuery() {
+MPMediaQuery defaultQuery() {
     MPMediaQuery query = MPMediaQuery::songsQuery();
     query.addFilterPredicate(
         MPMediaPropertyPredicate::predicateWithValue(Value(1), MPMediaItemPropertyMediaType));
     return query;
 }
 
-}  // namespace tavrion
+}  // namespace tavrion::RVQueryManager

@@ -1,17 +1,13 @@
 // What counts as the user's music.
 //
-// Queue: any. Stateless.
+// Queue: any. Stateless. The lists of the library are in library/RVQueryManager+Results.h.
 #pragma once
 
 #include "platform/mediaplayer/MPMediaQuery.h"
 
-namespace tavrion {
+namespace tavrion::RVQueryManager {
 
-class RVQueryManager {
-  public:
-    RVQueryManager() = delete;
-    /// A new query for all songs whose media type is music.
-    static MPMediaQuery defaultQuery();
-};
+/// A new query for all songs whose media type is music.
+MPMediaQuery defaultQuery();
 
-}  // namespace tavrion
+}  // namespace tavrion::RVQueryManager

@@ -238,6 +238,20 @@ NSComparisonResult smartAlphabeticalCompare(const std::optional<std::string>& a,
     return localizedStandardCompare(textA, textB);
 }
 
+std::vector<std::string> smartAlphabeticalKeys(
+    const std::vector<std::optional<std::string>>& texts) {
+    std::vector<std::string_view> sorted;
+    sorted.reserve(texts.size());
+    for (const std::optional<std::string>& text : texts) {
+        sorted.push_back(sortedText(text));
+    }
+    std::vector<std::string> keys = collationKeys(sorted);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        keys[i].insert(keys[i].begin(), stringBeginsWithNumeral(sorted[i]) ? '\2' : '\1');
+    }
+    return keys;
+}
+
 bool stringBeginsWithNumeral(std::string_view text) {
     if (text.empty()) {
         return false;

@@ -36,6 +36,10 @@ inline std::string stringValue(std::string text) {
 /// decides. An absent string is "~".
 NSComparisonResult smartAlphabeticalCompare(const std::optional<std::string>& a,
                                             const std::optional<std::string>& b);
+/// Bytes whose byte order is the order of smartAlphabeticalCompare up to its tie-breaks (equal
+/// keys: compare the texts), for sorts that compare often.
+std::vector<std::string> smartAlphabeticalKeys(
+    const std::vector<std::optional<std::string>>& texts);
 /// Whether the first UTF-16 unit of the text is anything but a letter. False for an empty text.
 bool stringBeginsWithNumeral(std::string_view text);
 

@@ -219,38 +219,39 @@ struct SmartRow {
     char relation;
 };
 
+const std::vector<SmartRow> smartRows{
+    {"apple", "Banana", '<'},
+    {"\"Heroes\"", "Hello", '>'},
+    {"\"Heroes\"", "Heroes", '='},
+    {"(What's the Story)", "What", '>'},
+    {"\xE2\x80\x9CQuoted\xE2\x80\x9D", "quoted", '>'},
+    {"\xC2\xBFQui\xC3\xA9n?", "Qui\xC3\xA9n", '='},
+    {"zebra", "1999", '<'},
+    {"1999", "zebra", '>'},
+    {"99", "1999", '<'},
+    {"'99", "1999", '<'},
+    {"+", "zebra", '>'},
+    {"+", "-+-", '='},
+    {"...", "zebra", '>'},
+    {"...", "~", '='},
+    {"", "!!!", '='},
+    {std::nullopt, "~", '='},
+    {std::nullopt, std::nullopt, '='},
+    {std::nullopt, "zebra", '>'},
+    {"zebra", std::nullopt, '<'},
+    {"\xF0\x9D\x94\xB8 song", "zebra", '>'},
+    {"\xF0\x9F\x98\x80", "zebra", '>'},
+    {"\xE6\x97\xA5\xE6\x9C\xAC", "1", '<'},
+    {"\xE3\x80\x8C\xE6\x97\xA5\xE6\x9C\xAC\xE3\x80\x8D", "\xE6\x97\xA5\xE6\x9C\xAC", '='},
+    {"a.b", "ab", '<'},
+    {"_a_", "a", '='},
+    {"a\xFF!", "a\xFF", '='},
+    {"\xAD!", "\xAD", '='},
+};
+
 TEST(SmartAlphabeticalCompare, LettersComeFirstAndPunctuationAroundIsIgnored) {
     const InLocale plugged("en_US");
-    const std::vector<SmartRow> rows{
-        {"apple", "Banana", '<'},
-        {"\"Heroes\"", "Hello", '>'},
-        {"\"Heroes\"", "Heroes", '='},
-        {"(What's the Story)", "What", '>'},
-        {"\xE2\x80\x9CQuoted\xE2\x80\x9D", "quoted", '>'},
-        {"\xC2\xBFQui\xC3\xA9n?", "Qui\xC3\xA9n", '='},
-        {"zebra", "1999", '<'},
-        {"1999", "zebra", '>'},
-        {"99", "1999", '<'},
-        {"'99", "1999", '<'},
-        {"+", "zebra", '>'},
-        {"+", "-+-", '='},
-        {"...", "zebra", '>'},
-        {"...", "~", '='},
-        {"", "!!!", '='},
-        {std::nullopt, "~", '='},
-        {std::nullopt, std::nullopt, '='},
-        {std::nullopt, "zebra", '>'},
-        {"zebra", std::nullopt, '<'},
-        {"\xF0\x9D\x94\xB8 song", "zebra", '>'},
-        {"\xF0\x9F\x98\x80", "zebra", '>'},
-        {"\xE6\x97\xA5\xE6\x9C\xAC", "1", '<'},
-        {"\xE3\x80\x8C\xE6\x97\xA5\xE6\x9C\xAC\xE3\x80\x8D", "\xE6\x97\xA5\xE6\x9C\xAC", '='},
-        {"a.b", "ab", '<'},
-        {"_a_", "a", '='},
-        {"a\xFF!", "a\xFF", '='},
-        {"\xAD!", "\xAD", '='},
-    };
-    for (const SmartRow& row : rows) {
+    for (const SmartRow& row : smartRows) {
         const auto name = [](const auto& text) { return text.value_or("(absent)"); };
         EXPECT_EQ(relationOf(Entended::smartAlphabeticalCompare(row.a, row.b)), row.relation)
             << name(row.a) << " and " << name(row.b);
@@ -258,6 +259,26 @@ TEST(SmartAlphabeticalCompare, LettersComeFirstAndPunctuationAroundIsIgnored) {
                   opposite(row.relation))
             << name(row.b) << " and " << name(row.a);
     }
+}
+
+TEST(SmartAlphabeticalKeys, HaveTheOrderOfTheComparisonUpToItsTieBreaks) {
+    const InLocale plugged("en_US");
+    std::vector<std::optional<std::string>> texts;
+    for (const SmartRow& row : smartRows) {
+        texts.insert(texts.end(), {row.a, row.b});
+    }
+    const std::vector<std::string> keys = Entended::smartAlphabeticalKeys(texts);
+    ASSERT_EQ(keys.size(), texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        for (std::size_t j = 0; j < texts.size(); ++j) {
+            const auto result = Entended::smartAlphabeticalCompare(texts[i], texts[j]);
+            if (keys[i] != keys[j]) {
+                EXPECT_EQ(keys[i] < keys[j], result == NSComparisonResult::ascending)
+                    << texts[i].value_or("(absent)") << " and " << texts[j].value_or("(absent)");
+            }
+        }
+    }
+    EXPECT_NE(Entended::smartAlphabeticalKeys({"zebra"}), Entended::smartAlphabeticalKeys({"1"}));
 }
 
 TEST(StringBeginsWithNumeral, IsTrueOfAllButALetter) {
