@@ -86,7 +86,7 @@ icu::UnicodeString ofParts(const std::string& parts, const icu::Locale& locale) 
     const auto generator = generatorFor(locale);
     const icu::UnicodeString skeleton =
         icu::DateTimePatternGenerator::staticGetSkeleton(unicodeText(parts), status);
-    const icu::UnicodeString pattern = generator->getBestPattern(skeleton, status);
+    icu::UnicodeString pattern = generator->getBestPattern(skeleton, status);
     precondition(U_SUCCESS(status), "ICU has a pattern for the parts of a date");
     return pattern;
 }

@@ -23,8 +23,8 @@ constexpr std::uint64_t positionalUnits =
     NSCalendarUnit::hour | NSCalendarUnit::minute | NSCalendarUnit::second;
 constexpr std::uint64_t allUnits = positionalUnits | NSCalendarUnit::year | NSCalendarUnit::month |
                                    NSCalendarUnit::weekOfYear | NSCalendarUnit::day;
-// Within what an integer holds, and some three hundred thousand million years.
-constexpr double mostSeconds = 9e18;
+// Some thirty thousand million years; twice as much still fits into an integer.
+constexpr double mostSeconds = 1e18;
 
 icu::MeasureUnit icuUnit(TimeUnit unit) {
     switch (unit) {
@@ -63,6 +63,7 @@ class DurationTexts {
 
     icu::UnicodeString joined(const std::vector<UnitCount>& counts) {
         std::vector<icu::UnicodeString> parts;
+        parts.reserve(counts.size());
         for (const UnitCount& one : counts) {
             parts.push_back(withUnit(one));
         }
@@ -78,6 +79,7 @@ class DurationTexts {
             return plain_.formatInt(counts.front().count, status).toString(status);
         }
         std::vector<icu::Measure> measures;
+        measures.reserve(counts.size());
         for (const UnitCount& one : counts) {
             measures.emplace_back(icu::Formattable(one.count),
                                   new icu::MeasureUnit(icuUnit(one.unit)), status);

@@ -193,6 +193,8 @@ TEST(NSDateComponentsFormatter, GreatLengthsAreToldInFull) {
     EXPECT_EQ(abbreviated(hms, 1e300, 1), abbreviated(hms, 9e18, 1));
     for (const double days : {1e7, 1e9, 1e12, 1e300}) {
         EXPECT_NE(age(days), "") << days;
+        EXPECT_NE(abbreviated(NSCalendarUnit::day | NSCalendarUnit::hour, days * 86400, 1), "")
+            << days;
     }
 }
 
