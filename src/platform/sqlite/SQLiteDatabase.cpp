@@ -42,11 +42,13 @@ SQLiteFailure failureOf(int code) {
 SQLiteStatement::SQLiteStatement(SQLiteStatement&& other) noexcept
     : database_(other.database_),
       statement_(std::exchange(other.statement_, nullptr)),
+      isReading_(std::exchange(other.isReading_, false)),
       bindingError_(std::move(other.bindingError_)) {}
 
 SQLiteStatement& SQLiteStatement::operator=(SQLiteStatement&& other) noexcept {
     std::swap(database_, other.database_);
     std::swap(statement_, other.statement_);
+    std::swap(isReading_, other.isReading_);
     std::swap(bindingError_, other.bindingError_);
     return *this;
 }
@@ -56,8 +58,8 @@ SQLiteStatement::~SQLiteStatement() {
 }
 
 void SQLiteStatement::getReadyToBind() {
-    if (sqlite3_stmt_busy(statement_) != 0) {
-        sqlite3_reset(statement_);
+    if (isReading_) {
+        reset();
     }
 }
 
@@ -95,12 +97,26 @@ void SQLiteStatement::bindBlob(int parameter, std::string_view value) {
     noteBinding(sqlite3_bind_blob64(statement_, parameter, bytes, value.size(), SQLITE_TRANSIENT));
 }
 
+void SQLiteStatement::bindTextInPlace(int parameter, std::string_view value) {
+    getReadyToBind();
+    const char* bytes = value.data() != nullptr ? value.data() : "";
+    noteBinding(sqlite3_bind_text64(statement_, parameter, bytes, value.size(), SQLITE_STATIC,
+                                    SQLITE_UTF8));
+}
+
+void SQLiteStatement::bindBlobInPlace(int parameter, std::string_view value) {
+    getReadyToBind();
+    const char* bytes = value.data() != nullptr ? value.data() : "";
+    noteBinding(sqlite3_bind_blob64(statement_, parameter, bytes, value.size(), SQLITE_STATIC));
+}
+
 Result<bool> SQLiteStatement::step() {
     if (bindingError_) {
         return *std::exchange(bindingError_, std::nullopt);
     }
     const int code = sqlite3_step(statement_);
-    if (code == SQLITE_ROW) {
+    isReading_ = code == SQLITE_ROW;
+    if (isReading_) {
         return true;
     }
     // The error is read before the reset, which would report the same failure as its own.
@@ -115,6 +131,7 @@ Result<bool> SQLiteStatement::step() {
 
 void SQLiteStatement::reset() {
     sqlite3_reset(statement_);
+    isReading_ = false;
 }
 
 Result<void> SQLiteStatement::run() {
@@ -144,6 +161,14 @@ std::string_view SQLiteStatement::text(int column) const {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
     const auto length = static_cast<std::size_t>(sqlite3_column_bytes(statement_, column));
     return bytes == nullptr ? std::string_view() : std::string_view(bytes, length);
+}
+
+std::optional<std::string_view> SQLiteStatement::optionalText(int column) const {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
+    return bytes == nullptr
+               ? std::nullopt
+               : std::optional(std::string_view(
+                     bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))));
 }
 
 std::string_view SQLiteStatement::blob(int column) const {

@@ -52,6 +52,10 @@ class SQLiteStatement {
     /// The bytes are copied. They may contain NUL, and empty ones are not NULL.
     void bindText(int parameter, std::string_view value);
     void bindBlob(int parameter, std::string_view value);
+    /// The same without a copy: the bytes stay until the statement is stepped to its end or bound
+    /// anew.
+    void bindTextInPlace(int parameter, std::string_view value);
+    void bindBlobInPlace(int parameter, std::string_view value);
 
     /// Goes to the next row: true when there is one, false at the end (the statement is then ready
     /// to be bound again).
@@ -67,6 +71,8 @@ class SQLiteStatement {
     /// Valid until the next step().
     std::string_view text(int column) const;
     std::string_view blob(int column) const;
+    /// The text, or nothing for NULL.
+    std::optional<std::string_view> optionalText(int column) const;
 
   private:
     friend class SQLiteDatabase;
@@ -76,6 +82,8 @@ class SQLiteStatement {
     void noteBinding(int code);
     SQLiteDatabase* database_;
     sqlite3_stmt* statement_;
+    /// Between a row and the end of the reading.
+    bool isReading_ = false;
     /// The first binding since the last step() that failed.
     std::optional<NSError> bindingError_;
 };

@@ -180,5 +180,30 @@ TEST_F(SQLiteStatementTest, AFailedBindingIsToldByTheNextStepOnly) {
     EXPECT_EQ(echo.integer(0), 6);
 }
 
+TEST_F(SQLiteStatementTest, BytesBoundInPlaceAreReadWhereTheyLie) {
+    const auto database = opened();
+    auto echo = prepared(*database, "SELECT ?1, ?2, typeof(?1), typeof(?2)");
+    std::string text = "one";
+    std::string bytes("\0\xFF", 2);
+    echo.bindTextInPlace(1, text);
+    echo.bindBlobInPlace(2, bytes);
+    // A copy would still say "one".
+    text = "two";
+    ASSERT_TRUE(hasRow(echo));
+    EXPECT_EQ(echo.text(0), "two");
+    EXPECT_EQ(echo.blob(1), bytes);
+    EXPECT_EQ(echo.text(2), "text");
+    EXPECT_EQ(echo.text(3), "blob");
+}
+
+TEST_F(SQLiteStatementTest, AnOptionalTextTellsNullFromAnEmptyOne) {
+    const auto database = opened();
+    auto values = prepared(*database, "SELECT NULL, '', 'x'");
+    ASSERT_TRUE(hasRow(values));
+    EXPECT_EQ(values.optionalText(0), std::nullopt);
+    EXPECT_EQ(values.optionalText(1), "");
+    EXPECT_EQ(values.optionalText(2), "x");
+}
+
 }  // namespace
 }  // namespace tavrion
