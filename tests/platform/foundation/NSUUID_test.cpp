@@ -1,8 +1,11 @@
 #include "platform/foundation/NSUUID.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <string>
 #include <thread>
@@ -38,6 +41,29 @@ TEST(NSUUID, SeveralThreadsNeverGetTheSame) {
         all.insert(made[i].begin(), made[i].end());
     }
     EXPECT_EQ(all.size(), threadCount * each);
+}
+
+TEST(NSUUID, AForkedProcessGivesOthers) {
+    // So that some of the random numbers are already fetched.
+    UUIDString();
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    constexpr std::size_t length = 36;
+    if (child == 0) {
+        const std::string text = UUIDString();
+        ::_exit(::write(ends[1], text.data(), length) == length ? 0 : 1);
+    }
+    std::string childs(length, ' ');
+    ASSERT_EQ(::read(ends[0], childs.data(), length), static_cast<ssize_t>(length));
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ::close(ends[0]);
+    ::close(ends[1]);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(stringIsValidUUID(childs));
+    EXPECT_NE(childs, UUIDString());
 }
 
 TEST(NSUUID, WellFormedOnesAreValid) {
