@@ -22,7 +22,8 @@ struct NSNotificationCenter::Observation::Registration {
 struct NSNotificationCenter::Registry {
     using Registrations = std::vector<std::shared_ptr<Observation::Registration>>;
     mutable Mutex mutex;
-    std::map<std::string, Registrations> byName TAVRION_GUARDED_BY(mutex);
+    /// Each change makes a new list, so that posting only takes hold of the one that there is.
+    std::map<std::string, std::shared_ptr<const Registrations>> byName TAVRION_GUARDED_BY(mutex);
 
     void remove(const std::shared_ptr<Observation::Registration>& registration) {
         const MutexLock lock(mutex);
@@ -30,24 +31,21 @@ struct NSNotificationCenter::Registry {
         if (found == byName.end()) {
             return;
         }
-        std::erase(found->second, registration);
-        if (found->second.empty()) {
+        auto rest = std::make_shared<Registrations>(*found->second);
+        std::erase(*rest, registration);
+        if (rest->empty()) {
             byName.erase(found);
+        } else {
+            found->second = std::move(rest);
         }
     }
 
-    /// Those who wait for this notification, in the order of their registration.
-    Registrations waitingFor(const NSNotification& notification) const {
+    /// Those who wait for notifications of that name, in the order of their registration; null when
+    /// nobody does.
+    std::shared_ptr<const Registrations> registrationsFor(const std::string& name) const {
         const MutexLock lock(mutex);
-        Registrations waiting;
-        const auto found = byName.find(notification.name);
-        if (found != byName.end()) {
-            std::copy_if(found->second.begin(), found->second.end(), std::back_inserter(waiting),
-                         [&](const auto& each) {
-                             return each->object == nullptr || each->object == notification.object;
-                         });
-        }
-        return waiting;
+        const auto found = byName.find(name);
+        return found == byName.end() ? nullptr : found->second;
     }
 };
 
@@ -91,13 +89,24 @@ NSNotificationCenter::Observation NSNotificationCenter::addObserver(const std::s
     registration.queue = queue;
     registration.block = std::move(block);
     const MutexLock lock(registry_->mutex);
-    registry_->byName[name].push_back(observation.registration_);
+    std::shared_ptr<const Registry::Registrations>& list = registry_->byName[name];
+    auto longer = list ? std::make_shared<Registry::Registrations>(*list)
+                       : std::make_shared<Registry::Registrations>();
+    longer->push_back(observation.registration_);
+    list = std::move(longer);
     return observation;
 }
 
 void NSNotificationCenter::postNotification(const NSNotification& notification) {
     std::shared_ptr<const NSNotification> shared;
-    for (const auto& registration : registry_->waitingFor(notification)) {
+    const auto registrations = registry_->registrationsFor(notification.name);
+    if (!registrations) {
+        return;
+    }
+    for (const auto& registration : *registrations) {
+        if (registration->object != nullptr && registration->object != notification.object) {
+            continue;
+        }
         // Also the hand-over happens inside the gate: once the Observation is gone, its owner may
         // end the queue.
         const ObserverGate::Stay stay(registration->gate);
@@ -123,7 +132,7 @@ void NSNotificationCenter::postNotification(const NSNotification& notification) 
 std::size_t NSNotificationCenter::observerCount(const std::string& name) const {
     const MutexLock lock(registry_->mutex);
     const auto found = registry_->byName.find(name);
-    return found == registry_->byName.end() ? 0 : found->second.size();
+    return found == registry_->byName.end() ? 0 : found->second->size();
 }
 
 }  // namespace tavrion
