@@ -1,6 +1,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSUUID.h"
@@ -26,6 +28,23 @@ std::optional<std::string_view> presentStoreID(const MPMediaItem& item) {
 std::string_view textOr(const std::optional<std::string_view>& text, std::string_view otherwise) {
     return text ? *text : otherwise;
 }
+
+/// The key of a song's album, joined without a detour over the heap. An absent text reads "(null)"
+/// here: stored keys must stay what they always were.
+class AlbumKey {
+  public:
+    explicit AlbumKey(const MPMediaItem& item) {
+        for (const std::string_view part :
+             {textOr(item.albumArtist(), "(null)"), std::string_view("\u2014\u2014"),
+              textOr(item.albumTitle(), "(null)")}) {
+            joined_.append(part.data(), part.data() + part.size());
+        }
+    }
+    std::string_view text() const { return {joined_.data(), joined_.size()}; }
+
+  private:
+    fmt::memory_buffer joined_;
+};
 
 /// The lenient conditions by which a record knows its song: any one of them is enough.
 class LenientConditions {
@@ -68,16 +87,23 @@ std::optional<MPMediaItem> firstMatch(const MPMediaQuery& query,
     return found == items.end() ? std::nullopt : std::optional<MPMediaItem>(*found);
 }
 
-NSPredicate strictConditions(const MPMediaItem& item) {
-    std::vector<NSPredicate> conditions{
-        RecordPredicates::titleAndDuration(item.title(), item.playbackDuration())};
+/// The records that a song strictly has: equal title and duration, and each real identifier equal.
+std::vector<RecordCounter> strictMatches(const MPMediaItem& item, NSManagedObjectContext& context) {
+    std::array<PropertyValue, 4> conditions;
+    std::size_t count = 0;
+    const auto require = [&](PropertyIndex property, const FieldView& value) {
+        conditions[count++] = {property, value};
+    };
+    const std::optional<std::string_view> title = item.title();
+    require(PlaybackHistoryKey::title, title ? FieldView(*title) : FieldView());
+    require(PlaybackHistoryKey::duration, item.playbackDuration());
     if (const auto identifier = presentStoreID(item); identifier && isReal(*identifier)) {
-        conditions.push_back(RecordPredicates::storeID(*identifier));
+        require(PlaybackHistoryKey::storeID, *identifier);
     }
     if (const auto identifier = item.cloudUniversalLibraryId(); identifier && isReal(*identifier)) {
-        conditions.push_back(RecordPredicates::libraryID(*identifier));
+        require(PlaybackHistoryKey::libraryID, *identifier);
     }
-    return NSPredicate::andPredicateWithSubpredicates(std::move(conditions));
+    return context.recordsWhere(NerindaEntity::PlaybackHistory, std::span(conditions).first(count));
 }
 
 }  // namespace
@@ -101,21 +127,19 @@ std::optional<NSDate> lastEventDate(const MPMediaItem& item) {
 }
 
 std::string albumKey(const MPMediaItem& item) {
-    // An absent text reads "(null)" here: stored keys must stay what they always were.
-    return fmt::format("{}\u2014\u2014{}", textOr(item.albumArtist(), "(null)"),
-                       textOr(item.albumTitle(), "(null)"));
+    return std::string(AlbumKey(item).text());
 }
 
 std::optional<PlaybackHistory> playbackHistoryInContext(const MPMediaItem& item,
                                                         NSManagedObjectContext& context) {
-    const auto fetched =
-        context.executeFetchRequest(PlaybackHistory::fetchRequest().where(strictConditions(item)));
-    if (!fetched || fetched.value().empty()) {
+    const std::vector<RecordCounter> found = strictMatches(item, context);
+    if (found.empty()) {
         return std::nullopt;
     }
-    PlaybackHistory history(fetched.value().front());
-    history.refreshMetadata(item.albumArtist(), albumKey(item), item.genre());
-    if (fetched.value().size() > 1) {
+    PlaybackHistory history(
+        NSManagedObject(context, {NerindaEntity::PlaybackHistory, found.front()}));
+    history.refreshMetadata(item.albumArtist(), AlbumKey(item).text(), item.genre());
+    if (found.size() > 1) {
         Port<RecordStore>::current().foldTwins(history, context);
     }
     return history;

@@ -27,6 +27,8 @@ class PlayEvent : public PlaybackHistoryEvent {
   public:
     explicit PlayEvent(const NSManagedObject& object) : PlaybackHistoryEvent(object) {}
     static PlayEvent insert(NSManagedObjectContext& context);
+    /// A play of the song, in the song's context.
+    static PlayEvent insert(PlaybackHistory& song, NSDate date, bool isInterpolated);
     static NSFetchRequest fetchRequest() {
         return NSFetchRequest::fetchRequestWithEntityName("PlayEvent");
     }

@@ -3,6 +3,7 @@
 // Queue: that of its context. Durations are seconds; an absent text or date is std::nullopt.
 #pragma once
 
+#include <initializer_list>
 #include <vector>
 
 #include "platform/coredata/NSFetchRequest.h"
@@ -17,7 +18,8 @@ class PlayEvent;
 class PlaybackHistory : public NSManagedObject {
   public:
     explicit PlaybackHistory(const NSManagedObject& object) : NSManagedObject(object) {}
-    static PlaybackHistory insert(NSManagedObjectContext& context);
+    static PlaybackHistory insert(NSManagedObjectContext& context,
+                                  std::initializer_list<PropertyValue> values = {});
     static NSFetchRequest fetchRequest() {
         return NSFetchRequest::fetchRequestWithEntityName("PlaybackHistory");
     }
@@ -65,6 +67,13 @@ class PlaybackHistory : public NSManagedObject {
     void setTitle(const std::optional<std::string_view>& value) {
         setText(PlaybackHistoryKey::title, value);
     }
+
+    /// What a scan compares with the library, read in one go.
+    struct Counters {
+        std::int64_t playCount = 0;
+        std::optional<NSDate> lastEventDate;
+    };
+    Counters counters() const;
 
     /// Brings the three texts that the library may change up to date, each only if it differs.
     void refreshMetadata(const std::optional<std::string_view>& artist,

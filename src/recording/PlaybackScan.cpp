@@ -1,6 +1,7 @@
 #include "recording/PlaybackScan.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "platform/dispatch/MainQueue.h"
@@ -23,6 +24,8 @@ namespace {
 constexpr std::size_t songsWithoutPopup = 100;
 /// From here on so many new plays of one song are suspect.
 constexpr std::uint64_t suspectPlays = 5;
+/// Seconds.
+constexpr double twoDays = 2 * 86400.0;
 /// Bytes per second of 44.1 kHz, 16-bit stereo sound.
 constexpr double compactDiscRate = 176400.0;
 
@@ -79,14 +82,15 @@ std::vector<MPMediaItem> PlaybackScan::matchingSongs() const {
 
 void PlaybackScan::scanSong(const MPMediaItem& song) {
     PlaybackHistory history = historyForSong(song);
-    if (song.playCount() != static_cast<std::uint64_t>(history.playCount())) {
-        recordNewPlays(song, history);
+    const PlaybackHistory::Counters known = history.counters();
+    if (song.playCount() != static_cast<std::uint64_t>(known.playCount)) {
+        recordNewPlays(song, history, known);
         history.setPlayCount(static_cast<std::int64_t>(song.playCount()));
         history.setSkipCount(static_cast<std::int64_t>(song.skipCount()));
     }
     // A scan that finds nothing new must leave nothing to save.
     if (const std::optional<NSDate> lastEvent = Nerinda::lastEventDate(song);
-        lastEvent != history.lastEventDate()) {
+        lastEvent != known.lastEventDate) {
         history.setLastEventDate(lastEvent);
     }
     earnSongAwards(song);
@@ -97,28 +101,35 @@ PlaybackHistory PlaybackScan::historyForSong(const MPMediaItem& song) {
         return *found;
     }
     NSLog("Creating playback history for: {}", titleForLog(song));
-    PlaybackHistory history = PlaybackHistory::insert(*context_);
-    history.setStoreID(Nerinda::storeID(song));
-    history.setLibraryID(Nerinda::libraryID(song));
-    history.setTitle(song.title());
-    history.setArtist(song.albumArtist());
-    history.setAlbumID(Nerinda::albumKey(song));
-    history.setGenre(song.genre());
-    history.setDuration(song.playbackDuration());
-    // One less than the library says, so that a song seen for the first time yields its last play
-    // and no other.
-    history.setPlayCount(static_cast<std::int64_t>(song.playCount() - 1));
-    history.setSkipCount(static_cast<std::int64_t>(song.skipCount() - 1));
-    return history;
+    const std::string storeID = Nerinda::storeID(song);
+    const std::string libraryID = Nerinda::libraryID(song);
+    const std::string albumID = Nerinda::albumKey(song);
+    const auto text = [](const std::optional<std::string_view>& value) {
+        return value ? FieldView(*value) : FieldView();
+    };
+    using namespace PlaybackHistoryKey;
+    // Counts one less than the library says, so that a song seen for the first time yields its last
+    // play and no other.
+    return PlaybackHistory::insert(*context_,
+                                   {{PlaybackHistoryKey::storeID, storeID},
+                                    {PlaybackHistoryKey::libraryID, libraryID},
+                                    {PlaybackHistoryKey::albumID, albumID},
+                                    {title, text(song.title())},
+                                    {artist, text(song.albumArtist())},
+                                    {genre, text(song.genre())},
+                                    {duration, song.playbackDuration()},
+                                    {playCount, static_cast<std::int64_t>(song.playCount() - 1)},
+                                    {skipCount, static_cast<std::int64_t>(song.skipCount() - 1)}});
 }
 
-void PlaybackScan::recordNewPlays(const MPMediaItem& song, PlaybackHistory& history) {
-    const auto recordedCount = static_cast<std::uint64_t>(history.playCount());
+void PlaybackScan::recordNewPlays(const MPMediaItem& song, PlaybackHistory& history,
+                                  const PlaybackHistory::Counters& known) {
+    const auto recordedCount = static_cast<std::uint64_t>(known.playCount);
     if (song.playCount() <= recordedCount) {
         return;
     }
     const NSDate lastPlayed = *song.lastPlayedDate();
-    const NSDate start = *laterDate(previousScanDate_, history.lastEventDate());
+    const NSDate start = *laterDate(previousScanDate_, known.lastEventDate);
     const NSTimeInterval span = lastPlayed.timeIntervalSinceDate(start);
     const std::uint64_t delta = song.playCount() - recordedCount;
     const NSDate base = lastPlayed.dateByAddingTimeInterval(-span);
@@ -126,11 +137,10 @@ void PlaybackScan::recordNewPlays(const MPMediaItem& song, PlaybackHistory& hist
     for (std::uint64_t n = 1; n <= delta; ++n) {
         const bool isLast = n == delta;
         NSLog("Creating play event for: {}", titleForLog(song));
-        PlayEvent event = PlayEvent::insert(*context_);
-        event.setEventDate(isLast ? lastPlayed
-                                  : base.dateByAddingTimeInterval(step * static_cast<double>(n)));
-        event.setIsInterpolated(!isLast);
-        history.addPlaysObject(event);
+        const PlayEvent event = PlayEvent::insert(
+            history,
+            isLast ? lastPlayed : base.dateByAddingTimeInterval(step * static_cast<double>(n)),
+            !isLast);
         if (delta >= suspectPlays && !isLast) {
             suspectEvents_.push_back(event.objectID());
             suspectTitles_.emplace(song.title().value_or(""));
@@ -140,7 +150,9 @@ void PlaybackScan::recordNewPlays(const MPMediaItem& song, PlaybackHistory& hist
 
 void PlaybackScan::earnSongAwards(const MPMediaItem& song) {
     const std::optional<NSDate> released = song.releaseDate();
-    if (released &&
+    // Two instants of one day are never this far apart, and most songs are older: the calendar
+    // needs to be asked about few.
+    if (released && std::abs(released->timeIntervalSinceDate(*song.lastPlayedDate())) < twoDays &&
         Extended::startOfDay(*released) == Extended::startOfDay(*song.lastPlayedDate())) {
         earn("rv_award.wildcard.releaseDay");
     }

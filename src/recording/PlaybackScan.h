@@ -29,7 +29,8 @@ class PlaybackScan : public std::enable_shared_from_this<PlaybackScan> {
     std::vector<MPMediaItem> matchingSongs() const;
     void scanSong(const MPMediaItem& song);
     PlaybackHistory historyForSong(const MPMediaItem& song);
-    void recordNewPlays(const MPMediaItem& song, PlaybackHistory& history);
+    void recordNewPlays(const MPMediaItem& song, PlaybackHistory& history,
+                        const PlaybackHistory::Counters& known);
     void earnSongAwards(const MPMediaItem& song);
     void earn(const std::string& identifier);
     void finish();

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include "platform/coredata/ChangeSet.h"
 #include "platform/coredata/IndexKeys.h"
@@ -14,7 +15,7 @@ class TableFolding {
         : entity_(entity),
           base_(base),
           changes_(changes),
-          inserts_(changes.insertedRecords()),
+          inserts_(changes.insertedRows()),
           updates_(changes.updatedRecords()),
           deletes_(changes.deletedRecords()),
           writer_(entity),
@@ -49,8 +50,14 @@ class TableFolding {
                                         next);
     }
 
+    /// Whether an inserted record comes before `bound` (0 is no bound). It may have been removed
+    /// again, which costs a copy of a leaf and nothing else.
+    bool insertsBefore(RecordCounter bound) const {
+        return nextInsert_ < inserts_.size() && (bound == 0 || inserts_[nextInsert_] < bound);
+    }
+
     void foldLeaf(const std::shared_ptr<const TableLeaf>& leaf, RecordCounter bound) {
-        const bool inserting = countBefore(nextInsert_, inserts_.cend(), bound) > 0;
+        const bool inserting = insertsBefore(bound);
         const bool deleting = countBefore(nextDelete_, deletes_.cend(), bound) > 0;
         const std::size_t updating = countBefore(nextUpdate_, updates_.cend(), bound);
         if (!inserting && !deleting && updating == 0) {
@@ -66,7 +73,7 @@ class TableFolding {
         std::size_t copied = 0;
         for (std::size_t row = 0; row < current->size(); ++row) {
             const RecordCounter record = (*current->records)[row];
-            const bool insertsHere = nextInsert_ != inserts_.cend() && *nextInsert_ < record;
+            const bool insertsHere = insertsBefore(record);
             const bool deletesHere = isNextDelete(record);
             if (insertsHere || deletesHere) {
                 writer_.addRange(*current, copied, row);
@@ -136,13 +143,10 @@ class TableFolding {
 
     /// Writes the inserted records before `bound` (0 is no bound).
     void insertBefore(RecordCounter bound) {
-        for (; nextInsert_ != inserts_.cend() && (bound == 0 || *nextInsert_ < bound);
-             ++nextInsert_) {
-            const Row& row = changes_.insertedRow(*nextInsert_);
-            const auto read = [&](PropertyIndex property) { return viewOf(row[property]); };
-            writer_.add(*nextInsert_, read);
-            noteKeys(added_, *nextInsert_, read);
-        }
+        nextInsert_ =
+            changes_.forEachRun(nextInsert_, bound, [&](std::size_t first, std::size_t last) {
+                writer_.addDrafts(inserts_, changes_.drafts(), first, last, added_);
+            });
     }
 
     void noteRemoved(const TableLeaf& leaf, std::size_t row) {
@@ -151,8 +155,7 @@ class TableFolding {
     }
 
     template <class Read>
-    void noteKeys(std::vector<std::vector<SortedIndex::Entry>>& entries, RecordCounter record,
-                  Read read) {
+    void noteKeys(IndexEntries& entries, RecordCounter record, Read read) {
         for (std::size_t i = 0; i < entity_.indexes.size(); ++i) {
             if (const auto key = IndexKeys::ofRecord(entity_.indexes[i], read)) {
                 entries[i].push_back({*key, record});
@@ -188,15 +191,16 @@ class TableFolding {
     const NSEntityDescription& entity_;
     const TableVersion& base_;
     const EntityChanges& changes_;
-    const std::vector<RecordCounter> inserts_;
+    const std::span<const RecordCounter> inserts_;
     const std::vector<RecordCounter> updates_;
     const std::vector<RecordCounter> deletes_;
-    Position nextInsert_ = inserts_.cbegin();
+    /// A row of the inserts.
+    std::size_t nextInsert_ = 0;
     Position nextUpdate_ = updates_.cbegin();
     Position nextDelete_ = deletes_.cbegin();
     TableWriter writer_;
-    std::vector<std::vector<SortedIndex::Entry>> removed_;
-    std::vector<std::vector<SortedIndex::Entry>> added_;
+    IndexEntries removed_;
+    IndexEntries added_;
 };
 
 }  // namespace

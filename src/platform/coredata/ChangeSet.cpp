@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/coredata/IndexKeys.h"
+#include "platform/foundation/Precondition.h"
 
 namespace tavrion {
 namespace {
@@ -30,97 +31,135 @@ Field* findIn(RowUpdate& update, PropertyIndex property) {
 
 }  // namespace
 
-void EntityChanges::insert(const NSEntityDescription& entity, RecordCounter record) {
-    Row row;
-    row.reserve(entity.properties.size());
-    for (const NSPropertyDescription& property : entity.properties) {
-        row.push_back(fieldOf(unsetView(property.type)));
+std::optional<std::size_t> EntityChanges::rowOf(RecordCounter record) const {
+    if (inserted_.empty() || record < inserted_.front() || record > inserted_.back()) {
+        return std::nullopt;
     }
-    insertedRow_.emplace(record, static_cast<std::uint32_t>(rows_.size()));
-    rows_.push_back(std::move(row));
+    // Mostly one context inserts at a time, and a record stands at its distance from the first.
+    std::size_t row = record - inserted_.front();
+    if (row >= inserted_.size() || inserted_[row] != record) {
+        const auto found = std::lower_bound(inserted_.begin(), inserted_.end(), record);
+        if (*found != record) {
+            return std::nullopt;
+        }
+        row = static_cast<std::size_t>(found - inserted_.begin());
+    }
+    return wasRemoved(row) ? std::nullopt : std::optional(row);
+}
+
+void EntityChanges::insert(const NSEntityDescription& entity, RecordCounter record,
+                           std::span<const PropertyValue> values) {
+    precondition(inserted_.empty() || record > inserted_.back(),
+                 "records are inserted in the order of their identifiers");
+    if (drafts_.empty()) {
+        for (const NSPropertyDescription& property : entity.properties) {
+            drafts_.emplace_back(property.type);
+        }
+    }
+    inserted_.push_back(record);
+    if (removedCount_ > 0) {
+        removed_.push_back(false);
+    }
+    for (DraftColumn& draft : drafts_) {
+        draft.addRow();
+    }
+    for (const auto& [property, value] : values) {
+        drafts_[property].set(inserted_.size() - 1, value);
+    }
 }
 
 void EntityChanges::set(const NSEntityDescription& entity, RecordCounter record,
-                        PropertyIndex property, Field field) {
-    if (const auto inserted = insertedRow_.find(record); inserted != insertedRow_.end()) {
-        rows_[inserted->second][property] = std::move(field);
-        noteKeys(entity, record, property);
+                        PropertyIndex property, const FieldView& field) {
+    if (const auto row = rowOf(record)) {
+        drafts_[property].set(*row, field);
+        noteKeys(entity, record, property, field);
         return;
     }
     RowUpdate& update = updates_[record];
     if (Field* existing = findIn(update, property)) {
-        *existing = std::move(field);
+        *existing = fieldOf(field);
     } else {
-        update.emplace_back(property, std::move(field));
+        update.emplace_back(property, fieldOf(field));
     }
-    noteKeys(entity, record, property);
+    noteKeys(entity, record, property, field);
+}
+
+std::optional<std::uint64_t> EntityChanges::keyOfRow(const NSIndexDescription& index,
+                                                     std::size_t row) const {
+    return IndexKeys::ofRecord(index,
+                               [&](PropertyIndex property) { return drafts_[property].at(row); });
 }
 
 void EntityChanges::noteKeys(const NSEntityDescription& entity, RecordCounter record,
-                             PropertyIndex changed) {
+                             PropertyIndex changed, const FieldView& field) {
     keys_.resize(entity.indexes.size());
+    const std::optional<std::size_t> row = rowOf(record);
     for (std::size_t i = 0; i < entity.indexes.size(); ++i) {
         const NSIndexDescription& index = entity.indexes[i];
         if (std::find(index.properties.begin(), index.properties.end(), changed) ==
-            index.properties.end()) {
+                index.properties.end() ||
+            (row && *row >= keys_[i].knownRows)) {
             continue;
         }
-        if (index.properties.size() > 1 && !isInserted(record)) {
+        if (index.properties.size() > 1 && !row) {
             // The other properties of the key lie below; such a record is a candidate for every key
             // (see candidates()).
-            keys_[i].emplace(0, record);
+            keys_[i].table.add(0, record);
             continue;
         }
-        const auto key = IndexKeys::ofRecord(index, [&](PropertyIndex property) {
-            const Field* field = find(record, property);
-            return field != nullptr ? viewOf(*field) : FieldView();
-        });
+        const auto key = row ? keyOfRow(index, *row) : IndexKeys::ofField(field);
         if (key) {
-            keys_[i].emplace(*key, record);
+            keys_[i].table.add(*key, record);
         }
     }
 }
 
 void EntityChanges::remove(RecordCounter record) {
     updates_.erase(record);
-    if (const auto inserted = insertedRow_.find(record); inserted != insertedRow_.end()) {
-        rows_[inserted->second].clear();
-        insertedRow_.erase(inserted);
+    if (const auto row = rowOf(record)) {
+        removed_.resize(inserted_.size(), false);
+        removed_[*row] = true;
+        ++removedCount_;
         return;
     }
     deletes_.insert(record);
 }
 
-const Field* EntityChanges::find(RecordCounter record, PropertyIndex property) const {
-    if (const auto inserted = insertedRow_.find(record); inserted != insertedRow_.end()) {
-        return &rows_[inserted->second][property];
+EntityChanges::RecordChanges EntityChanges::changesOf(RecordCounter record) const {
+    RecordChanges changes;
+    changes.insertedRow = rowOf(record);
+    if (changes.insertedRow) {
+        return changes;
     }
-    if (const auto update = updates_.find(record); update != updates_.end()) {
-        for (const auto& [changed, field] : update->second) {
-            if (changed == property) {
-                return &field;
-            }
-        }
+    if (!updates_.empty()) {
+        const auto update = updates_.find(record);
+        changes.update = update != updates_.end() ? &update->second : nullptr;
     }
-    return nullptr;
+    changes.isDeleted = isDeleted(record);
+    return changes;
 }
 
-void EntityChanges::candidates(std::size_t index, std::uint64_t key,
-                               std::vector<RecordCounter>& found) const {
-    if (index >= keys_.size()) {
-        return;
+void EntityChanges::candidates(const NSEntityDescription& entity, std::size_t index,
+                               std::uint64_t key, std::vector<RecordCounter>& found) {
+    keys_.resize(entity.indexes.size());
+    IndexKeyTable& keys = keys_[index];
+    for (; keys.knownRows < inserted_.size(); ++keys.knownRows) {
+        if (const auto own = keyOfRow(entity.indexes[index], keys.knownRows)) {
+            keys.table.add(*own, inserted_[keys.knownRows]);
+        }
     }
-    const auto [first, last] = keys_[index].equal_range(key);
-    for (auto entry = first; entry != last; ++entry) {
-        found.push_back(entry->second);
-    }
-    if (key != 0) {
-        candidates(index, 0, found);
+    const auto add = [&](RecordCounter record) { found.push_back(record); };
+    keys.table.forEachEqual(key, add);
+    if (key != 0 && !updates_.empty()) {
+        keys.table.forEachEqual(0, add);
     }
 }
 
 std::vector<RecordCounter> EntityChanges::insertedRecords() const {
-    return sortedKeys(insertedRow_);
+    std::vector<RecordCounter> records;
+    records.reserve(insertedCount());
+    forEachInserted([&](RecordCounter record, std::size_t) { records.push_back(record); });
+    return records;
 }
 std::vector<RecordCounter> EntityChanges::updatedRecords() const {
     return sortedKeys(updates_);

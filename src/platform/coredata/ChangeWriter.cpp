@@ -7,7 +7,8 @@
 namespace tavrion {
 namespace {
 
-void bind(SQLiteStatement& statement, int parameter, const Field& field, NSAttributeType type) {
+void bindField(SQLiteStatement& statement, int parameter, const FieldView& field,
+               NSAttributeType type) {
     std::visit(
         [&](const auto& value) {
             using T = std::decay_t<decltype(value)>;
@@ -24,9 +25,9 @@ void bind(SQLiteStatement& statement, int parameter, const Field& field, NSAttri
             } else if constexpr (std::is_same_v<T, Link>) {
                 statement.bindInteger(parameter, value.counter);
             } else if (type == NSAttributeType::binaryData) {
-                statement.bindBlob(parameter, value);
+                statement.bindBlobInPlace(parameter, value);
             } else {
-                statement.bindText(parameter, value);
+                statement.bindTextInPlace(parameter, value);
             }
         },
         field);
@@ -63,8 +64,7 @@ Result<SQLiteStatement*> ChangeWriter::statement(const std::string& sql) {
 
 Result<void> ChangeWriter::writeInserts(const NSEntityDescription& entity,
                                         const EntityChanges& changes) {
-    const std::vector<RecordCounter> records = changes.insertedRecords();
-    if (records.empty()) {
+    if (changes.insertedCount() == 0) {
         return {};
     }
     std::string columns = "id";
@@ -78,17 +78,20 @@ Result<void> ChangeWriter::writeInserts(const NSEntityDescription& entity,
     if (!insert) {
         return insert.error();
     }
-    for (const RecordCounter record : records) {
-        const Row& row = changes.insertedRow(record);
+    Result<void> written;
+    changes.forEachInserted([&](RecordCounter record, std::size_t row) {
+        if (!written) {
+            return;
+        }
         insert.value()->bindInteger(1, record);
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            bind(*insert.value(), static_cast<int>(i) + 2, row[i], entity.properties[i].type);
+        for (std::size_t i = 0; i < entity.properties.size(); ++i) {
+            bindField(*insert.value(), static_cast<int>(i) + 2,
+                      changes.insertedField(row, static_cast<PropertyIndex>(i)),
+                      entity.properties[i].type);
         }
-        if (auto inserted = insert.value()->run(); !inserted) {
-            return inserted;
-        }
-    }
-    return {};
+        written = insert.value()->run();
+    });
+    return written;
 }
 
 Result<void> ChangeWriter::writeUpdates(const NSEntityDescription& entity,
@@ -106,8 +109,8 @@ Result<void> ChangeWriter::writeUpdates(const NSEntityDescription& entity,
         }
         change.value()->bindInteger(1, record);
         for (std::size_t i = 0; i < update.size(); ++i) {
-            bind(*change.value(), static_cast<int>(i) + 2, update[i].second,
-                 entity.properties[update[i].first].type);
+            bindField(*change.value(), static_cast<int>(i) + 2, viewOf(update[i].second),
+                      entity.properties[update[i].first].type);
         }
         if (auto changed = change.value()->run(); !changed) {
             return changed;

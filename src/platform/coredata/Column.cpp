@@ -1,6 +1,9 @@
 #include "platform/coredata/Column.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 namespace tavrion {
@@ -74,7 +77,7 @@ FieldView Column::at(std::size_t row) const {
         case NSAttributeType::string:
         case NSAttributeType::binaryData: {
             const Texts& texts = std::get<Texts>(values_);
-            return texts.absent[row] ? FieldView() : textAt(texts, row);
+            return texts.absent[row] != 0 ? FieldView() : textAt(texts, row);
         }
     }
     return {};
@@ -125,16 +128,42 @@ void Column::append(const FieldView& field) {
         }
         case NSAttributeType::string:
         case NSAttributeType::binaryData: {
-            auto& texts = std::get<Texts>(values_);
             const std::string_view* value = alternative<std::string_view>(field);
-            if (value != nullptr) {
-                texts.bytes.append(*value);
-            }
-            texts.ends.push_back(static_cast<std::uint32_t>(texts.bytes.size()));
-            texts.absent.push_back(value == nullptr);
+            appendText(value != nullptr ? std::optional(*value) : std::nullopt);
             break;
         }
     }
+}
+
+void Column::appendText(const std::optional<std::string_view>& value) {
+    auto& texts = std::get<Texts>(values_);
+    if (value) {
+        texts.bytes.append(*value);
+    }
+    texts.ends.push_back(static_cast<std::uint32_t>(texts.bytes.size()));
+    texts.absent.push_back(value ? 0 : 1);
+}
+
+void Column::appendDrafts(const DraftColumn& drafts, std::size_t first, std::size_t last) {
+    const std::span<const std::uint64_t> cells = drafts.cells().subspan(first, last - first);
+    std::visit(
+        [&](auto& values) {
+            using Values = std::decay_t<decltype(values)>;
+            if constexpr (std::is_same_v<Values, Texts>) {
+                for (const std::uint64_t cell : cells) {
+                    appendText(drafts.textOf(cell));
+                }
+            } else if constexpr (std::is_same_v<Values, std::vector<double>>) {
+                std::transform(cells.begin(), cells.end(), std::back_inserter(values),
+                               [](std::uint64_t cell) { return std::bit_cast<double>(cell); });
+            } else {
+                std::transform(cells.begin(), cells.end(), std::back_inserter(values),
+                               [](std::uint64_t cell) {
+                                   return static_cast<typename Values::value_type>(cell);
+                               });
+            }
+        },
+        values_);
 }
 
 void Column::appendRange(const Column& other, std::size_t first, std::size_t last) {

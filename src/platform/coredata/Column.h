@@ -6,12 +6,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "platform/coredata/Field.h"
+#include "platform/coredata/DraftColumn.h"
 
 namespace tavrion {
 
@@ -26,6 +27,21 @@ class Column {
     void reserve(std::size_t rows);
     /// A field of another type than the column's, or an absent one, is stored as never set.
     void append(const FieldView& field);
+    /// By the column's type, for whoever knows it. A real is also a date, not a number where it is
+    /// absent; a reference to 0 is an absent one.
+    void appendBoolean(bool value) {
+        std::get<std::vector<std::uint8_t>>(values_).push_back(value ? 1 : 0);
+    }
+    void appendInteger(std::int64_t value) {
+        std::get<std::vector<std::int64_t>>(values_).push_back(value);
+    }
+    void appendReal(double value) { std::get<std::vector<double>>(values_).push_back(value); }
+    void appendReference(RecordCounter value) {
+        std::get<std::vector<RecordCounter>>(values_).push_back(value);
+    }
+    void appendText(const std::optional<std::string_view>& value);
+    /// The rows of a draft of the same type from `first` to before `last`.
+    void appendDrafts(const DraftColumn& drafts, std::size_t first, std::size_t last);
     /// Appends the rows from `first` to before `last` of a column of the same type.
     void appendRange(const Column& other, std::size_t first, std::size_t last);
 
@@ -43,7 +59,7 @@ class Column {
   private:
     struct Texts {
         std::vector<std::uint32_t> ends;
-        std::vector<bool> absent;
+        std::vector<std::uint8_t> absent;
         std::string bytes;
     };
     std::string_view textAt(const Texts& texts, std::size_t row) const;

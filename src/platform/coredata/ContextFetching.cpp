@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/coredata/NSManagedObjectContext.h"
+#include "platform/foundation/Precondition.h"
 
 namespace tavrion {
 namespace {
@@ -71,17 +72,58 @@ std::vector<RecordCounter> NSManagedObjectContext::matchesOfPoints(const FetchPl
     for (const FetchPlan::Point& point : *plan.points()) {
         table.indexes()[point.index]->forEachEqual(
             point.key, [&](RecordCounter record) { candidates.push_back(record); });
-        open_.entity(entity).candidates(point.index, point.key, candidates);
+        open_.entity(entity).candidates(model().entity(entity), point.index, point.key, candidates);
     }
     std::sort(candidates.begin(), candidates.end());
     candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
     const ChangedView records = view();
-    std::erase_if(candidates, [&](RecordCounter record) {
-        const NSManagedObjectID id{entity, record};
-        return !records.sees(id) ||
-               !plan.matches([&](PropertyIndex property) { return records.field(id, property); });
+    std::erase_if(candidates, [&](RecordCounter candidate) {
+        const auto record = records.record({entity, candidate});
+        return !record ||
+               !plan.matches([&](PropertyIndex property) { return record->at(property); });
     });
     return candidates;
+}
+
+std::vector<RecordCounter> NSManagedObjectContext::recordsWhere(
+    EntityIndex entity, std::span<const PropertyValue> conditions) {
+    queue_->assertCurrent();
+    refresh();
+    const NSEntityDescription& description = model().entity(entity);
+    const auto wanted = [&](PropertyIndex property) {
+        return std::find_if(conditions.begin(), conditions.end(),
+                            [&](const PropertyValue& each) { return each.property == property; });
+    };
+    const auto index =
+        std::find_if(description.indexes.begin(), description.indexes.end(), [&](const auto& each) {
+            return std::all_of(each.properties.begin(), each.properties.end(),
+                               [&](PropertyIndex p) { return wanted(p) != conditions.end(); });
+        });
+    precondition(index != description.indexes.end(), "a look-up goes through an index");
+    const auto number = static_cast<std::size_t>(index - description.indexes.begin());
+    const std::optional<std::uint64_t> key = IndexKeys::ofRecord(
+        *index, [&](PropertyIndex property) { return wanted(property)->value; });
+    std::vector<RecordCounter> found;
+    if (!key) {
+        return found;
+    }
+    MutexLock lock(mutex_);
+    settled_->table(entity).indexes()[number]->forEachEqual(
+        *key, [&](RecordCounter record) { found.push_back(record); });
+    open_.entity(entity).candidates(description, number, *key, found);
+    if (found.size() > 1) {
+        std::sort(found.begin(), found.end());
+        found.erase(std::unique(found.begin(), found.end()), found.end());
+    }
+    const ChangedView records = view();
+    std::erase_if(found, [&](RecordCounter candidate) {
+        const auto record = records.record({entity, candidate});
+        return !record ||
+               !std::all_of(conditions.begin(), conditions.end(), [&](const PropertyValue& each) {
+                   return record->at(each.property) == each.value;
+               });
+    });
+    return found;
 }
 
 std::vector<RecordCounter> NSManagedObjectContext::matches(const FetchPlan& plan,

@@ -31,6 +31,12 @@ using FieldView =
 FieldView viewOf(const Field& field);
 Field fieldOf(const FieldView& view);
 
+/// A property with a value: to set, or to compare with; absent equals absent.
+struct PropertyValue {
+    PropertyIndex property = 0;
+    FieldView value;
+};
+
 /// Whether a property of this type, never set, reads as NO or 0 instead of absent.
 bool readsAsZero(NSAttributeType type);
 /// The view of a property that was never set.

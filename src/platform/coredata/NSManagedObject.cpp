@@ -91,15 +91,16 @@ std::vector<NSManagedObject> NSManagedObject::referringObjects(EntityIndex entit
 
 void NSManagedObject::setText(PropertyIndex property,
                               const std::optional<std::string_view>& value) {
-    context_->setField(id_, property, value ? Field(std::string(*value)) : Field());
+    context_->setField(id_, property, value ? FieldView(*value) : FieldView());
 }
 
 void NSManagedObject::setDate(PropertyIndex property, std::optional<NSDate> value) {
-    context_->setField(id_, property, value ? Field(*value) : Field());
+    context_->setField(id_, property, value ? FieldView(*value) : FieldView());
 }
 
 void NSManagedObject::setData(PropertyIndex property, std::optional<NSData> value) {
-    context_->setField(id_, property, value ? Field(std::move(value->bytes)) : Field());
+    context_->setField(id_, property,
+                       value ? FieldView(std::string_view(value->bytes)) : FieldView());
 }
 
 void NSManagedObject::setReal(PropertyIndex property, double value) {
@@ -116,18 +117,11 @@ void NSManagedObject::setBoolean(PropertyIndex property, bool value) {
 
 void NSManagedObject::setReference(PropertyIndex property,
                                    const std::optional<NSManagedObjectID>& value) {
-    context_->setField(id_, property, value ? Field(Link{value->counter}) : Field());
+    context_->setField(id_, property, value ? FieldView(Link{value->counter}) : FieldView());
 }
 
-void NSManagedObject::setTextIfDifferent(PropertyIndex property,
-                                         const std::optional<std::string_view>& value) {
-    const bool same = context_->withField(id_, property, [&](const FieldView& field) {
-        const auto* text = std::get_if<std::string_view>(&field);
-        return text != nullptr ? value == *text : !value.has_value();
-    });
-    if (!same) {
-        setText(property, value);
-    }
+void NSManagedObject::readRecord(void (*use)(void*, const ChangedRecord&), void* user) const {
+    context_->withRecord(id_, [&](const ChangedRecord& record) { use(user, record); });
 }
 
 }  // namespace tavrion

@@ -16,6 +16,7 @@
 
 namespace tavrion {
 
+class ChangedRecord;
 class NSManagedObjectContext;
 
 class NSManagedObject {
@@ -53,10 +54,18 @@ class NSManagedObject {
     void setInteger(PropertyIndex property, std::int64_t value);
     void setBoolean(PropertyIndex property, bool value);
     void setReference(PropertyIndex property, const std::optional<NSManagedObjectID>& value);
-    /// Sets the text when it differs; equal texts leave the record unchanged.
-    void setTextIfDifferent(PropertyIndex property, const std::optional<std::string_view>& value);
+
+    /// Calls `use(record)` with all properties at once; the record and its views are valid within.
+    template <class Use>
+    void readRecord(Use use) const {
+        readRecord(
+            [](void* user, const ChangedRecord& record) { (*static_cast<Use*>(user))(record); },
+            &use);
+    }
 
   private:
+    void readRecord(void (*use)(void*, const ChangedRecord&), void* user) const;
+
     NSManagedObjectContext* context_;
     NSManagedObjectID id_;
 };

@@ -1,10 +1,9 @@
 #include "platform/coredata/NSManagedObjectContext.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
 
-#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/coredata/DidSaveNotification.h"
 
 namespace tavrion {
 
@@ -52,14 +51,25 @@ NSManagedObjectContext::Version NSManagedObjectContext::parentVersion() {
     return parent_ ? parent_->snapshot() : store_->version();
 }
 
+bool NSManagedObjectContext::hasOpenChanges() const {
+    return hasOpen_.load() || (parent_ && parent_->hasOpenChanges());
+}
+
 void NSManagedObjectContext::refresh() {
+    const std::uint64_t publications = StoreVersion::publications();
+    if (publications == refreshedAt_.load() && (!parent_ || !parent_->hasOpenChanges())) {
+        return;
+    }
     // Asked for before the own lock is taken: a context never holds its lock while it asks another
     // one.
     Version newer = parentVersion();
-    MutexLock lock(mutex_);
-    if (newer->sequence() > basis_->sequence()) {
-        settle(std::move(newer));
+    {
+        MutexLock lock(mutex_);
+        if (newer->sequence() > basis_->sequence()) {
+            settle(std::move(newer));
+        }
     }
+    refreshedAt_ = publications;
 }
 
 void NSManagedObjectContext::settle(Version basis) {
@@ -68,6 +78,7 @@ void NSManagedObjectContext::settle(Version basis) {
     for (const auto& commit : commits_) {
         settled_ = folded(store_->model(), *settled_, *commit);
     }
+    StoreVersion::notePublication();
 }
 
 void NSManagedObjectContext::seal() {
@@ -78,6 +89,8 @@ void NSManagedObjectContext::seal() {
         std::make_shared<const ChangeSet>(std::exchange(open_, ChangeSet(store_->model())));
     settled_ = folded(store_->model(), *settled_, *commit);
     commits_.push_back(std::move(commit));
+    hasOpen_ = false;
+    StoreVersion::notePublication();
 }
 
 std::shared_ptr<const StoreVersion> NSManagedObjectContext::snapshot() {
@@ -98,25 +111,31 @@ void NSManagedObjectContext::rollback() {
     open_ = ChangeSet(store_->model());
     commits_.clear();
     settled_ = basis_;
+    hasOpen_ = false;
+    StoreVersion::notePublication();
 }
 
 // Saving
 
 NSManagedObjectContext::Version NSManagedObjectContext::receive(
-    const NSPersistentStore::Commits& commits) {
+    const NSPersistentStore::Commits& commits, const Version& basis, const Version& settled) {
     MutexLock oneAtATime(receiveMutex_);
     for (;;) {
         const Version before = snapshot();
         // The work is done outside the lock that this context's own queue needs; in the end only
-        // pointers change hands.
-        Version after = before;
-        for (const auto& commit : commits) {
-            after = folded(store_->model(), *after, *commit);
+        // pointers change hands. The child has done it already if nothing has changed here since it
+        // looked.
+        Version after = before == basis ? settled : before;
+        if (before != basis) {
+            for (const auto& commit : commits) {
+                after = folded(store_->model(), *after, *commit);
+            }
         }
         MutexLock lock(mutex_);
         if (settled_ == before && open_.empty()) {
             commits_.insert(commits_.end(), commits.begin(), commits.end());
             settled_ = after;
+            StoreVersion::notePublication();
             return after;
         }
     }
@@ -138,18 +157,22 @@ Result<void> NSManagedObjectContext::save() {
         if (!written) {
             return written.error();
         }
-        postDidSave(written.value());
+        DidSaveNotification(written.value(), this).post();
         return {};
     }
     NSPersistentStore::Commits commits;
+    Version basis;
+    Version settled;
     {
         MutexLock lock(mutex_);
         seal();
         commits = commits_;
+        basis = basis_;
+        settled = settled_;
     }
     if (!commits.empty()) {
-        settleWithout(commits, parent_->receive(commits));
-        postDidSave(commits);
+        settleWithout(commits, parent_->receive(commits, basis, settled));
+        DidSaveNotification(commits, this).post();
     }
     return {};
 }
@@ -181,64 +204,33 @@ void NSManagedObjectContext::saveInBackground(DispatchQueue& writer,
                                               std::function<void(Result<void>)> done) {
     queue_->assertCurrent();
     writer.async([self = shared_from_this(), done = std::move(done)]() mutable {
-        auto written = self->saveToStore();
+        const auto written = self->saveToStore();
         NSManagedObjectContext& context = *self;
-        context.queue_->async(
-            [self = std::move(self), done = std::move(done), written = std::move(written)] {
-                if (written) {
-                    self->postDidSave(written.value());
-                }
-                done(written ? Result<void>() : Result<void>(written.error()));
-            });
+        // Put together here, so that the context's own queue only posts it.
+        std::optional<DidSaveNotification> notification;
+        if (written) {
+            notification.emplace(written.value(), self.get());
+        }
+        context.queue_->async([self = std::move(self), done = std::move(done),
+                               result = written ? Result<void>() : Result<void>(written.error()),
+                               notification = std::move(notification)] {
+            if (notification) {
+                notification->post();
+            }
+            done(result);
+        });
     });
-}
-
-void NSManagedObjectContext::postDidSave(const NSPersistentStore::Commits& commits) {
-    std::set<NSManagedObjectID> inserted;
-    std::set<NSManagedObjectID> updated;
-    std::set<NSManagedObjectID> deleted;
-    for (const auto& commit : commits) {
-        for (std::size_t i = 0; i < commit->entityCount(); ++i) {
-            const auto entity = static_cast<EntityIndex>(i);
-            const EntityChanges& changes = commit->entity(entity);
-            for (const RecordCounter record : changes.insertedRecords()) {
-                inserted.insert(inserted.end(), NSManagedObjectID{entity, record});
-            }
-            for (const RecordCounter record : changes.updatedRecords()) {
-                updated.insert(updated.end(), NSManagedObjectID{entity, record});
-            }
-            for (const RecordCounter record : changes.deletedRecords()) {
-                const NSManagedObjectID id{entity, record};
-                updated.erase(id);
-                if (inserted.erase(id) == 0) {
-                    deleted.insert(deleted.end(), id);
-                }
-            }
-        }
-    }
-    std::erase_if(updated, [&](NSManagedObjectID id) { return inserted.contains(id); });
-    NSNotification notification{NSManagedObjectContextDidSaveObjectIDsNotification, this, {}};
-    const auto tell = [&](const std::string& key, const std::set<NSManagedObjectID>& ids) {
-        if (!ids.empty()) {
-            notification.userInfo[key] = SavedObjectIDs(
-                std::make_shared<const std::vector<NSManagedObjectID>>(ids.begin(), ids.end()));
-        }
-    };
-    tell(NSInsertedObjectIDsKey, inserted);
-    tell(NSUpdatedObjectIDsKey, updated);
-    tell(NSDeletedObjectIDsKey, deleted);
-    if (!notification.userInfo.empty()) {
-        NSNotificationCenter::defaultCenter().postNotification(notification);
-    }
 }
 
 // Objects
 
-NSManagedObject NSManagedObjectContext::insertObject(EntityIndex entity) {
+NSManagedObject NSManagedObjectContext::insertObject(EntityIndex entity,
+                                                     std::span<const PropertyValue> values) {
     queue_->assertCurrent();
     const NSManagedObjectID id{entity, store_->allocate(entity)};
     MutexLock lock(mutex_);
-    open_.entity(entity).insert(model().entity(entity), id.counter);
+    open_.entity(entity).insert(model().entity(entity), id.counter, values);
+    hasOpen_ = true;
     return {*this, id};
 }
 
@@ -254,7 +246,7 @@ void NSManagedObjectContext::deleteObject(const NSManagedObject& object) {
                 const auto property = static_cast<PropertyIndex>(p);
                 for (const NSManagedObjectID referring :
                      referringIDs(static_cast<EntityIndex>(i), property, id)) {
-                    setField(referring, property, Field());
+                    setField(referring, property, FieldView());
                 }
             }
         }
@@ -262,6 +254,7 @@ void NSManagedObjectContext::deleteObject(const NSManagedObject& object) {
     MutexLock lock(mutex_);
     if (view().sees(id)) {
         open_.entity(id.entity).remove(id.counter);
+        hasOpen_ = true;
     }
 }
 
@@ -274,12 +267,13 @@ std::optional<NSManagedObject> NSManagedObjectContext::existingObjectWithID(NSMa
     return NSManagedObject(*this, id);
 }
 
-void NSManagedObjectContext::setField(NSManagedObjectID id, PropertyIndex property, Field field) {
+void NSManagedObjectContext::setField(NSManagedObjectID id, PropertyIndex property,
+                                      const FieldView& field) {
     queue_->assertCurrent();
     MutexLock lock(mutex_);
     if (view().sees(id)) {
-        open_.entity(id.entity).set(model().entity(id.entity), id.counter, property,
-                                    std::move(field));
+        open_.entity(id.entity).set(model().entity(id.entity), id.counter, property, field);
+        hasOpen_ = true;
     }
 }
 

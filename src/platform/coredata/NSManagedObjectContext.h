@@ -17,8 +17,10 @@
 // context, on the saver's queue.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -62,13 +64,19 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     DispatchQueue& queue() const { return *queue_; }
     const std::shared_ptr<NSManagedObjectContext>& parentContext() const { return parent_; }
 
-    NSManagedObject insertObject(EntityIndex entity);
+    /// A new record with these values.
+    NSManagedObject insertObject(EntityIndex entity, std::span<const PropertyValue> values = {});
     /// Objects that refer to the deleted one lose the reference. Deleting what is gone does
     /// nothing.
     void deleteObject(const NSManagedObject& object);
     /// An entity or a key that the model does not have is an error.
     Result<std::vector<NSManagedObject>> executeFetchRequest(const NSFetchRequest& request);
     Result<std::size_t> countForFetchRequest(const NSFetchRequest& request);
+    /// The records of `entity` in which all conditions hold, in identifier order. What a fetch with
+    /// an AND of equalities gives, for flows that look up every song; an index of the entity must
+    /// be over some of the properties. A single absent value is not looked up.
+    std::vector<RecordCounter> recordsWhere(EntityIndex entity,
+                                            std::span<const PropertyValue> conditions);
     /// The object if the context sees it.
     std::optional<NSManagedObject> existingObjectWithID(NSManagedObjectID id);
     bool hasChanges() const;
@@ -95,16 +103,19 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     Version parentVersion();
     /// Takes over the parent's state if it is newer.
     void refresh();
+    /// Whether some context from here upwards has changes that no version holds yet.
+    bool hasOpenChanges() const;
     /// Makes the own changes a part of settled_.
     void seal() TAVRION_REQUIRES(mutex_);
     void settle(Version basis) TAVRION_REQUIRES(mutex_);
-    /// Takes finished changes of a child; gives the state that holds them.
-    Version receive(const NSPersistentStore::Commits& commits);
+    /// Takes finished changes of a child, which are `settled` over `basis`; gives the state that
+    /// holds them.
+    Version receive(const NSPersistentStore::Commits& commits, const Version& basis,
+                    const Version& settled);
     /// Writes what is unsaved; gives what was written.
     Result<NSPersistentStore::Commits> saveToStore() TAVRION_EXCLUDES(saveMutex_);
     /// `commits` are now a part of `basis`, which lies below.
     void settleWithout(const NSPersistentStore::Commits& commits, Version basis);
-    void postDidSave(const NSPersistentStore::Commits& commits);
 
     Result<std::vector<NSManagedObjectID>> fetchIDs(const NSFetchRequest& request);
     std::vector<RecordCounter> matches(const FetchPlan& plan, EntityIndex entity);
@@ -117,22 +128,27 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     std::vector<NSManagedObjectID> referringIDs(EntityIndex entity, PropertyIndex property,
                                                 NSManagedObjectID target);
 
-    /// Calls `use` with the field while it is valid.
+    /// Calls `use` with the record while it is valid.
     template <class Use>
-    auto withField(NSManagedObjectID id, PropertyIndex property, Use use) const {
+    auto withRecord(NSManagedObjectID id, Use use) const {
         queue_->assertCurrent();
         {
             MutexLock lock(mutex_);
-            if (const ChangedView records = view(); records.sees(id)) {
-                return use(records.field(id, property));
+            if (const std::optional<ChangedRecord> record = view().record(id)) {
+                return use(*record);
             }
         }
         const Version removed = store_->versionBeforeRemoval(id);
-        return use(removed ? removed->find(id)->at(property)
-                           : unsetView(model().entity(id.entity).properties[property].type));
+        return use(
+            ChangedRecord(model().entity(id.entity), removed ? removed->find(id) : std::nullopt));
+    }
+    template <class Use>
+    auto withField(NSManagedObjectID id, PropertyIndex property, Use use) const {
+        return withRecord(id,
+                          [&](const ChangedRecord& record) { return use(record.at(property)); });
     }
     ChangedView view() const TAVRION_REQUIRES(mutex_) { return {model(), *settled_, open_}; }
-    void setField(NSManagedObjectID id, PropertyIndex property, Field field);
+    void setField(NSManagedObjectID id, PropertyIndex property, const FieldView& field);
 
     const std::shared_ptr<NSPersistentStore> store_;
     const std::shared_ptr<NSManagedObjectContext> parent_;
@@ -150,6 +166,10 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     Version settled_ TAVRION_GUARDED_BY(mutex_);
     /// Own changes over settled_.
     ChangeSet open_ TAVRION_GUARDED_BY(mutex_);
+    /// Whether there may be some in open_.
+    std::atomic<bool> hasOpen_{false};
+    /// StoreVersion::publications() when the parent was asked last.
+    std::atomic<std::uint64_t> refreshedAt_{0};
 };
 
 }  // namespace tavrion

@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <utility>
 
 #include "platform/coredata/ChangeWriter.h"
-#include "platform/coredata/IndexKeys.h"
 #include "platform/coredata/StoreCheck.h"
 #include "platform/coredata/StoreFile.h"
 
@@ -32,31 +32,39 @@ bool isCounter(std::int64_t number) {
     return number > 0 && number < std::numeric_limits<RecordCounter>::max();
 }
 
-FieldView columnField(const SQLiteStatement& row, int column, NSAttributeType type) {
-    if (row.isNull(column)) {
-        return unsetView(type);
-    }
-    switch (type) {
+/// Takes over one value of a row. SQLite reads NULL as 0 and as no text, which is what an unset
+/// number, reference and text are.
+void appendValue(Column& column, const SQLiteStatement& row, int place) {
+    switch (column.type()) {
         case NSAttributeType::boolean:
-            return row.integer(column) != 0;
+            column.appendBoolean(row.integer(place) != 0);
+            break;
         case NSAttributeType::integer:
-            return row.integer(column);
+            column.appendInteger(row.integer(place));
+            break;
         case NSAttributeType::real:
-            return row.real(column);
-        case NSAttributeType::date:
-            return NSDate::dateWithTimeIntervalSinceReferenceDate(row.real(column));
+            column.appendReal(row.real(place));
+            break;
+        case NSAttributeType::date: {
+            const double seconds = row.real(place);
+            column.appendReal(seconds == 0 && row.isNull(place)
+                                  ? std::numeric_limits<double>::quiet_NaN()
+                                  : seconds);
+            break;
+        }
         case NSAttributeType::string:
-            return row.text(column);
+            column.appendText(row.optionalText(place));
+            break;
         case NSAttributeType::binaryData:
-            return row.blob(column);
+            column.appendText(row.isNull(place) ? std::nullopt : std::optional(row.blob(place)));
+            break;
         case NSAttributeType::reference: {
             // Cut to a counter's width, what can't be a counter would point to some other record.
-            const std::int64_t target = row.integer(column);
-            return isCounter(target) ? FieldView(Link{static_cast<RecordCounter>(target)})
-                                     : FieldView();
+            const std::int64_t target = row.integer(place);
+            column.appendReference(isCounter(target) ? static_cast<RecordCounter>(target) : 0);
+            break;
         }
     }
-    return {};
 }
 
 }  // namespace
@@ -165,7 +173,6 @@ Result<void> NSPersistentStore::loadEntity(
         return counter ? rows.error() : counter.error();
     }
     TableWriter writer(entity);
-    std::vector<std::vector<SortedIndex::Entry>> keys(entity.indexes.size());
     SQLiteStatement& row = rows.value();
     RecordCounter last = 0;
     for (;;) {
@@ -182,17 +189,20 @@ Result<void> NSPersistentStore::loadEntity(
                 fmt::format("table {} has a record with the identifier {}", entity.name, id), {}};
         }
         last = static_cast<RecordCounter>(id);
-        const auto read = [&](PropertyIndex property) {
-            return columnField(row, property + 1, entity.properties[property].type);
-        };
-        writer.add(last, read);
-        for (std::size_t i = 0; i < keys.size(); ++i) {
-            if (const auto key = IndexKeys::ofRecord(entity.indexes[i], read)) {
-                keys[i].push_back({*key, last});
-            }
+        int place = 0;
+        for (const std::shared_ptr<Column>& column : writer.beginRow(last)) {
+            appendValue(*column, row, ++place);
         }
+        writer.endRow();
     }
     auto table = std::make_shared<TableVersion>(writer.finish());
+    IndexEntries keys(entity.indexes.size());
+    for (std::vector<SortedIndex::Entry>& entries : keys) {
+        entries.reserve(table->size());
+    }
+    for (const auto& leaf : table->leaves()) {
+        collectKeys(entity, *leaf, keys);
+    }
     std::vector<std::shared_ptr<const SortedIndex>> indexes;
     indexes.reserve(keys.size());
     for (std::vector<SortedIndex::Entry>& entries : keys) {
@@ -233,6 +243,7 @@ Result<void> NSPersistentStore::write(
     MutexLock versionLock(versionMutex_);
     version_ = saved;
     adopt(saved);
+    StoreVersion::notePublication();
     return {};
 }
 
@@ -303,6 +314,7 @@ Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
     if (removed_.size() > keptVersions) {
         removed_.erase(removed_.begin());
     }
+    StoreVersion::notePublication();
     return {};
 }
 

@@ -1,7 +1,9 @@
 #include "platform/coredata/SortedIndex.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
+#include <utility>
 
 namespace tavrion {
 namespace {
@@ -11,6 +13,50 @@ constexpr std::size_t filledLeaf = 1536;
 constexpr std::size_t largestLeaf = 2048;
 /// A rebuilt leaf below this goes together with the one after it.
 constexpr std::size_t smallLeaf = 256;
+/// From here on counting digits is quicker than comparing.
+constexpr std::size_t worthCounting = 4096;
+
+/// By key, digit by digit; entries of one key keep their order.
+void sortByKeyDigits(std::vector<SortedIndex::Entry>& entries) {
+    constexpr unsigned digitBits = 11;
+    constexpr std::size_t digits = std::size_t{1} << digitBits;
+    constexpr unsigned passes = (64 + digitBits - 1) / digitBits;
+    std::vector<std::array<std::uint32_t, digits>> counts(passes);
+    for (const SortedIndex::Entry& entry : entries) {
+        for (unsigned pass = 0; pass < passes; ++pass) {
+            ++counts[pass][(entry.key >> (pass * digitBits)) & (digits - 1)];
+        }
+    }
+    std::vector<SortedIndex::Entry> sorted(entries.size());
+    for (unsigned pass = 0; pass < passes; ++pass) {
+        std::array<std::uint32_t, digits>& places = counts[pass];
+        const std::size_t first = (entries.front().key >> (pass * digitBits)) & (digits - 1);
+        if (places[first] == entries.size()) {
+            continue;
+        }
+        std::uint32_t place = 0;
+        for (std::uint32_t& count : places) {
+            place += std::exchange(count, place);
+        }
+        for (const SortedIndex::Entry& entry : entries) {
+            sorted[places[(entry.key >> (pass * digitBits)) & (digits - 1)]++] = entry;
+        }
+        entries.swap(sorted);
+    }
+}
+
+void sortEntries(std::vector<SortedIndex::Entry>& entries) {
+    if (std::is_sorted(entries.begin(), entries.end())) {
+        return;
+    }
+    if (entries.size() >= worthCounting) {
+        sortByKeyDigits(entries);
+    }
+    // Mostly the records of one key came in order.
+    if (!std::is_sorted(entries.begin(), entries.end())) {
+        std::sort(entries.begin(), entries.end());
+    }
+}
 
 }  // namespace
 
@@ -20,20 +66,31 @@ class SortedIndex::LeafWriter {
     explicit LeafWriter(SortedIndex& index) : index_(index) {}
 
     void add(const Entry& entry) {
-        if (!open_) {
-            open_ = std::make_shared<Leaf>();
-        }
+        open();
         open_->keys.push_back(entry.key);
         open_->records.push_back(entry.record);
         if (open_->keys.size() == largestLeaf) {
             splitOpen();
         }
     }
+    void addRange(const Leaf& leaf, std::size_t first, std::size_t last) {
+        while (first < last) {
+            open();
+            const std::size_t count = std::min(last - first, largestLeaf - open_->keys.size());
+            const auto from = static_cast<std::ptrdiff_t>(first);
+            const auto to = static_cast<std::ptrdiff_t>(first + count);
+            open_->keys.insert(open_->keys.end(), leaf.keys.begin() + from, leaf.keys.begin() + to);
+            open_->records.insert(open_->records.end(), leaf.records.begin() + from,
+                                  leaf.records.begin() + to);
+            first += count;
+            if (open_->keys.size() == largestLeaf) {
+                splitOpen();
+            }
+        }
+    }
     void share(const std::shared_ptr<const Leaf>& leaf) {
         if (open_ && open_->keys.size() < smallLeaf) {
-            for (std::size_t row = 0; row < leaf->keys.size(); ++row) {
-                add(leaf->at(row));
-            }
+            addRange(*leaf, 0, leaf->keys.size());
             return;
         }
         close();
@@ -47,9 +104,18 @@ class SortedIndex::LeafWriter {
     }
 
   private:
+    void open() {
+        if (!open_) {
+            open_ = std::make_shared<Leaf>();
+            open_->keys.reserve(largestLeaf);
+            open_->records.reserve(largestLeaf);
+        }
+    }
     /// Keeps the last part open, so that the next leaf is not a sliver.
     void splitOpen() {
         auto rest = std::make_shared<Leaf>();
+        rest->keys.reserve(largestLeaf);
+        rest->records.reserve(largestLeaf);
         const auto cut = static_cast<std::ptrdiff_t>(filledLeaf);
         rest->keys.assign(open_->keys.begin() + cut, open_->keys.end());
         rest->records.assign(open_->records.begin() + cut, open_->records.end());
@@ -69,9 +135,7 @@ class SortedIndex::LeafWriter {
 };
 
 std::shared_ptr<const SortedIndex> SortedIndex::build(std::vector<Entry> entries) {
-    if (!std::is_sorted(entries.begin(), entries.end())) {
-        std::sort(entries.begin(), entries.end());
-    }
+    sortEntries(entries);
     auto index = std::make_shared<SortedIndex>();
     LeafWriter writer(*index);
     for (const Entry& entry : entries) {
@@ -83,8 +147,8 @@ std::shared_ptr<const SortedIndex> SortedIndex::build(std::vector<Entry> entries
 
 std::shared_ptr<const SortedIndex> SortedIndex::changed(std::vector<Entry> removed,
                                                         std::vector<Entry> added) const {
-    std::sort(removed.begin(), removed.end());
-    std::sort(added.begin(), added.end());
+    sortEntries(removed);
+    sortEntries(added);
     auto next = std::make_shared<SortedIndex>();
     next->leaves_.reserve(leaves_.size() + 1);
     next->firsts_.reserve(leaves_.size() + 1);
@@ -104,24 +168,24 @@ std::shared_ptr<const SortedIndex> SortedIndex::changed(std::vector<Entry> remov
             writer.share(leaves_[i]);
             continue;
         }
-        for (std::size_t row = 0; row < leaf.keys.size(); ++row) {
-            const Entry entry = leaf.at(row);
-            for (; add != added.end() && *add < entry; ++add) {
-                writer.add(*add);
-            }
-            while (remove != removed.end() && *remove < entry) {
+        // Runs without a change are copied whole.
+        std::size_t copied = 0;
+        while (concerns(remove, removed.end()) || concerns(add, added.end())) {
+            const bool adds =
+                concerns(add, added.end()) && (!concerns(remove, removed.end()) || *add < *remove);
+            const std::size_t place = lowerBound(leaf, adds ? *add : *remove, copied);
+            writer.addRange(leaf, copied, place);
+            copied = place;
+            if (adds) {
+                writer.add(*add++);
+            } else {
+                if (place < leaf.keys.size() && leaf.at(place) == *remove) {
+                    copied = place + 1;
+                }
                 ++remove;
             }
-            if (remove == removed.end() || *remove != entry) {
-                writer.add(entry);
-            }
         }
-        for (; concerns(add, added.end()); ++add) {
-            writer.add(*add);
-        }
-        while (concerns(remove, removed.end())) {
-            ++remove;
-        }
+        writer.addRange(leaf, copied, leaf.keys.size());
     }
     for (; add != added.end(); ++add) {
         writer.add(*add);
@@ -135,9 +199,11 @@ std::size_t SortedIndex::leafOf(const Entry& entry) const {
     return after == firsts_.begin() ? 0 : static_cast<std::size_t>(after - firsts_.begin()) - 1;
 }
 
-std::size_t SortedIndex::lowerBound(const Leaf& leaf, const Entry& entry) {
+std::size_t SortedIndex::lowerBound(const Leaf& leaf, const Entry& entry, std::size_t from) {
     auto row = static_cast<std::size_t>(
-        std::lower_bound(leaf.keys.begin(), leaf.keys.end(), entry.key) - leaf.keys.begin());
+        std::lower_bound(leaf.keys.begin() + static_cast<std::ptrdiff_t>(from), leaf.keys.end(),
+                         entry.key) -
+        leaf.keys.begin());
     while (row < leaf.keys.size() && leaf.keys[row] == entry.key &&
            leaf.records[row] < entry.record) {
         ++row;

@@ -65,7 +65,8 @@ class SortedIndex {
 
     /// The leaf in which `entry` is or would be; 0 when there is none.
     std::size_t leafOf(const Entry& entry) const;
-    static std::size_t lowerBound(const Leaf& leaf, const Entry& entry);
+    /// The first row from `from` on whose entry is not before `entry`.
+    static std::size_t lowerBound(const Leaf& leaf, const Entry& entry, std::size_t from = 0);
     /// How many entries come before `entry`.
     std::size_t rankOf(const Entry& entry) const;
 

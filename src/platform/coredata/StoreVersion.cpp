@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <utility>
+
+#include "platform/coredata/IndexKeys.h"
 
 namespace tavrion {
 namespace {
@@ -10,6 +13,12 @@ namespace {
 std::uint64_t nextSequence() {
     static std::atomic<std::uint64_t> last{0};
     return ++last;
+}
+
+/// From 1, so that 0 means that nobody has looked.
+std::atomic<std::uint64_t>& publicationCount() {
+    static std::atomic<std::uint64_t> count{1};
+    return count;
 }
 
 }  // namespace
@@ -42,6 +51,14 @@ std::optional<RowPosition> TableVersion::find(RecordCounter record) const {
 StoreVersion::StoreVersion(std::vector<std::shared_ptr<const TableVersion>> tables)
     : tables_(std::move(tables)), sequence_(nextSequence()) {}
 
+std::uint64_t StoreVersion::publications() {
+    return publicationCount().load();
+}
+
+void StoreVersion::notePublication() {
+    publicationCount().fetch_add(1);
+}
+
 std::shared_ptr<const StoreVersion> StoreVersion::empty(const NSManagedObjectModel& model) {
     std::vector<std::shared_ptr<const TableVersion>> tables;
     for (const NSEntityDescription& entity : model.entities()) {
@@ -51,6 +68,67 @@ std::shared_ptr<const StoreVersion> StoreVersion::empty(const NSManagedObjectMod
         tables.push_back(std::move(table));
     }
     return std::make_shared<const StoreVersion>(std::move(tables));
+}
+
+void collectKeys(const NSEntityDescription& entity, std::span<const RecordCounter> records,
+                 std::span<const Column* const> columns, std::size_t first, std::size_t last,
+                 IndexEntries& keys) {
+    for (std::size_t i = 0; i < entity.indexes.size(); ++i) {
+        const NSIndexDescription& index = entity.indexes[i];
+        const Column& column = *columns[index.properties.front()];
+        std::vector<SortedIndex::Entry>& entries = keys[i];
+        if (index.properties.size() == 1 && column.type() == NSAttributeType::date) {
+            const std::span<const double> dates = column.reals();
+            for (std::size_t row = first; row < last; ++row) {
+                if (!std::isnan(dates[row])) {
+                    entries.push_back({IndexKeys::ofNumber(dates[row]), records[row]});
+                }
+            }
+        } else if (index.properties.size() == 1 && column.type() == NSAttributeType::reference) {
+            const std::span<const RecordCounter> references = column.references();
+            for (std::size_t row = first; row < last; ++row) {
+                if (references[row] != 0) {
+                    entries.push_back({references[row], records[row]});
+                }
+            }
+        } else {
+            for (std::size_t row = first; row < last; ++row) {
+                const auto key = IndexKeys::ofRecord(
+                    index, [&](PropertyIndex property) { return columns[property]->at(row); });
+                if (key) {
+                    entries.push_back({*key, records[row]});
+                }
+            }
+        }
+    }
+}
+
+void collectKeys(const NSEntityDescription& entity, const TableLeaf& leaf, IndexEntries& keys) {
+    std::vector<const Column*> columns;
+    for (const auto& column : leaf.columns) {
+        columns.push_back(column.get());
+    }
+    collectKeys(entity, *leaf.records, columns, 0, leaf.size(), keys);
+}
+
+void TableWriter::addDrafts(std::span<const RecordCounter> records,
+                            std::span<const DraftColumn> drafts, std::size_t first,
+                            std::size_t last, IndexEntries& keys) {
+    while (first < last) {
+        open();
+        const std::size_t before = records_->size();
+        const std::size_t count = std::min(last - first, TableVersion::largestLeaf - before);
+        records_->insert(records_->end(), records.begin() + static_cast<std::ptrdiff_t>(first),
+                         records.begin() + static_cast<std::ptrdiff_t>(first + count));
+        std::vector<const Column*> columns;
+        for (std::size_t property = 0; property < columns_.size(); ++property) {
+            columns_[property]->appendDrafts(drafts[property], first, first + count);
+            columns.push_back(columns_[property].get());
+        }
+        collectKeys(entity_, *records_, columns, before, before + count, keys);
+        first += count;
+        closeWhenFull();
+    }
 }
 
 void TableWriter::open() {

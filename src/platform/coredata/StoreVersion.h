@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "platform/coredata/Column.h"
@@ -62,6 +63,11 @@ class StoreVersion {
     explicit StoreVersion(std::vector<std::shared_ptr<const TableVersion>> tables);
 
     std::uint64_t sequence() const { return sequence_; }
+    /// Counts how often somebody in the process began to show another version. Whoever finds the
+    /// same count as before has nothing new to look for; the count rises after the version is
+    /// there.
+    static std::uint64_t publications();
+    static void notePublication();
     const TableVersion& table(EntityIndex entity) const { return *tables_[entity]; }
     const std::vector<std::shared_ptr<const TableVersion>>& tables() const { return tables_; }
     std::optional<RowPosition> find(NSManagedObjectID id) const {
@@ -72,6 +78,17 @@ class StoreVersion {
     std::vector<std::shared_ptr<const TableVersion>> tables_;
     std::uint64_t sequence_;
 };
+
+/// For each index of an entity, entries in any order.
+using IndexEntries = std::vector<std::vector<SortedIndex::Entry>>;
+
+/// Adds the keys of the rows from `first` to before `last` of columns that stand in the order of
+/// the entity's properties.
+void collectKeys(const NSEntityDescription& entity, std::span<const RecordCounter> records,
+                 std::span<const Column* const> columns, std::size_t first, std::size_t last,
+                 IndexEntries& keys);
+/// The keys of a whole leaf.
+void collectKeys(const NSEntityDescription& entity, const TableLeaf& leaf, IndexEntries& keys);
 
 /// Cuts rows into leaves. Rows come in identifier order.
 class TableWriter {
@@ -88,6 +105,17 @@ class TableWriter {
         }
         closeWhenFull();
     }
+    /// Opens a row; the caller appends exactly one value to each column and calls endRow().
+    std::span<const std::shared_ptr<Column>> beginRow(RecordCounter record) {
+        open();
+        records_->push_back(record);
+        return columns_;
+    }
+    void endRow() { closeWhenFull(); }
+    /// Adds the drafts of rows from `first` to before `last`, whose records are `records`, and to
+    /// `keys` their keys by index.
+    void addDrafts(std::span<const RecordCounter> records, std::span<const DraftColumn> drafts,
+                   std::size_t first, std::size_t last, IndexEntries& keys);
     /// Adds rows of a leaf as they are.
     void addRange(const TableLeaf& leaf, std::size_t first, std::size_t last);
     /// Takes over a whole leaf, shared.

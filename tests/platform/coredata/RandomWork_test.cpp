@@ -1,5 +1,6 @@
 // Random work in contexts at three levels against a plain map that does the same.
 
+#include <array>
 #include <map>
 #include <random>
 
@@ -78,6 +79,15 @@ class RandomWorkTest : public CoreDataTest {
                             {titled(title), NSPredicate::comparison(
                                                 "length", NSPredicate::Operator::equal, length)})),
                 static_cast<std::size_t>(std::count_if(plain.begin(), plain.end(), matches)));
+            std::vector<RecordCounter> expected;
+            for (const auto& entry : plain) {
+                if (matches(entry)) {
+                    expected.push_back(entry.first.counter);
+                }
+            }
+            const std::array<PropertyValue, 2> conditions{
+                {{SongKey::title, std::string_view(title)}, {SongKey::length, length}}};
+            ASSERT_EQ(context.recordsWhere(TestEntity::Song, conditions), expected);
         }
     }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 #include <set>
 
@@ -18,6 +19,21 @@ std::vector<Entry> entriesOf(const SortedIndex& index, std::uint64_t low, std::u
         found.push_back({key, record});
     });
     return found;
+}
+
+TEST(SortedIndexTest, manyEntriesInAnyOrderComeOutSorted) {
+    std::mt19937_64 random(3);
+    std::set<Entry> plain;
+    std::vector<Entry> entries;
+    for (RecordCounter record = 20000; record > 0; --record) {
+        // Every third key occurs many times, with its records in falling order.
+        const std::uint64_t key = record % 3 == 0 ? random() % 5 : random();
+        entries.push_back({key, record});
+        plain.insert(entries.back());
+    }
+    const auto index = SortedIndex::build(entries);
+    EXPECT_EQ(entriesOf(*index, 0, std::numeric_limits<std::uint64_t>::max()),
+              std::vector<Entry>(plain.begin(), plain.end()));
 }
 
 TEST(SortedIndexTest, agreesWithAPlainSetThroughManyChanges) {
