@@ -1,13 +1,15 @@
 #include <algorithm>
+#include <initializer_list>
 #include <optional>
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "persistence/RVCoreDataManager.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSUUID.h"
 #include "recording/Achievement.h"
 #include "recording/PlayEvent.h"
-#include "recording/RecordPredicates.h"
 
 namespace tavrion {
 namespace {
@@ -16,18 +18,32 @@ bool isReal(const std::optional<std::string>& identifier) {
     return identifier && !NSUUID::stringIsValidUUID(*identifier);
 }
 
-NSFetchRequest twinsOf(const PlaybackHistory& history) {
-    const std::optional<std::string> title = history.title();
-    std::vector<NSPredicate> conditions{
-        RecordPredicates::titleAndDuration(title, history.duration())};
-    if (const auto identifier = history.storeID(); isReal(identifier)) {
-        conditions.push_back(RecordPredicates::storeID(*identifier));
-    }
-    if (const auto identifier = history.libraryID(); isReal(identifier)) {
-        conditions.push_back(RecordPredicates::libraryID(*identifier));
-    }
-    return PlaybackHistory::fetchRequest().where(
-        NSPredicate::orPredicateWithSubpredicates(std::move(conditions)));
+/// All records of the survivor's song, itself included, in identifier order: of its title and
+/// duration, or with one of its real identifiers.
+std::vector<RecordCounter> recordsOfSong(const PlaybackHistory& survivor,
+                                         NSManagedObjectContext& context) {
+    const std::optional<std::string> title = survivor.title();
+    const auto storeID = survivor.storeID();
+    const auto libraryID = survivor.libraryID();
+    const auto find = [&](std::initializer_list<PropertyValue> conditions) {
+        return context.recordsWhere(NerindaEntity::PlaybackHistory,
+                                    std::span(conditions.begin(), conditions.size()));
+    };
+    std::vector<RecordCounter> records =
+        find({{PlaybackHistoryKey::title, title ? FieldView(*title) : FieldView()},
+              {PlaybackHistoryKey::duration, survivor.duration()}});
+    const auto addThoseWith = [&](PropertyIndex property,
+                                  const std::optional<std::string>& identifier) {
+        if (isReal(identifier)) {
+            const std::vector<RecordCounter> more = find({{property, *identifier}});
+            records.insert(records.end(), more.begin(), more.end());
+        }
+    };
+    addThoseWith(PlaybackHistoryKey::storeID, storeID);
+    addThoseWith(PlaybackHistoryKey::libraryID, libraryID);
+    std::sort(records.begin(), records.end());
+    records.erase(std::unique(records.begin(), records.end()), records.end());
+    return records;
 }
 
 /// A real identifier replaces a generated one; a real one is never replaced.
@@ -56,16 +72,16 @@ void absorb(PlaybackHistory& survivor, const PlaybackHistory& twin,
     context.deleteObject(twin);
 }
 
-/// Whether at least two records match, the one in question included.
-bool isDoubled(NSManagedObjectContext& context, const NSFetchRequest& request) {
-    const Result<std::size_t> count = context.countForFetchRequest(request);
-    return count && count.value() > 1;
+/// Whether at least two records of the entity have that value, the one in question included.
+bool isDoubled(NSManagedObjectContext& context, EntityIndex entity, PropertyIndex property,
+               const FieldView& value) {
+    const PropertyValue equality{property, value};
+    return context.recordsWhere(entity, std::span(&equality, 1)).size() > 1;
 }
 
 void cleanUpEvent(const PlayEvent& event, NSManagedObjectContext& context) {
     const std::optional<NSDate> date = event.eventDate();
-    if (date && isDoubled(context, PlayEvent::fetchRequest().where(
-                                       RecordPredicates::eventDateEquals(*date)))) {
+    if (date && isDoubled(context, NerindaEntity::PlayEvent, PlayEventKey::eventDate, *date)) {
         NSLog("deleted duplicate play event: {}", isoTextOfDate(*date));
         context.deleteObject(event);
     }
@@ -73,8 +89,8 @@ void cleanUpEvent(const PlayEvent& event, NSManagedObjectContext& context) {
 
 void cleanUpAchievement(const Achievement& achievement, NSManagedObjectContext& context) {
     const std::optional<std::string> identifier = achievement.identifier();
-    if (identifier && isDoubled(context, Achievement::fetchRequest().where(
-                                             RecordPredicates::identifier(*identifier)))) {
+    if (identifier && isDoubled(context, NerindaEntity::Achievement, AchievementKey::identifier,
+                                std::string_view(*identifier))) {
         NSLog("deleted duplicate achievement: {}", *identifier);
         context.deleteObject(achievement);
     }
@@ -84,14 +100,14 @@ void cleanUpAchievement(const Achievement& achievement, NSManagedObjectContext& 
 
 void RVCoreDataManager::consolidateHistory(PlaybackHistory& survivor,
                                            NSManagedObjectContext& context) {
-    const Result<std::vector<NSManagedObject>> twins =
-        context.executeFetchRequest(twinsOf(survivor));
-    if (!twins || twins.value().size() == 1) {
+    const std::vector<RecordCounter> records = recordsOfSong(survivor, context);
+    if (records.size() == 1) {
         return;
     }
-    for (const NSManagedObject& twin : twins.value()) {
-        if (twin.objectID() != survivor.objectID()) {
-            absorb(survivor, PlaybackHistory(twin), context);
+    for (const RecordCounter record : records) {
+        const NSManagedObjectID id{NerindaEntity::PlaybackHistory, record};
+        if (id != survivor.objectID()) {
+            absorb(survivor, PlaybackHistory(NSManagedObject(context, id)), context);
         }
     }
 }
@@ -105,7 +121,18 @@ void RVCoreDataManager::handle_Duplication(const NSNotification& notification) {
     context->performBlock([this, context, ids = *inserted] { cleanUp(ids, *context); });
 }
 
+bool RVCoreDataManager::LastCleanUp::covers(const std::vector<NSManagedObjectID>& records,
+                                            const StoreVersion& now) const {
+    return inserted && found->tables() == now.tables() &&
+           std::includes(inserted->begin(), inserted->end(), records.begin(), records.end());
+}
+
 void RVCoreDataManager::cleanUp(const SavedObjectIDs& inserted, NSManagedObjectContext& context) {
+    const std::shared_ptr<const StoreVersion> before = context.snapshot();
+    // The main save tells of the same records again that a child's save told of.
+    if (std::exchange(lastCleanUp_, {}).covers(*inserted, *before)) {
+        return;
+    }
     for (const NSManagedObjectID id : *inserted) {
         const std::optional<NSManagedObject> object = context.existingObjectWithID(id);
         if (!object) {
@@ -120,7 +147,9 @@ void RVCoreDataManager::cleanUp(const SavedObjectIDs& inserted, NSManagedObjectC
             cleanUpAchievement(Achievement(*object), context);
         }
     }
-    if (context.hasChanges() && context.save().ok()) {
+    if (!context.hasChanges()) {
+        lastCleanUp_ = {inserted, before};
+    } else if (context.save().ok()) {
         saveMainContext();
     }
 }

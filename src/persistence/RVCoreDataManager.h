@@ -70,11 +70,22 @@ class RVCoreDataManager final : public RecordStore {
     /// On the main queue.
     void writeMainContext(std::function<void()> whenSaved);
 
+    /// What the latest clean-up looked through and found in order.
+    struct LastCleanUp {
+        SavedObjectIDs inserted;
+        std::shared_ptr<const StoreVersion> found;
+        /// Whether looking through `records` again could find nothing else: they are among those,
+        /// and no record of any kind is another than it was.
+        bool covers(const std::vector<NSManagedObjectID>& records, const StoreVersion& now) const;
+    };
+
     const std::filesystem::path file_;
     const std::shared_ptr<MainQueue> mainQueue_;
     NSOperationQueue operationQueue_;
     /// Clean-ups run one after the other: two at once could each delete the other's half of a pair.
     const std::shared_ptr<DispatchQueue> cleanUpQueue_;
+    /// Of the clean-up queue only. Empty after one that changed something.
+    LastCleanUp lastCleanUp_;
     /// Main saves are written here, so that the main queue never waits for the disk.
     const std::shared_ptr<DispatchQueue> writerQueue_;
 

@@ -218,5 +218,37 @@ TEST_F(DuplicatesTest, twoScansAtOnceLeaveNoSurplus) {
     }
 }
 
+TEST_F(DuplicatesTest, theMainSaveLooksAgainWhenAnotherRecordHasChangedSince) {
+    PlaybackHistory song = environment.makeHistory("Song", 180);
+    PlayEvent early = environment.makePlay(song, 100);
+    environment.saveMain();
+    const auto context = environment.data->privateContext();
+    context->performBlockAndWait([&] {
+        PlayEvent::insert(*context).setEventDate(at(200));
+        ASSERT_TRUE(context->save());
+    });
+    environment.runUntilIdle();
+    ASSERT_EQ(environment.plays().size(), 2U);
+    // The change of a date alone is no insert; the play that was inserted is told again with the
+    // main save.
+    early.setEventDate(at(200));
+    environment.saveMain();
+    EXPECT_EQ(environment.plays().size(), 1U);
+}
+
+TEST_F(DuplicatesTest, theMainSaveLooksAtWhatNoChildHasTold) {
+    PlaybackHistory song = environment.makeHistory("Song", 180);
+    environment.saveMain();
+    const auto context = environment.data->privateContext();
+    context->performBlockAndWait([&] {
+        PlayEvent::insert(*context).setEventDate(at(200));
+        ASSERT_TRUE(context->save());
+    });
+    environment.runUntilIdle();
+    environment.makePlay(song, 200);
+    environment.saveMain();
+    EXPECT_EQ(environment.plays().size(), 1U);
+}
+
 }  // namespace
 }  // namespace tavrion
