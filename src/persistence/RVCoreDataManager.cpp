@@ -107,11 +107,8 @@ std::shared_ptr<NSManagedObjectContext> RVCoreDataManager::privateContext() {
 }
 
 void RVCoreDataManager::saveMainContext(std::function<void()> whenSaved) {
-    // Behind the clean-up of everything that was handed over before.
-    cleanUpQueue_->async([this, whenSaved = std::move(whenSaved)]() mutable {
-        mainQueue_->async([this, whenSaved = std::move(whenSaved)]() mutable {
-            writeMainContext(std::move(whenSaved));
-        });
+    mainQueue_->async([this, whenSaved = std::move(whenSaved)]() mutable {
+        writeMainContext(std::move(whenSaved));
     });
 }
 
@@ -128,7 +125,10 @@ void RVCoreDataManager::writeMainContext(std::function<void()> whenSaved) {
     };
     const std::shared_ptr<NSManagedObjectContext> context = mainContext();
     if (context->hasChanges()) {
-        context->saveInBackground(*writerQueue_, saved);
+        // The clean-up of what was handed over goes on meanwhile and belongs to the same
+        // transaction.
+        context->saveInBackground(*writerQueue_, saved,
+                                  [queue = cleanUpQueue_] { queue->sync([] {}); });
     } else {
         saved({});
     }

@@ -153,7 +153,7 @@ void NSManagedObjectContext::settleWithout(const NSPersistentStore::Commits& com
 Result<void> NSManagedObjectContext::save() {
     queue_->assertCurrent();
     if (!parent_) {
-        const auto written = saveToStore();
+        const auto written = saveToStore(nullptr);
         if (!written) {
             return written.error();
         }
@@ -177,34 +177,43 @@ Result<void> NSManagedObjectContext::save() {
     return {};
 }
 
-Result<NSPersistentStore::Commits> NSManagedObjectContext::saveToStore() {
+NSPersistentStore::Unsaved NSManagedObjectContext::unsaved() {
+    MutexLock lock(mutex_);
+    seal();
+    return {commits_, basis_, settled_};
+}
+
+Result<NSPersistentStore::Commits> NSManagedObjectContext::saveToStore(
+    const std::function<void()>& waitForMore) {
     MutexLock oneAtATime(saveMutex_);
-    NSPersistentStore::Commits commits;
-    Version before;
-    Version after;
-    {
-        MutexLock lock(mutex_);
-        seal();
-        commits = commits_;
-        before = basis_;
-        after = settled_;
+    const NSPersistentStore::Unsaved first = unsaved();
+    NSPersistentStore::Unsaved all = first;
+    if (first.commits.empty()) {
+        return first.commits;
     }
-    if (commits.empty()) {
-        return commits;
-    }
-    const Result<void> written = store_->write(
-        commits, before, after, [&](const Version& saved) { settleWithout(commits, saved); });
+    const auto everything = [&] {
+        if (waitForMore) {
+            waitForMore();
+            all = unsaved();
+        }
+        return all;
+    };
+    const Result<void> written =
+        store_->write(first.commits, everything,
+                      [&](const Version& saved) { settleWithout(all.commits, saved); });
     if (!written) {
         return written.error();
     }
-    return commits;
+    return all.commits;
 }
 
 void NSManagedObjectContext::saveInBackground(DispatchQueue& writer,
-                                              std::function<void(Result<void>)> done) {
+                                              std::function<void(Result<void>)> done,
+                                              std::function<void()> waitForMore) {
     queue_->assertCurrent();
-    writer.async([self = shared_from_this(), done = std::move(done)]() mutable {
-        const auto written = self->saveToStore();
+    writer.async([self = shared_from_this(), done = std::move(done),
+                  waitForMore = std::move(waitForMore)]() mutable {
+        const auto written = self->saveToStore(waitForMore);
         NSManagedObjectContext& context = *self;
         // Put together here, so that the context's own queue only posts it.
         std::optional<DidSaveNotification> notification;

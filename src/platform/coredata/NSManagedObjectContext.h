@@ -85,8 +85,11 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     Result<void> save();
     /// Of the context over the store: writes on `writer` what is unsaved now, then calls `done` on
     /// the context's queue. Changes made meanwhile wait for the next save. Saves are finished in
-    /// the order of the calls.
-    void saveInBackground(DispatchQueue& writer, std::function<void(Result<void>)> done);
+    /// the order of the calls. When what there was is written but not yet committed, `waitForMore`
+    /// runs on `writer`, and what has come by then goes into the same transaction; it must not
+    /// save this context.
+    void saveInBackground(DispatchQueue& writer, std::function<void(Result<void>)> done,
+                          std::function<void()> waitForMore = nullptr);
 
     /// Any queue. All records as this context sees them, for whoever walks columns.
     std::shared_ptr<const StoreVersion> snapshot();
@@ -113,7 +116,9 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     Version receive(const NSPersistentStore::Commits& commits, const Version& basis,
                     const Version& settled);
     /// Writes what is unsaved; gives what was written.
-    Result<NSPersistentStore::Commits> saveToStore() TAVRION_EXCLUDES(saveMutex_);
+    Result<NSPersistentStore::Commits> saveToStore(const std::function<void()>& waitForMore)
+        TAVRION_EXCLUDES(saveMutex_);
+    NSPersistentStore::Unsaved unsaved();
     /// `commits` are now a part of `basis`, which lies below.
     void settleWithout(const NSPersistentStore::Commits& commits, Version basis);
 

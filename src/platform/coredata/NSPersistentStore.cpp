@@ -225,18 +225,22 @@ Result<void> NSPersistentStore::loadEntity(
 }
 
 Result<void> NSPersistentStore::write(
-    const Commits& commits, const std::shared_ptr<const StoreVersion>& before,
-    const std::shared_ptr<const StoreVersion>& after,
+    const Commits& commits, const std::function<Unsaved()>& all,
     const std::function<void(const std::shared_ptr<const StoreVersion>&)>& adopt) {
     MutexLock lock(writeMutex_);
-    if (auto written = writeCommits(commits); !written) {
+    Unsaved unsaved;
+    const Result<void> written = writeCommits(commits, [&]() -> const Commits& {
+        unsaved = all();
+        return unsaved.commits;
+    });
+    if (!written) {
         return StoreFile::unsaved(*database_, format_, written.error());
     }
     std::shared_ptr<const StoreVersion> saved = version();
-    if (saved == before) {
-        saved = after;
+    if (saved == unsaved.before) {
+        saved = unsaved.after;
     } else {
-        for (const auto& commit : commits) {
+        for (const auto& commit : unsaved.commits) {
             saved = folded(*model_, *saved, *commit);
         }
     }
@@ -247,7 +251,8 @@ Result<void> NSPersistentStore::write(
     return {};
 }
 
-Result<void> NSPersistentStore::writeCommits(const Commits& commits) {
+Result<void> NSPersistentStore::writeCommits(const Commits& commits,
+                                             const std::function<const Commits&()>& all) {
     auto transaction = SQLiteTransaction::begin(*database_);
     if (!transaction) {
         return transaction.error();
@@ -255,6 +260,12 @@ Result<void> NSPersistentStore::writeCommits(const Commits& commits) {
     ChangeWriter writer(*model_, *database_);
     for (const auto& commit : commits) {
         if (auto written = writer.write(*commit); !written) {
+            return written;
+        }
+    }
+    const Commits& allCommits = all();
+    for (std::size_t i = commits.size(); i < allCommits.size(); ++i) {
+        if (auto written = writer.write(*allCommits[i]); !written) {
             return written;
         }
     }

@@ -54,12 +54,19 @@ class NSPersistentStore {
     /// A counter that no record of the entity has had or will have.
     RecordCounter allocate(EntityIndex entity);
 
-    /// Writes changes in one transaction. When `before` is still what is saved, `after` becomes it
-    /// without being worked out anew. `adopt` gets the new saved version in the same moment in
-    /// which version() begins to give it; it must not call back.
+    /// Changes over a version, and what they make of it.
+    struct Unsaved {
+        Commits commits;
+        std::shared_ptr<const StoreVersion> before;
+        std::shared_ptr<const StoreVersion> after;
+    };
+    /// Writes changes in one transaction. When they are written, `all` is asked for everything that
+    /// this transaction shall hold: these changes and those that came after them meanwhile. When
+    /// `before` is still what is saved, `after` becomes it without being worked out anew. `adopt`
+    /// gets the new saved version in the same moment in which version() begins to give it; neither
+    /// may call back.
     Result<void> write(
-        const Commits& commits, const std::shared_ptr<const StoreVersion>& before,
-        const std::shared_ptr<const StoreVersion>& after,
+        const Commits& commits, const std::function<Unsaved()>& all,
         const std::function<void(const std::shared_ptr<const StoreVersion>&)>& adopt);
     /// Deletes every record of the entity and its sub-entities from the file at once.
     Result<void> executeBatchDelete(EntityIndex entity);
@@ -80,7 +87,8 @@ class NSPersistentStore {
                             std::vector<std::shared_ptr<const TableVersion>>& tables)
         TAVRION_REQUIRES(writeMutex_);
     /// Each in one transaction, all or nothing.
-    Result<void> writeCommits(const Commits& commits) TAVRION_REQUIRES(writeMutex_);
+    Result<void> writeCommits(const Commits& commits, const std::function<const Commits&()>& all)
+        TAVRION_REQUIRES(writeMutex_);
     Result<void> deleteRows(EntityIndex entity) TAVRION_REQUIRES(writeMutex_);
     Result<void> writeCounters() TAVRION_REQUIRES(writeMutex_);
 
