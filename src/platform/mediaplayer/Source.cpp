@@ -7,6 +7,15 @@ Result<void> Source::setLiked(std::uint64_t, std::uint32_t) {
                    location()};
 }
 
+Result<std::uint64_t> Source::createPlaylist(const std::string&, std::span<const std::uint64_t>) {
+    return NSError{"A library of the kind " + kind() + " cannot be given a playlist.", location()};
+}
+
+Result<void> Source::addToPlaylist(std::uint64_t, std::span<const std::uint64_t>) {
+    return NSError{"A library of the kind " + kind() + " cannot be given songs for a playlist.",
+                   location()};
+}
+
 std::optional<NSData> Source::artwork(std::uint64_t) const {
     return std::nullopt;
 }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,13 @@ class Source {
     /// Writes the liked state of a song into the player's library. Called only with canWriteLikes;
     /// from any queue.
     virtual Result<void> setLiked(std::uint64_t persistentID, std::uint32_t likedState);
+    /// Makes a playlist of songs, told by their persistent identifiers, and gives the playlist's
+    /// own. Called only with canWritePlaylists; from any queue. It shows at the next reading.
+    virtual Result<std::uint64_t> createPlaylist(const std::string& name,
+                                                 std::span<const std::uint64_t> songs);
+    /// Puts songs at the end of a playlist that createPlaylist() has made. As createPlaylist().
+    virtual Result<void> addToPlaylist(std::uint64_t playlistID,
+                                       std::span<const std::uint64_t> songs);
     /// The bytes of a song's picture (PNG, JPEG), wherever the player keeps it; absent when there
     /// is none or it cannot be read. From any queue but the main one.
     virtual std::optional<NSData> artwork(std::uint64_t persistentID) const;

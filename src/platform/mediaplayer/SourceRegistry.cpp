@@ -7,19 +7,23 @@
 namespace tavrion {
 
 void SourceRegistry::registerKind(Kind kind) {
-    const bool isNew = std::none_of(kinds_.begin(), kinds_.end(),
-                                    [&](const Kind& known) { return known.name == kind.name; });
-    precondition(isNew, "a kind of media library is registered once");
+    precondition(kindNamed(kind.name) == nullptr, "a kind of media library is registered once");
     kinds_.push_back(std::move(kind));
+}
+
+const SourceRegistry::Kind* SourceRegistry::kindNamed(const std::string& name) const {
+    const auto found = std::find_if(kinds_.begin(), kinds_.end(),
+                                    [&](const Kind& kind) { return kind.name == name; });
+    return found == kinds_.end() ? nullptr : &*found;
 }
 
 Result<std::unique_ptr<Source>> SourceRegistry::create(const std::string& kind,
                                                        std::string location) const {
+    if (const Kind* found = kindNamed(kind)) {
+        return found->create(std::move(location));
+    }
     std::string known;
     for (const Kind& candidate : kinds_) {
-        if (candidate.name == kind) {
-            return candidate.create(std::move(location));
-        }
         known += (known.empty() ? "" : ", ") + candidate.name;
     }
     return NSError{

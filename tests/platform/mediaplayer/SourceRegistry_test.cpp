@@ -42,6 +42,18 @@ TEST(SourceRegistry, ListsTheKindsForAnUnknownOne) {
     EXPECT_EQ(registry.kinds()[1].help, "reads two");
 }
 
+TEST(SourceRegistry, TellsOfAKindByItsName) {
+    SourceRegistry registry;
+    registry.registerKind(kindNamed("one"));
+    SourceRegistry::Kind counted = kindNamed("two");
+    counted.locationIsPath = false;
+    registry.registerKind(counted);
+    ASSERT_NE(registry.kindNamed("one"), nullptr);
+    EXPECT_TRUE(registry.kindNamed("one")->locationIsPath);
+    EXPECT_FALSE(registry.kindNamed("two")->locationIsPath);
+    EXPECT_EQ(registry.kindNamed("three"), nullptr);
+}
+
 TEST(SourceRegistryDeathTest, RefusesASecondKindOfOneName) {
     SourceRegistry registry;
     registry.registerKind(kindNamed("one"));
@@ -57,6 +69,13 @@ TEST(Source, CanDoNothingButReadUnlessItSaysSo) {
     const auto written = source.setLiked(1, 2);
     ASSERT_FALSE(written.ok());
     EXPECT_NE(written.error().localizedDescription.find("plain"), std::string::npos);
+    const std::vector<std::uint64_t> songs{1, 2};
+    const auto made = source.createPlaylist("Mine", songs);
+    ASSERT_FALSE(made.ok());
+    EXPECT_NE(made.error().localizedDescription.find("plain"), std::string::npos);
+    const auto added = source.addToPlaylist(1, songs);
+    ASSERT_FALSE(added.ok());
+    EXPECT_NE(added.error().localizedDescription.find("plain"), std::string::npos);
 }
 
 }  // namespace
