@@ -135,47 +135,52 @@ void syncDirectory(const fs::path& directory) {
     }
 }
 
+/// What stands in the name of a draft before the process that makes it.
+std::string draftPrefix(const fs::path& store) {
+    return store.filename().string() + ".new-";
+}
+
+/// Removes the drafts of new stores that killed processes left behind. Another process that makes a
+/// store just now keeps its own.
+void removeDraftsOfTheDead(const fs::path& store) {
+    const std::string prefix = draftPrefix(store);
+    std::error_code failure;
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::directory_iterator(store.parent_path(), failure)) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with(prefix)) {
+            const int process = std::atoi(name.c_str() + prefix.size());
+            if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH) {
+                found.push_back(entry.path());
+            }
+        }
+    }
+    for (const fs::path& draft : found) {
+        fs::remove(draft, failure);
+    }
+}
+
 /// A new store under way, in a file of the process's own beside the store.
 class Draft {
   public:
     explicit Draft(const fs::path& store)
-        : prefix_(store.filename().string() + ".new-"),
-          file_(store.parent_path() / fmt::format("{}{}", prefix_, ::getpid())) {
-        removeThoseOfTheDead();
-        remove(file_);
+        : file_(store.parent_path() / fmt::format("{}{}", draftPrefix(store), ::getpid())) {
+        remove();
     }
-    ~Draft() { remove(file_); }
+    ~Draft() { remove(); }
     Draft(const Draft&) = delete;
     Draft& operator=(const Draft&) = delete;
 
     const fs::path& file() const { return file_; }
 
   private:
-    static void remove(const fs::path& draft) {
+    void remove() const {
         std::error_code ignored;
         for (const char* const ending : {"", "-journal", "-wal", "-shm"}) {
-            fs::remove(draft.string() + ending, ignored);
-        }
-    }
-    /// What killed processes left behind. Another one that makes a store just now keeps its own.
-    void removeThoseOfTheDead() const {
-        std::error_code failure;
-        std::vector<fs::path> found;
-        for (const auto& entry : fs::directory_iterator(file_.parent_path(), failure)) {
-            const std::string name = entry.path().filename().string();
-            if (name.starts_with(prefix_)) {
-                const auto process = std::atoi(name.c_str() + prefix_.size());
-                if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH) {
-                    found.push_back(entry.path());
-                }
-            }
-        }
-        for (const fs::path& draft : found) {
-            fs::remove(draft, failure);
+            fs::remove(file_.string() + ending, ignored);
         }
     }
 
-    const std::string prefix_;
     const fs::path file_;
 };
 
@@ -362,6 +367,7 @@ Result<std::unique_ptr<SQLiteDatabase>> open(const fs::path& file,
     if (auto objected = objection(file, header.value(), format)) {
         return *objected;
     }
+    removeDraftsOfTheDead(file);
     auto database = SQLiteDatabase::open(file, SQLiteDatabase::Mode::readWrite);
     if (!database) {
         return database.error();

@@ -57,6 +57,15 @@ TEST_F(NewStoreTest, whatKilledProcessesLeftGoesAndWhatOthersMakeStays) {
     EXPECT_TRUE(fs::exists(alive));
 }
 
+TEST_F(NewStoreTest, aDraftThatCouldNotBeRemovedGoesWhenTheStoreIsOpened) {
+    openMain();
+    main.reset();
+    const fs::path dead = draftOf(deadProcess());
+    fs::create_hard_link(file(), dead);
+    openMain();
+    EXPECT_FALSE(fs::exists(dead));
+}
+
 TEST_F(NewStoreTest, itKeepsALog) {
     openMain();
     const auto database = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readWrite);
