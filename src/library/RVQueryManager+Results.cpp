@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <unordered_map>
 
 #include "library/CollectionValues.h"
 #include "library/RVQueryManager+Results.h"
@@ -60,7 +61,34 @@ Songs withoutDuplicates(Songs songs) {
     return songs;
 }
 
+/// The release keys of many songs. Most have a year alone, and a year's first instant is asked of
+/// the calendar once.
+class ReleaseKeys {
+  public:
+    std::optional<NSDate> operator()(const MPMediaItem& song) {
+        if (song.releaseDate() || song.year() == 0) {
+            return Nerinda::sortReleaseKey(song);
+        }
+        const auto [found, isNew] = byYear_.try_emplace(song.year());
+        if (isNew) {
+            found->second = Nerinda::sortReleaseKey(song);
+        }
+        return found->second;
+    }
+    std::optional<NSDate> latest(const Songs& songs) {
+        std::optional<NSDate> found;
+        for (const MPMediaItem& song : songs) {
+            found = laterDate(found, (*this)(song));
+        }
+        return found;
+    }
+
+  private:
+    std::unordered_map<unsigned, std::optional<NSDate>> byYear_;
+};
+
 std::vector<MPMediaEntity> sortedSongs(Songs songs, RVSortType sortType, bool reverse) {
+    ReleaseKeys releaseKeys;
     switch (sortType) {
         case RVSortTypePlayCount:
             return sortedBy(std::move(songs), reverse,
@@ -77,18 +105,10 @@ std::vector<MPMediaEntity> sortedSongs(Songs songs, RVSortType sortType, bool re
                             [](const MPMediaItem& song) { return song.dateAdded(); });
         case RVSortTypeReleaseDate:
             return sortedBy(std::move(songs), reverse,
-                            [](const MPMediaItem& song) { return Nerinda::sortReleaseKey(song); });
+                            [&](const MPMediaItem& song) { return releaseKeys(song); });
         default:
             return asTheyCome(std::move(songs), sortType == RVSortTypeAlphabetical && reverse);
     }
-}
-
-std::optional<NSDate> latestRelease(const MPMediaItemCollection& collection) {
-    std::optional<NSDate> latest;
-    for (const MPMediaItem& song : collection.items()) {
-        latest = laterDate(latest, Nerinda::sortReleaseKey(song));
-    }
-    return latest;
 }
 
 template <class NameOfCollection>
@@ -117,6 +137,7 @@ std::vector<MPMediaEntity> inAlphabeticalOrder(Collections collections, MPMediaG
 std::vector<MPMediaEntity> sortedCollections(Collections collections, MPMediaGrouping groupType,
                                              RVSortType sortType, bool reverse) {
     using Collection = MPMediaItemCollection;
+    ReleaseKeys releaseKeys;
     switch (sortType) {
         case RVSortTypeAlphabetical:
             return inAlphabeticalOrder(std::move(collections), groupType, reverse);
@@ -137,7 +158,9 @@ std::vector<MPMediaEntity> sortedCollections(Collections collections, MPMediaGro
                 return CollectionValues::latest(collection.items(), &MPMediaItem::dateAdded);
             });
         case RVSortTypeReleaseDate:
-            return sortedBy(std::move(collections), reverse, latestRelease);
+            return sortedBy(std::move(collections), reverse, [&](const Collection& collection) {
+                return releaseKeys.latest(collection.items());
+            });
         default:
             return asTheyCome(std::move(collections), false);
     }
