@@ -76,6 +76,10 @@ class FaultyDiskTest : public testing::TestWithParam<Disaster> {
         environment->dataPlug.reset();
         environment->data.reset();
     }
+    std::size_t countOfFiles() const {
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(kept.path()), fs::directory_iterator()));
+    }
     void dropKeptFiles() const {
         for (const auto& entry : fs::directory_iterator(kept.path())) {
             fs::remove(entry.path());
@@ -216,6 +220,33 @@ TEST_P(FaultyDiskTest, aNewStoreIsMadeWholeOrNotAtAll) {
         ASSERT_TRUE(again) << disk.failedOperation() << ": " << again.error().localizedDescription;
     }
     EXPECT_GT(failures, 0U);
+}
+
+TEST_P(FaultyDiskTest, aSafetyCopyIsWholeOrNotThere) {
+    ASSERT_NO_FATAL_FAILURE(firstScan());
+    const auto store = environment->data->persistentContainer()->persistentStore();
+    const std::size_t filesBefore = countOfFiles();
+    std::size_t failures = 0;
+    for (std::size_t operations = 0;; ++operations) {
+        SCOPED_TRACE(std::to_string(operations) + " changes of the disk succeed");
+        dropKeptFiles();
+        disk.failAfter(operations, GetParam().error, GetParam().forGood);
+        const Result<void> copied = store->copyTo(keptStore());
+        disk.repair();
+        EXPECT_EQ(copied.ok(), fs::exists(keptStore()));
+        EXPECT_EQ(countOfFiles(), filesBefore + (copied ? 1 : 0)) << "a draft was left";
+        if (copied) {
+            isSaved = false;
+            ASSERT_NO_FATAL_FAILURE(expectKeptFileWhole());
+            EXPECT_EQ(playsKept, playsBefore);
+        }
+        if (!disk.hasFailed()) {
+            break;
+        }
+        failures += copied ? 0 : 1;
+    }
+    EXPECT_GT(failures, 0U);
+    environment.reset();
 }
 
 INSTANTIATE_TEST_SUITE_P(Disasters, FaultyDiskTest,

@@ -203,5 +203,75 @@ TEST_F(KillsTest, nothingIsLostAndNothingDoubled) {
     }
 }
 
+/// Choosing a library over records of another one: a safety copy, then library.json.
+class KilledChoiceTest : public KillsTest {
+  protected:
+    KilledChoiceTest() {
+        home = std::make_unique<ScanHome>(songCount, random);
+        expectNextScanRecordsTheRest();
+        other = home->outputFolder() / "Other.xml";
+        home->truth.write(other);
+    }
+    std::vector<std::string> choose() const {
+        return {"--quiet", "--now", home->truth.nowText(), "library", "use", "music-xml", other};
+    }
+    std::size_t lengthOfCourse() const {
+        const fs::path copy = home->copyOfData("unkilled");
+        const fs::path report = home->outputFolder() / "report";
+        fs::remove(report);
+        const ProgramEnd end = home->start(choose(), home->troubled(copy, report), copy)->wait();
+        EXPECT_TRUE(end.isDone()) << end.told();
+        return changesIn(report).size();
+    }
+    void expectChoiceAndCopyWhole(const fs::path& data) const;
+
+    fs::path other;
+};
+
+void KilledChoiceTest::expectChoiceAndCopyWhole(const fs::path& data) const {
+    const ProgramEnd status = home->start({"--json", "library", "status"}, {}, data)->wait();
+    ASSERT_TRUE(status.isDone()) << status.told();
+    const bool isNew = status.out.find("Other.xml") != std::string::npos;
+    std::size_t copies = 0;
+    if (fs::exists(data / "backups")) {
+        for (const auto& entry : fs::directory_iterator(data / "backups")) {
+            if (entry.path().extension() != ".sqlite") {
+                continue;
+            }
+            ++copies;
+            const auto database =
+                SQLiteDatabase::open(entry.path(), SQLiteDatabase::Mode::readWrite);
+            const auto found = database.value()->quickCheck();
+            ASSERT_TRUE(found) << found.error().localizedDescription;
+            EXPECT_EQ(found.value(), std::nullopt);
+            auto plays = database.value()->prepare("SELECT count(*) FROM PlayEvent");
+            ASSERT_TRUE(plays && plays.value().step().value());
+            EXPECT_EQ(plays.value().integer(0), static_cast<std::int64_t>(songCount));
+        }
+    }
+    EXPECT_TRUE(!isNew || copies == 1) << "another library was chosen without a safety copy";
+    EXPECT_EQ(home->ask(data).plays, before.plays);
+}
+
+TEST_F(KilledChoiceTest, itIsTheOldOneOrTheNewOneWithItsSafetyCopy) {
+    const std::size_t length = lengthOfCourse();
+    const std::size_t kills =
+        std::max<std::size_t>(5, numberFromEnvironment("TAVRION_KILLS", 20) / 4);
+    const std::size_t step = std::max<std::size_t>(1, 2 * length / kills);
+    std::printf("%zu changes of the disk\n", length);
+    for (std::size_t i = random() % step; i < 2 * length; i += step) {
+        const std::string trouble = fmt::format("{}:{}", i % 2 == 0 ? "kill" : "torn", 1 + i / 2);
+        SCOPED_TRACE(trouble);
+        const fs::path copy = home->copyOfData("killed");
+        const ProgramEnd end =
+            home->start(choose(), home->troubled(copy, home->outputFolder() / "report", trouble),
+                        copy)
+                ->wait();
+        EXPECT_EQ(end.signal, SIGKILL) << end.told();
+        expectChoiceAndCopyWhole(copy);
+        ASSERT_FALSE(HasFailure());
+    }
+}
+
 }  // namespace
 }  // namespace tavrion

@@ -38,6 +38,16 @@ std::optional<fs::path> chosenPath(const std::optional<std::string>& option) {
     return std::nullopt;
 }
 
+/// Brings a renaming to the disk. Its failure is not the write's: the new file is in place, and
+/// whole.
+void synchronizeFolder(const fs::path& folder) {
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        ::fsync(descriptor);
+        ::close(descriptor);
+    }
+}
+
 }  // namespace
 
 Result<DataDirectory> DataDirectory::open(const std::optional<std::string>& option) {
@@ -88,8 +98,8 @@ std::optional<WriterLock::Refusal> WriterLock::take(const fs::path& file) {
         owner >> process;
         ::close(descriptor);
         return Refusal{Failure::inUse,
-                       fmt::format("the store is in use by process {}; try again when it is done",
-                                   process.empty() ? "of another user" : process)};
+                       fmt::format("the store is in use by {}; try again when it is done",
+                                   process.empty() ? "another process" : "process " + process)};
     }
     const std::string process = fmt::format("{}\n", ::getpid());
     if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, process.data(), process.size(),
@@ -104,7 +114,8 @@ std::optional<WriterLock::Refusal> WriterLock::take(const fs::path& file) {
 }
 
 Result<void> replaceFile(const fs::path& file, const std::string& content) {
-    const fs::path draft = fmt::format("{}.new-{}", file.string(), ::getpid());
+    // Always the same name: the one writer that there is overwrites what a killed one left behind.
+    const fs::path draft = file.string() + ".new";
     const int descriptor =
         ::open(draft.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
     bool good = descriptor >= 0 &&
@@ -116,7 +127,9 @@ Result<void> replaceFile(const fs::path& file, const std::string& content) {
     if (descriptor >= 0) {
         ::close(descriptor);
     }
-    if (!good) {
+    if (good) {
+        synchronizeFolder(file.parent_path());
+    } else {
         ::unlink(draft.c_str());
         return NSError{
             fmt::format("{}: the file can't be written ({}); check the disk and the permissions",

@@ -135,21 +135,31 @@ void syncDirectory(const fs::path& directory) {
     }
 }
 
-/// What stands in the name of a draft before the process that makes it.
-std::string draftPrefix(const fs::path& store) {
-    return store.filename().string() + ".new-";
+/// Brings a file that is whole to the disk; false, with errno, when that fails.
+bool synchronize(const fs::path& file) {
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const bool done = ::fsync(descriptor) == 0;
+    const int code = errno;
+    ::close(descriptor);
+    errno = code;
+    return done;
 }
 
-/// Removes the drafts of new stores that killed processes left behind. Another process that makes a
-/// store just now keeps its own.
-void removeDraftsOfTheDead(const fs::path& store) {
-    const std::string prefix = draftPrefix(store);
+/// What stands in the name of a draft between the file's name and the process that makes it.
+constexpr std::string_view draftMark = ".new-";
+
+/// Removes the drafts of files that killed processes left behind in the folder. Another process
+/// that makes a file just now keeps its own.
+void removeDraftsOfTheDead(const fs::path& folder) {
     std::error_code failure;
     std::vector<fs::path> found;
-    for (const auto& entry : fs::directory_iterator(store.parent_path(), failure)) {
+    for (const auto& entry : fs::directory_iterator(folder, failure)) {
         const std::string name = entry.path().filename().string();
-        if (name.starts_with(prefix)) {
-            const int process = std::atoi(name.c_str() + prefix.size());
+        if (const std::size_t mark = name.find(draftMark); mark != std::string::npos) {
+            const int process = std::atoi(name.c_str() + mark + draftMark.size());
             if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH) {
                 found.push_back(entry.path());
             }
@@ -160,11 +170,11 @@ void removeDraftsOfTheDead(const fs::path& store) {
     }
 }
 
-/// A new store under way, in a file of the process's own beside the store.
+/// A database under way, in a file of the process's own beside the one that it shall be.
 class Draft {
   public:
-    explicit Draft(const fs::path& store)
-        : file_(store.parent_path() / fmt::format("{}{}", draftPrefix(store), ::getpid())) {
+    explicit Draft(const fs::path& file)
+        : file_(fmt::format("{}{}{}", file.string(), draftMark, ::getpid())) {
         remove();
     }
     ~Draft() { remove(); }
@@ -304,13 +314,23 @@ NSError explained(const SQLiteDatabase& database, const StoreFormat& format, con
 }  // namespace
 
 Result<void> copy(SQLiteDatabase& database, const fs::path& copy) {
+    removeDraftsOfTheDead(copy.parent_path());
+    const Draft draft(copy);
     auto copying = database.prepare("VACUUM INTO ?1");
     if (!copying) {
         return copying.error();
     }
-    const std::string name = copy.string();
+    const std::string name = draft.file().string();
     copying.value().bindText(1, name);
-    return copying.value().run();
+    if (auto copied = copying.value().run(); !copied) {
+        return copied;
+    }
+    // SQLite leaves the copy in the system's memory.
+    if (!synchronize(draft.file()) || ::link(name.c_str(), copy.c_str()) != 0) {
+        return error(copy, fmt::format("the copy can't be made ({})", std::strerror(errno)));
+    }
+    syncDirectory(copy.parent_path());
+    return {};
 }
 
 std::string schema(const NSManagedObjectModel& model) {
@@ -367,7 +387,7 @@ Result<std::unique_ptr<SQLiteDatabase>> open(const fs::path& file,
     if (auto objected = objection(file, header.value(), format)) {
         return *objected;
     }
-    removeDraftsOfTheDead(file);
+    removeDraftsOfTheDead(file.parent_path());
     auto database = SQLiteDatabase::open(file, SQLiteDatabase::Mode::readWrite);
     if (!database) {
         return database.error();

@@ -18,7 +18,8 @@ Result<std::unique_ptr<SQLiteDatabase>> open(const std::filesystem::path& file,
                                              const NSManagedObjectModel& model,
                                              const StoreFormat& format);
 
-/// Writes a compact copy to a file that does not exist yet.
+/// Writes a compact copy to a file that does not exist yet; it appears there when it is whole and
+/// on the disk.
 Result<void> copy(SQLiteDatabase& database, const std::filesystem::path& copy);
 
 /// The tables that version `format.version` has.
