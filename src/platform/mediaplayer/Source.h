@@ -41,6 +41,9 @@ class Source {
     /// Which library of that kind: a file, a socket, an address.
     virtual std::string location() const = 0;
     virtual SourceCapabilities capabilities() const { return {}; }
+    /// How the library looks from outside, cheap to ask: while it is the same, an earlier snapshot
+    /// is still right. Absent when only a reading can tell.
+    virtual std::optional<std::string> stamp() const { return std::nullopt; }
     /// Reads the whole library. An error is one line that says what to do.
     virtual Result<std::shared_ptr<const MediaSnapshot>> read() = 0;
     /// Writes the liked state of a song into the player's library. Called only with canWriteLikes;

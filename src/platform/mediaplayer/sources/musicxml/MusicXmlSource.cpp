@@ -1,6 +1,7 @@
 #include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -103,6 +104,16 @@ Result<std::shared_ptr<const MediaSnapshot>> readFile(const std::filesystem::pat
 }
 
 }  // namespace
+
+std::optional<std::string> MusicXmlSource::stamp() const {
+    const Result<FileStamp> stamp = stampOf(file_);
+    if (!stamp) {
+        return std::nullopt;
+    }
+    const FileStamp& is = stamp.value();
+    return fmt::format("{} {} {} {}.{:09}", is.device, is.file, is.size, is.modifiedSeconds,
+                       is.modifiedNanoseconds);
+}
 
 Result<std::shared_ptr<const MediaSnapshot>> MusicXmlSource::read() {
     try {

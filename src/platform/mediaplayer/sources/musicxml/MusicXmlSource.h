@@ -21,6 +21,8 @@ class MusicXmlSource final : public Source {
 
     std::string kind() const override { return kindName; }
     std::string location() const override { return file_.string(); }
+    /// Which file it is, its size and its time.
+    std::optional<std::string> stamp() const override;
     Result<std::shared_ptr<const MediaSnapshot>> read() override;
     std::vector<SourceWatch> watches() const override;
 
