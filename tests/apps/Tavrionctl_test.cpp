@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -43,7 +44,8 @@ class TavrionctlTest : public testing::Test {
                    const std::string& environment = "TZ=UTC LC_ALL=C") const {
         const std::string out = (directory / "out").string();
         const std::string err = (directory / "err").string();
-        const std::string command = "env " + environment + " '" TAVRIONCTL "' --data-dir '" +
+        const std::string command = "env XDG_CACHE_HOME='" + (directory / "cache").string() + "' " +
+                                    environment + " '" TAVRIONCTL "' --data-dir '" +
                                     data().string() + "' " + arguments + " >'" + out + "' 2>'" +
                                     err + "' </dev/null";
         const int status = std::system(command.c_str());
@@ -374,6 +376,20 @@ TEST_F(TavrionctlTest, theDataDirectoryIsMadeForItsUserAlone) {
     const std::string command =
         "'" TAVRIONCTL "' --data-dir '" + (directory / "file").string() + "' plays 2>/dev/null";
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
+}
+
+TEST_F(TavrionctlTest, anUnchangedLibraryIsNotReadAgain) {
+    writeExport({{.id = 1, .name = "One", .plays = 1, .lastPlayed = "2026-03-01T10:00:00Z"}});
+    ASSERT_EQ(run("library use music-xml '" + exportFile().string() + "'").status, 0);
+    // The same file with the same size and time: only a kept snapshot can still say "One".
+    const auto time = std::filesystem::last_write_time(exportFile());
+    std::string text = contentOf(exportFile());
+    text.replace(text.find("One"), 3, "Two");
+    std::fstream(exportFile(), std::ios::in | std::ios::out | std::ios::binary) << text;
+    std::filesystem::last_write_time(exportFile(), time);
+    EXPECT_EQ(run("--json library songs").value()[0]["title"], "One");
+    std::filesystem::last_write_time(exportFile(), time + std::chrono::seconds(1));
+    EXPECT_EQ(run("--json library songs").value()[0]["title"], "Two");
 }
 
 }  // namespace

@@ -50,6 +50,16 @@ void synchronizeFolder(const fs::path& folder) {
 
 }  // namespace
 
+std::optional<fs::path> cacheDirectory() {
+    if (const auto cacheHome = environment("XDG_CACHE_HOME")) {
+        return fs::path(*cacheHome) / "tavrion";
+    }
+    if (const auto home = environment("HOME")) {
+        return fs::path(*home) / ".cache" / "tavrion";
+    }
+    return std::nullopt;
+}
+
 Result<DataDirectory> DataDirectory::open(const std::optional<std::string>& option) {
     const std::optional<fs::path> chosen = chosenPath(option);
     if (!chosen || chosen->empty()) {

@@ -28,6 +28,10 @@ class DataDirectory {
     std::filesystem::path path_;
 };
 
+/// Where the program keeps what it can make again: tavrion in the user's cache home; absent when
+/// there is none.
+std::optional<std::filesystem::path> cacheDirectory();
+
 /// Held by the one process that writes; the file names its process id.
 class WriterLock {
   public:

@@ -161,7 +161,7 @@ Outcome LibraryUseCommand::execute(Session& session) {
     if (!source) {
         return Outcome::failure(source.error().localizedDescription);
     }
-    auto snapshot = source.value()->read();
+    auto snapshot = session.snapshots().readAnew(*source.value());
     if (!snapshot) {
         return Outcome::failure(snapshot.error().localizedDescription);
     }

@@ -101,7 +101,7 @@ Outcome Session::openLibrary() {
     if (!source) {
         return Outcome::failure(source.error().localizedDescription);
     }
-    auto snapshot = source.value()->read();
+    auto snapshot = snapshots_.read(*source.value());
     if (!snapshot) {
         return Outcome::failure(snapshot.error().localizedDescription);
     }

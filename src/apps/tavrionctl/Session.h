@@ -23,6 +23,7 @@
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/mediaplayer/MPMediaLibrary.h"
+#include "platform/mediaplayer/MediaSnapshotCache.h"
 #include "platform/mediaplayer/SourceRegistry.h"
 #include "recording/AwardSink.h"
 
@@ -37,6 +38,7 @@ class Session {
     const Options& options() const { return options_; }
     const DataDirectory& directory() const { return directory_; }
     const SourceRegistry& sources() const { return sources_; }
+    const MediaSnapshotCache& snapshots() const { return snapshots_; }
     MainQueue& mainQueue() { return *mainQueue_; }
     NSUserDefaults& defaults() { return *defaults_; }
     TerminalScanPresenter& scanPresenter() { return scanPresenter_; }
@@ -76,6 +78,7 @@ class Session {
     TimerService timers_;
     MPMediaLibrary library_;
     SourceRegistry sources_;
+    const MediaSnapshotCache snapshots_{cacheDirectory()};
     std::unique_ptr<Source> source_;
     NoAwards awards_;
     LocalOnlyMirroring mirroring_;
