@@ -118,7 +118,8 @@ void scanNothingNewTavrion(benchmark::State& state) {
     for (auto _ : state) {
         environment.scan();
     }
-    demand(environment.songsMatched() == songCount * (state.iterations() + 1),
+    demand(environment.songsMatched() ==
+               songCount * (static_cast<std::size_t>(state.iterations()) + 1),
            "every scan matches every song");
     demand(environment.main().snapshot()->table(NerindaEntity::PlayEvent).size() == songCount,
            "a scan with nothing new makes no play");
@@ -234,7 +235,7 @@ void insertPlays(benchmark::State& state, std::size_t existing) {
         environment.mainQueue->runUntilIdle();
     }
     demand(environment.main().snapshot()->table(NerindaEntity::PlayEvent).size() ==
-               existing + insertedPlays * state.iterations(),
+               existing + insertedPlays * static_cast<std::size_t>(state.iterations()),
            "all inserted plays are in the main context");
     noteTurn(state, environment);
 }
@@ -279,6 +280,19 @@ void musicXmlPeer(benchmark::State& state) {
     }
 }
 
+void makeFixtures() {
+    // The library is put in order by somebody's collation.
+    Regional region(*NSTimeZone::timeZoneWithName("Europe/Berlin"), "en_US");
+    const Port<Regional>::Plug plug(region);
+    fixtures();
+}
+
+void makeFiles(const std::string& directory) {
+    makeFixtures();
+    std::filesystem::copy_file(fixtures().store(), directory + "/store.sqlite");
+    std::filesystem::copy_file(fixtures().musicXml(), directory + "/Library.xml");
+}
+
 void measure(const char* name, void (*work)(benchmark::State&), int iterations = 1) {
     benchmark::RegisterBenchmark(name, work)
         ->Unit(benchmark::kMillisecond)
@@ -292,13 +306,16 @@ void measure(const char* name, void (*work)(benchmark::State&), int iterations =
 
 int main(int argc, char** argv) {
     using namespace tavrion::bench;
-    benchmark::Initialize(&argc, argv);
-    {
-        // The library is put in order by somebody's collation.
-        tavrion::Regional region(*tavrion::NSTimeZone::timeZoneWithName("Europe/Berlin"), "en_US");
-        const tavrion::Port<tavrion::Regional>::Plug plug(region);
-        fixtures();
+    // For measurements of whole processes: the store and the library as files, and nothing
+    // measured.
+    const std::string_view first = argc == 2 ? argv[1] : "";
+    const std::string_view make = "--make=";
+    if (first.starts_with(make)) {
+        makeFiles(std::string(first.substr(make.size())));
+        return 0;
     }
+    benchmark::Initialize(&argc, argv);
+    makeFixtures();
     measure("open/tavrion", openTavrion);
     measure("open/peer", openPeer);
     measure("scan-nothing-new/tavrion", scanNothingNewTavrion, 3);

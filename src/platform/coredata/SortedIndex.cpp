@@ -200,15 +200,18 @@ std::size_t SortedIndex::leafOf(const Entry& entry) const {
 }
 
 std::size_t SortedIndex::lowerBound(const Leaf& leaf, const Entry& entry, std::size_t from) {
-    auto row = static_cast<std::size_t>(
-        std::lower_bound(leaf.keys.begin() + static_cast<std::ptrdiff_t>(from), leaf.keys.end(),
-                         entry.key) -
-        leaf.keys.begin());
-    while (row < leaf.keys.size() && leaf.keys[row] == entry.key &&
-           leaf.records[row] < entry.record) {
-        ++row;
+    const auto keys = leaf.keys.begin();
+    const auto first =
+        std::lower_bound(keys + static_cast<std::ptrdiff_t>(from), leaf.keys.end(), entry.key);
+    if (first == leaf.keys.end() || *first != entry.key) {
+        return static_cast<std::size_t>(first - keys);
     }
-    return row;
+    // A key can have thousands of records: the plays of a favourite.
+    const auto last = std::upper_bound(first, leaf.keys.end(), entry.key);
+    const auto records = leaf.records.begin();
+    return static_cast<std::size_t>(
+        std::lower_bound(records + (first - keys), records + (last - keys), entry.record) -
+        records);
 }
 
 std::size_t SortedIndex::rankOf(const Entry& entry) const {
