@@ -20,6 +20,8 @@ class DataDirectory {
     std::filesystem::path store() const { return path_ / "Nerinda.sqlite"; }
     std::filesystem::path defaults() const { return path_ / "defaults.plist"; }
     std::filesystem::path libraryChoice() const { return path_ / "library.json"; }
+    /// What the user changes in the sample library.
+    std::filesystem::path sampleLibrary() const { return path_ / "sample-library.json"; }
     std::filesystem::path backups() const { return path_ / "backups"; }
     std::filesystem::path lock() const { return path_ / "lock"; }
 

@@ -81,7 +81,7 @@ void writeStatus(const Session& session, const std::optional<LibraryChoice>& cho
         json.key("canWritePlaylists").boolean(capabilities.canWritePlaylists);
         json.key("canPlay").boolean(capabilities.canPlay).endObject().finish();
     } else if (choice) {
-        fmt::print("{} library at {}\n{} songs, {} playlists\n", choice->kind, choice->location,
+        fmt::print("{} library: {}\n{} songs, {} playlists\n", choice->kind, choice->location,
                    songs, playlists);
     } else {
         fmt::print(
@@ -110,7 +110,10 @@ std::size_t songsWithTwins() {
 }
 
 /// A path of a file is kept whole, so that the choice holds in every directory.
-std::string absoluteLocation(const std::string& location) {
+std::string lastingLocation(const SourceRegistry::Kind* kind, const std::string& location) {
+    if (kind != nullptr && !kind->locationIsPath) {
+        return location;
+    }
     std::error_code failure;
     const auto absolute = std::filesystem::absolute(location, failure);
     return location.empty() || failure || !std::filesystem::exists(absolute, failure)
@@ -122,8 +125,9 @@ std::string absoluteLocation(const std::string& location) {
 
 void LibraryUseCommand::describe(CLI::App& parent) {
     described_ = parent.add_subcommand("use", "Choose the music library and read it once");
-    described_->add_option("KIND", kind_, "music-xml")->required();
-    described_->add_option("LOCATION", location_, "Where it is: for music-xml the exported file");
+    described_->add_option("KIND", kind_, "music-xml, or sample to try the program")->required();
+    described_->add_option("LOCATION", location_,
+                           "For music-xml the exported file; for sample the number of songs");
 }
 
 Outcome LibraryUseCommand::guardExistingRecords(Session& session, const std::string& kind,
@@ -156,11 +160,13 @@ Outcome LibraryUseCommand::execute(Session& session) {
     if (Outcome writer = session.becomeWriter(); !writer.isDone()) {
         return writer;
     }
-    const LibraryChoice choice{kind_, absoluteLocation(location_)};
-    auto source = session.sources().create(choice.kind, choice.location);
+    auto source = session.sources().create(
+        kind_, lastingLocation(session.sources().kindNamed(kind_), location_));
     if (!source) {
         return Outcome::failure(source.error().localizedDescription);
     }
+    // A location that was left out is known now.
+    const LibraryChoice choice{kind_, source.value()->location()};
     auto snapshot = session.snapshots().readAnew(*source.value());
     if (!snapshot) {
         return Outcome::failure(snapshot.error().localizedDescription);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
+#include "platform/mediaplayer/sources/sample/SampleSource.h"
 #include "recording/MPMediaItem+Nerinda.h"
 
 namespace tavrion::ctl {
@@ -59,6 +60,7 @@ Session::Session(Options options, DataDirectory directory, std::unique_ptr<NSUse
         logPlug_.emplace(logSink_);
     }
     registerMusicXmlSource(sources_);
+    registerSampleSource(sources_, directory_.sampleLibrary());
     Nerinda::registerComputedKeys();
     scanPresenter_.setShowsProgress(!options_.quiet && !options_.json &&
                                     ::isatty(STDERR_FILENO) == 1);

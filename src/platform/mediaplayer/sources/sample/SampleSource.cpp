@@ -155,7 +155,7 @@ Result<std::uint64_t> SampleSource::createPlaylist(const std::string& name,
 Result<void> SampleSource::addToPlaylist(std::uint64_t playlistID,
                                          std::span<const std::uint64_t> songs) {
     bool isKnown = false;
-    const Result<void> written = file_.change([&](SampleState& state) {
+    Result<void> written = file_.change([&](SampleState& state) {
         for (SampleUserPlaylist& playlist : state.playlists) {
             if (playlist.persistentID == playlistID) {
                 isKnown = true;
