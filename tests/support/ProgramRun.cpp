@@ -121,13 +121,15 @@ bool ProgramRun::waitUntilStopped() {
 bool ProgramRun::endsWithin(double seconds) {
     using namespace std::chrono;
     const auto until = steady_clock::now() + duration<double>(seconds);
-    while (!waitStatus_ && steady_clock::now() < until) {
+    for (;;) {
         int status = 0;
-        if (::waitpid(process_, &status, WNOHANG) == process_) {
+        if (!waitStatus_ && ::waitpid(process_, &status, WNOHANG) == process_) {
             note(status);
-        } else {
-            std::this_thread::sleep_for(milliseconds(1));
         }
+        if (waitStatus_ || steady_clock::now() >= until) {
+            break;
+        }
+        std::this_thread::sleep_for(milliseconds(1));
     }
     return waitStatus_.has_value();
 }

@@ -25,9 +25,12 @@ ScanHome::ScanHome(std::size_t songs, std::mt19937& random)
 std::unique_ptr<ProgramRun> ScanHome::start(const std::vector<std::string>& command,
                                             ProgramRun::Environment environment,
                                             const std::optional<fs::path>& data) const {
-    std::vector<std::string> words{"--data-dir", data.value_or(data_).string()};
+    const std::string directory = data.value_or(data_).string();
+    std::vector<std::string> words{"--data-dir", directory};
     words.insert(words.end(), command.begin(), command.end());
     environment.try_emplace("TAVRION_LOG", "stderr");
+    // Named so that its files are among those whose changes are counted.
+    environment.try_emplace("XDG_CACHE_HOME", directory + "-cache");
     return std::make_unique<ProgramRun>(TAVRIONCTL, words, folder_.path(), environment);
 }
 

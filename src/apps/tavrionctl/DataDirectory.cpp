@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -36,6 +37,15 @@ std::optional<fs::path> chosenPath(const std::optional<std::string>& option) {
         return fs::path(*home) / ".local" / "share" / "tavrion";
     }
     return std::nullopt;
+}
+
+/// Who holds the lock. Until a new owner has written its id, the last one's stands there.
+std::string ownerNamedIn(const fs::path& file) {
+    std::ifstream stream(file);
+    pid_t process = 0;
+    stream >> process;
+    const bool lives = process > 0 && (::kill(process, 0) == 0 || errno == EPERM);
+    return lives ? fmt::format("process {}", process) : "another process";
 }
 
 /// Brings a renaming to the disk. Its failure is not the write's: the new file is in place, and
@@ -103,13 +113,10 @@ std::optional<WriterLock::Refusal> WriterLock::take(const fs::path& file) {
                         file.string(), std::strerror(errno))};
     }
     if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
-        std::ifstream owner(file);
-        std::string process;
-        owner >> process;
+        const std::string who = ownerNamedIn(file);
         ::close(descriptor);
         return Refusal{Failure::inUse,
-                       fmt::format("the store is in use by {}; try again when it is done",
-                                   process.empty() ? "another process" : "process " + process)};
+                       fmt::format("the store is in use by {}; try again when it is done", who)};
     }
     const std::string process = fmt::format("{}\n", ::getpid());
     if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, process.data(), process.size(),
