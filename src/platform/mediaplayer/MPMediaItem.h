@@ -92,6 +92,8 @@ class MPMediaItem {
     bool isCloudItem() const { return flag(SongRecord::cloud); }
     bool existsInLibrary() const { return !flag(SongRecord::outsideLibrary); }
     unsigned albumTrackNumber() const { return record().trackNumber; }
+    /// As the song tells it: of its album, or of its disc.
+    unsigned albumTrackCount() const { return record().trackCount; }
     unsigned discNumber() const { return record().discNumber; }
     unsigned year() const { return record().year; }
     /// 2 liked, 3 disliked, 1 neither any more, 0 never said.

@@ -50,6 +50,7 @@ constexpr auto properties = std::to_array<MPMediaItemProperty>({
      [](const Item& item) { return Value(item.albumArtistPersistentID()); }},
     {"albumPersistentID", [](const Item& item) { return Value(item.albumPersistentID()); }},
     textProperty<SongText::albumTitle>("albumTitle"),
+    {"albumTrackCount", [](const Item& item) { return number(item.albumTrackCount()); }},
     {"albumTrackNumber", [](const Item& item) { return number(item.albumTrackNumber()); }},
     textProperty<SongText::artist>("artist"),
     {"artistPersistentID", [](const Item& item) { return Value(item.artistPersistentID()); }},

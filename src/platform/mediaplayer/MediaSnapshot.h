@@ -94,7 +94,8 @@ struct SongRecord {
     std::uint32_t discNumber = 0;
     std::uint32_t year = 0;
     std::uint32_t likedState = 0;
-    std::uint32_t unused = 0;
+    /// How many tracks the album or its disc has, whether in the library or not; 0 when unknown.
+    std::uint32_t trackCount = 0;
 };
 static_assert(sizeof(SongRecord) == 256, "a record has no hidden gaps");
 

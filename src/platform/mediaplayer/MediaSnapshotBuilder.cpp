@@ -45,6 +45,7 @@ SongRecord recordWithoutTexts(const SongDescription& song) {
     setDate(record, SongDate::released, song.releaseDate);
     setDate(record, SongDate::lastSkipped, song.lastSkippedDate);
     record.trackNumber = song.trackNumber;
+    record.trackCount = song.trackCount;
     record.discNumber = song.discNumber;
     record.year = song.year;
     record.likedState = song.likedState;

@@ -43,6 +43,8 @@ struct SongDescription {
     std::optional<NSDate> releaseDate = {};
     std::optional<NSDate> lastSkippedDate = {};
     std::uint32_t trackNumber = 0;
+    /// How many tracks the album or its disc has, whether in the library or not; 0 when unknown.
+    std::uint32_t trackCount = 0;
     std::uint32_t discNumber = 0;
     std::uint32_t year = 0;
     /// 2 liked, 3 disliked, 1 neither any more, 0 never said.

@@ -21,7 +21,7 @@ constexpr std::size_t alignment = 64;
 /// texts, songs, playlists, playlist songs, and two arrays for each index.
 constexpr std::size_t partCount = 4 + 2 * (3 + songGroupCount);
 /// Changes with every change of what the arrays hold.
-constexpr std::uint32_t layoutVersion = 1;
+constexpr std::uint32_t layoutVersion = 2;
 
 struct Part {
     std::uint64_t offset = 0;

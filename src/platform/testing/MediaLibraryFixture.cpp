@@ -32,6 +32,7 @@ SongDescription description(const TestSong& song, std::uint64_t place) {
     described.releaseDate = song.released;
     described.lastSkippedDate = song.lastSkipped;
     described.trackNumber = song.track;
+    described.trackCount = song.trackCount;
     described.discNumber = song.disc;
     described.year = song.year;
     described.likedState = song.likedState;

@@ -50,6 +50,7 @@ struct TestSong {
     std::string sortArtist = {};
     std::string sortAlbumArtist = {};
     std::string sortAlbumTitle = {};
+    std::uint32_t trackCount = 0;
 };
 
 struct TestPlaylist {

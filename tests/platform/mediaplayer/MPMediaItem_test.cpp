@@ -41,7 +41,8 @@ TestSong fullSong() {
             .compilation = true,
             .explicitContent = true,
             .cloud = true,
-            .inLibrary = false};
+            .inLibrary = false,
+            .trackCount = 12};
 }
 
 TEST(MPMediaItem, ReadsEveryPropertyByName) {
@@ -72,6 +73,7 @@ TEST(MPMediaItem, ReadsEveryPropertyByName) {
         {"playbackStoreID", "1234"},
         {"cloudUniversalLibraryId", "LIB"},
         {"multiverseIdentifier", Value::Dictionary{{"cloudUniversalLibraryId", "LIB"}}},
+        {"albumTrackCount", 12},
         {"albumTrackNumber", 4},
         {"discNumber", 2},
         {"year", 1999},

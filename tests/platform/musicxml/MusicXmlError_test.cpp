@@ -26,7 +26,7 @@ TEST_F(MusicXmlErrors, NameTheFileTheLineAndWhatToDo) {
 }
 
 TEST_F(MusicXmlErrors, OfNumbersOutOfTheirRange) {
-    for (const char* key : {"Total Time", "Year", "Disc Number", "Track Number"}) {
+    for (const char* key : {"Total Time", "Year", "Disc Number", "Track Number", "Track Count"}) {
         EXPECT_EQ(ofTrack(integer(key, "2147483648")), "") << key;
         for (const char* value :
              {"-1", "2147483649", "99999999999999999999", "x", "", "1.5", " 1"}) {

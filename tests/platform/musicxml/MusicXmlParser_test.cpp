@@ -32,7 +32,7 @@ TEST_F(MusicXmlParserTest, FillsASong) {
         text("Persistent ID", "1ABA8417E4946A32") + text("Location", "file:///x.mp3") +
         text("Track Type", "File") + integer("Size", "9000000000") +
         integer("Total Time", "182674") + integer("Disc Number", "2") +
-        integer("Track Number", "3") + integer("Year", "2012") + integer("Play Count", "12") +
+        integer("Track Number", "3") + integer("Track Count", "12") + integer("Year", "2012") + integer("Play Count", "12") +
         integer("Skip Count", "4") + integer("Play Date", "3513593824") +
         date("Play Date UTC", "2015-05-04T12:00:24Z") + date("Skip Date", "2015-02-05T15:41:04Z") +
         date("Date Added", "2014-04-24T09:28:38Z") + date("Release Date", "2012-05-25T07:00:00Z") +
@@ -54,6 +54,7 @@ TEST_F(MusicXmlParserTest, FillsASong) {
     EXPECT_EQ(item.playbackDuration(), 182.674);
     EXPECT_EQ(item.discNumber(), 2U);
     EXPECT_EQ(item.albumTrackNumber(), 3U);
+    EXPECT_EQ(item.albumTrackCount(), 12U);
     EXPECT_EQ(item.year(), 2012U);
     EXPECT_EQ(item.playCount(), 12U);
     EXPECT_EQ(item.skipCount(), 4U);

@@ -169,6 +169,7 @@ SongDescription MusicXmlEntry::song() const {
     song.dateAdded = date(MusicXmlKey::dateAdded);
     song.releaseDate = date(MusicXmlKey::releaseDate);
     song.trackNumber = static_cast<std::uint32_t>(integer(MusicXmlKey::trackNumber));
+    song.trackCount = static_cast<std::uint32_t>(integer(MusicXmlKey::trackCount));
     song.discNumber = static_cast<std::uint32_t>(integer(MusicXmlKey::discNumber));
     song.year = static_cast<std::uint32_t>(integer(MusicXmlKey::year));
     if (flag(MusicXmlKey::loved) || flag(MusicXmlKey::favorited)) {

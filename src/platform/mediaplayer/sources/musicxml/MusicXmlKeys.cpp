@@ -29,6 +29,7 @@ constexpr auto names = std::to_array<std::string_view>({
     "Total Time",
     "Disc Number",
     "Track Number",
+    "Track Count",
     "Year",
     "Play Count",
     "Skip Count",

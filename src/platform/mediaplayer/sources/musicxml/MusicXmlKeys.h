@@ -33,6 +33,7 @@ enum class MusicXmlKey : std::uint8_t {
     totalTime,
     discNumber,
     trackNumber,
+    trackCount,
     year,
     playCount,
     skipCount,

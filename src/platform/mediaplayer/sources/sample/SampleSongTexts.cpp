@@ -101,6 +101,7 @@ void SampleSongTexts::leaveOut(SongDescription& description, std::uint32_t song)
         description.albumTitle.reset();
         description.sortAlbumTitle.reset();
         description.trackNumber = 0;
+        description.trackCount = 0;
         description.discNumber = 0;
     }
     if (random.chance(1 / 250.0)) {
@@ -141,6 +142,7 @@ SongDescription SampleSongTexts::descriptionOf(std::uint32_t song) {
     description.releaseDate = releaseDateOf(album);
     description.year = album.year;
     description.trackNumber = place % songsADisc_ + 1;
+    description.trackCount = album.songCount;
     description.discNumber = place / songsADisc_ + 1;
     description.isCompilation = album.isCompilation;
     description.isCloudItem = album.isCloudAlbum;
