@@ -59,8 +59,12 @@ const icu::DecimalFormat& formatFor(const FormatKey& key) {
     return formats.formatter(key, [&] { return makeFormat(key); });
 }
 
-/// A number that rounds to nothing keeps its minus sign in ICU's text.
+/// A number that rounds to nothing keeps its minus sign in ICU's text, and so does what is no
+/// number, whose sign means nothing: some machines set it for 0/0 and others do not.
 double withoutEmptySign(double number, int fractionDigits) {
+    if (std::isnan(number)) {
+        return std::abs(number);
+    }
     return std::abs(number) <= 0.5 * std::pow(10.0, -fractionDigits) ? 0.0 : number;
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
@@ -95,6 +96,14 @@ TEST(NSNumberFormatter, TheStylesHaveTheirOwnNumberOfDigits) {
     EXPECT_EQ(NSNumberFormatter(NSNumberFormatterStyle::currency).stringFromNumber(0.005), "$0.00");
     EXPECT_EQ(NSNumberFormatter(NSNumberFormatterStyle::currency).stringFromNumber(-0.001),
               "$0.00");
+}
+
+TEST(NSNumberFormatter, WhatIsNoNumberHasNoSign) {
+    const InLocale plugged("en_US");
+    const NSNumberFormatter formatter(NSNumberFormatterStyle::percent);
+    for (const double sign : {1.0, -1.0}) {
+        EXPECT_EQ(formatter.stringFromNumber(std::copysign(std::nan(""), sign)), "NaN%");
+    }
 }
 
 TEST(NSNumberFormatter, WhatIsSetOnItWinsOverTheRegion) {
