@@ -20,6 +20,42 @@ double secondsListened(const std::vector<MPMediaItem>& songs) {
     return seconds;
 }
 
+std::uint64_t skipCount(const std::vector<MPMediaItem>& songs) {
+    std::uint64_t sum = 0;
+    for (const MPMediaItem& song : songs) {
+        sum += song.skipCount();
+    }
+    return sum;
+}
+
+std::size_t playedSince(const std::vector<MPMediaItem>& songs, NSDate date) {
+    return static_cast<std::size_t>(
+        std::count_if(songs.begin(), songs.end(), [&](const MPMediaItem& song) {
+            const std::optional<NSDate> played = song.lastPlayedDate();
+            return played && date < *played;
+        }));
+}
+
+std::size_t explicitCount(const std::vector<MPMediaItem>& songs) {
+    return static_cast<std::size_t>(std::count_if(
+        songs.begin(), songs.end(), [](const MPMediaItem& song) { return song.isExplicitItem(); }));
+}
+
+std::size_t cloudCount(const std::vector<MPMediaItem>& songs) {
+    return static_cast<std::size_t>(std::count_if(
+        songs.begin(), songs.end(), [](const MPMediaItem& song) { return song.isCloudItem(); }));
+}
+
+std::optional<NSDate> earliest(const std::vector<MPMediaItem>& songs,
+                               std::optional<NSDate> (MPMediaItem::*date)() const) {
+    std::optional<NSDate> found;
+    for (const MPMediaItem& song : songs) {
+        const std::optional<NSDate> one = (song.*date)();
+        found = found && one ? std::min(found, one) : (found ? found : one);
+    }
+    return found;
+}
+
 std::optional<NSDate> latest(const std::vector<MPMediaItem>& songs,
                              std::optional<NSDate> (MPMediaItem::*date)() const) {
     std::optional<NSDate> found;

@@ -16,6 +16,17 @@ namespace tavrion::CollectionValues {
 std::uint64_t playCount(const std::vector<MPMediaItem>& songs);
 /// The sum of each song's play count times its duration.
 double secondsListened(const std::vector<MPMediaItem>& songs);
+/// "items.@sum.skipCount".
+std::uint64_t skipCount(const std::vector<MPMediaItem>& songs);
+/// How many were last played later than that, not at that instant.
+std::size_t playedSince(const std::vector<MPMediaItem>& songs, NSDate date);
+/// How many are marked as explicit.
+std::size_t explicitCount(const std::vector<MPMediaItem>& songs);
+/// How many are not on this device.
+std::size_t cloudCount(const std::vector<MPMediaItem>& songs);
+/// "items.@min." of a date.
+std::optional<NSDate> earliest(const std::vector<MPMediaItem>& songs,
+                               std::optional<NSDate> (MPMediaItem::*date)() const);
 /// "items.@max." of a date.
 std::optional<NSDate> latest(const std::vector<MPMediaItem>& songs,
                              std::optional<NSDate> (MPMediaItem::*date)() const);

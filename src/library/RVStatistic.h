@@ -19,6 +19,12 @@ class RVStatistic {
     RVStatistic() = default;
     RVStatistic(UIImage icon, std::string value, std::string caption)
         : icon_(std::move(icon)), value_(std::move(value)), caption_(std::move(caption)) {}
+    /// With the symbol of that name.
+    static std::shared_ptr<const RVStatistic> make(const char* symbol, std::string value,
+                                                   std::string caption) {
+        return std::make_shared<const RVStatistic>(UIImage::systemImageNamed(symbol),
+                                                   std::move(value), std::move(caption));
+    }
     RVStatistic(const RVStatistic&) = delete;
     RVStatistic& operator=(const RVStatistic&) = delete;
 
