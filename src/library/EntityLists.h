@@ -1,0 +1,64 @@
+// The lists of an entity's page: all of them when the page opens, one of them when it is sorted
+// anew.
+//
+// Queue: one caller at a time, off the main queue, since the library is walked. Who owns: the page.
+// The two ways do not give the same order where the song list stands in its first sort; that is
+// wanted. Absent: a song has no lists.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "library/EntitySections.h"
+#include "library/RVStatistic.h"
+#include "platform/mediaplayer/MPMediaQuery.h"
+
+namespace tavrion {
+
+struct EntityList {
+    EntitySection section = EntitySection::songs;
+    std::vector<MPMediaEntity> entities;
+};
+
+/// What a page shows. The chart's section stands between the tiles and the lists; its bars come
+/// later.
+struct EntitySnapshot {
+    std::vector<RVStatisticReference> statistics;
+    std::vector<EntityList> lists;
+
+    /// Null when the page has no such list.
+    const EntityList* list(EntitySection section) const;
+    /// The numbers of all sections, from the top.
+    std::vector<EntitySection> sections() const;
+};
+
+class EntityLists {
+  public:
+    using SortOfSection = std::function<EntitySort(EntitySection)>;
+
+    explicit EntityLists(MPMediaEntity entity);
+
+    const MPMediaEntity& entity() const { return entity_; }
+    /// The whole page. In their first sort the songs of an artist or a genre come by title whatever
+    /// `reverse` says.
+    EntitySnapshot fullBuild(const SortOfSection& sortOfSection);
+    /// One list in another sort. In the first, a playlist comes by title and an album by disc and
+    /// track whatever `reverse` says.
+    std::vector<MPMediaEntity> reloadedList(EntitySection section, const EntitySort& sort);
+
+    /// The snapshot with the list in place of the one it had; unchanged for an empty list.
+    static EntitySnapshot withList(EntitySnapshot snapshot, EntityList list);
+    static MPMediaGrouping groupTypeOfSection(EntitySection section);
+
+  private:
+    std::vector<MPMediaEntity> results(EntitySection section, const EntitySort& sort);
+    std::vector<MPMediaEntity> inFirstOrder(std::vector<MPMediaEntity> songs,
+                                            const EntitySort& sort) const;
+
+    MPMediaEntity entity_;
+    /// One for all lists, never a copy: a filter that one list needs stays on for those after it.
+    std::optional<MPMediaQuery> itemsQuery_;
+};
+
+}  // namespace tavrion

@@ -1,0 +1,73 @@
+#include "library/EntityTexts.h"
+
+#include "library/RVMetadataManager.h"
+#include "platform/mediaplayer/MPMediaQuery.h"
+
+namespace tavrion::EntityTexts {
+
+namespace {
+
+double durationOf(const MPMediaEntity& entity) {
+    if (const MPMediaItem* song = entity.item()) {
+        return song->playbackDuration();
+    }
+    double seconds = 0;
+    if (const MPMediaItemCollection* collection = entity.collection()) {
+        for (const MPMediaItem& song : collection->items()) {
+            seconds += song.playbackDuration();
+        }
+    }
+    return seconds;
+}
+
+}  // namespace
+
+std::optional<MPMediaItemCollection> artistForEntity(const MPMediaEntity& entity) {
+    const std::optional<MPMediaItem> song = entity.representativeItem();
+    if (!song) {
+        return std::nullopt;
+    }
+    MPMediaQuery query = MPMediaQuery::songsQuery();
+    query.setGroupingType(MPMediaGrouping::albumArtist);
+    query.addFilterPredicate(MPMediaPropertyPredicate::predicateWithValue(
+        Value(song->albumArtistPersistentID()), MPMediaItemPropertyAlbumArtistPersistentID));
+    const std::vector<MPMediaItemCollection> artists = query.collections();
+    return artists.empty() ? std::nullopt : std::optional(artists.front());
+}
+
+EntityHeader header(const MPMediaEntity& entity) {
+    EntityHeader header;
+    if (const auto title = RVMetadataManager::titleForMediaEntity(entity, std::nullopt)) {
+        header.title = title->textWithoutAttachments();
+    }
+    header.subtitle = RVMetadataManager::subtitleForMediaEntity(entity);
+    header.duration = RVMetadataManager::formattedPlaybackDuration(durationOf(entity));
+    const MPMediaItem* song = entity.item();
+    const bool mayLink = song != nullptr || entity.groupingType() == MPMediaGrouping::album;
+    header.linksToArtist = mayLink && artistForEntity(entity).has_value();
+    if (song != nullptr) {
+        header.icons = RVMetadataManager::iconsForMediaItem(*song);
+        if (header.linksToArtist) {
+            header.subtitle = RVMetadataManager::albumArtistForMediaItem(*song);
+        }
+    }
+    return header;
+}
+
+EntityRank rankOfEntity(const MPMediaEntity& entity, std::size_t index, RVSortType sortType,
+                        const MPMediaEntity& page) {
+    EntityRank rank;
+    rank.property = RVMetadataManager::sortPropertyForMediaEntity(entity, sortType);
+    const MPMediaItem* song = entity.item();
+    if (sortType == RVSortTypeAlphabetical && page.groupingType() == MPMediaGrouping::album &&
+        song != nullptr) {
+        rank.text = std::to_string(song->albumTrackNumber());
+        rank.isShown = true;
+    } else if (RVMetadataManager::sortTypeIsRanked(sortType)) {
+        rank.text = std::to_string(index + 1);
+        rank.isShown = true;
+    }
+    return rank;
+}
+
+}  // namespace tavrion::EntityTexts
