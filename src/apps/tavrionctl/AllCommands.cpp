@@ -1,3 +1,4 @@
+#include "apps/tavrionctl/BrowseCommand.h"
 #include "apps/tavrionctl/Command.h"
 #include "apps/tavrionctl/DefaultsCommands.h"
 #include "apps/tavrionctl/LibraryCommands.h"
@@ -21,7 +22,7 @@ std::vector<CommandGroup> allCommands() {
     groups.push_back(
         group<LibraryUseCommand, LibraryStatusCommand, LibrarySongsCommand, LibraryForgetCommand>(
             "library", "Choose and look at the music library"));
-    groups.push_back(group<ScanCommand, PlaysCommand, HistoriesCommand>("", ""));
+    groups.push_back(group<ScanCommand, PlaysCommand, HistoriesCommand, BrowseCommand>("", ""));
     groups.push_back(group<DefaultsReadCommand, DefaultsWriteCommand, DefaultsDeleteCommand>(
         "defaults", "Read and write the user defaults"));
     return groups;

@@ -1,0 +1,279 @@
+#include "apps/tavrionctl/BrowseCommand.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+
+#include "apps/tavrionctl/AttributedText.h"
+#include "apps/tavrionctl/JsonWriter.h"
+#include "apps/tavrionctl/Session.h"
+#include "apps/tavrionctl/TextTable.h"
+#include "library/RVBrowseCollectionViewController.h"
+#include "library/RVMetadataManager.h"
+#include "library/RVQueryManager+Results.h"
+#include "platform/foundation/DisplayWidth.h"
+
+namespace tavrion::ctl {
+namespace {
+
+using Browse = RVBrowseCollectionViewController;
+
+/// In the order of the menus.
+constexpr std::array<std::string_view, 5> groupNames{"songs", "albums", "artists", "genres",
+                                                     "playlists"};
+constexpr std::array<std::string_view, 6> sortNames{"alphabetical",  "play-count", "last-played",
+                                                    "time-listened", "date-added", "release-date"};
+
+/// Where the name stands among the names.
+template <std::size_t count>
+std::optional<std::size_t> indexOf(const std::array<std::string_view, count>& names,
+                                   std::string_view name) {
+    const auto found = std::find(names.begin(), names.end(), name);
+    return found == names.end() ? std::nullopt
+                                : std::optional(static_cast<std::size_t>(found - names.begin()));
+}
+
+template <std::size_t count>
+Outcome unknown(std::string_view kind, std::string_view name,
+                const std::array<std::string_view, count>& names) {
+    return Outcome::usage(
+        fmt::format("there is no {} '{}'; there are {}", kind, name, fmt::join(names, ", ")));
+}
+
+struct Row {
+    MPMediaEntity entity;
+    std::optional<std::size_t> rank;
+    std::optional<NSAttributedString> title;
+    std::optional<std::string> subtitle;
+    NSAttributedString property;
+};
+
+/// The title carries its marks for people only.
+Row rowOf(const MPMediaEntity& entity, std::size_t index, RVSortType sortType, bool forPeople) {
+    const auto font = forPeople ? std::optional(UIFont{}) : std::nullopt;
+    return {entity,
+            RVMetadataManager::sortTypeIsRanked(sortType) ? std::optional(index + 1) : std::nullopt,
+            RVMetadataManager::titleForMediaEntity(entity, font),
+            RVMetadataManager::subtitleForMediaEntity(entity),
+            RVMetadataManager::sortPropertyForMediaEntity(entity, sortType)};
+}
+
+void writeRow(JsonWriter& json, const Row& row) {
+    json.beginObject().key("rank");
+    if (row.rank) {
+        json.unsignedInteger(*row.rank);
+    } else {
+        json.null();
+    }
+    json.key("title");
+    if (row.title) {
+        json.text(row.title->textWithoutAttachments());
+    } else {
+        json.null();
+    }
+    json.key("subtitle").optionalText(row.subtitle);
+    json.key("property").text(row.property.textWithoutAttachments());
+    json.key("persistentID").unsignedInteger(row.entity.persistentID());
+    const MPMediaItemCollection* collection = row.entity.collection();
+    json.key("songs").unsignedInteger(collection == nullptr ? 1 : collection->count());
+    json.endObject();
+}
+
+void writeList(const std::vector<MPMediaEntity>& list, RVSortType sortType) {
+    JsonWriter json(stdout);
+    json.beginObject().key("items").beginArray();
+    for (std::size_t index = 0; index < list.size(); ++index) {
+        writeRow(json, rowOf(list[index], index, sortType, false));
+    }
+    json.endArray().endObject().finish();
+}
+
+/// Columns of the terminal; absent when the output goes elsewhere.
+std::optional<std::size_t> terminalColumns() {
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0
+               ? std::optional<std::size_t>(size.ws_col)
+               : std::nullopt;
+}
+
+/// The columns of a list, as wide as its widest row needs, within limits.
+class ListPrinter {
+  public:
+    ListPrinter(const std::vector<Row>& rows, const TerminalAbilities& abilities)
+        : abilities_(abilities) {
+        for (const Row& row : rows) {
+            title_ = std::max(title_, plainWidth(titleOf(row)));
+            subtitle_ = std::max(subtitle_, displayWidth(row.subtitle.value_or("")));
+            property_ = std::max(property_, plainWidth(row.property));
+            rank_ = row.rank ? std::to_string(*row.rank).size() + gap : rank_;
+        }
+        title_ = std::min(title_, widestTitle);
+        subtitle_ = std::min(subtitle_, widestSubtitle);
+        fitTo(terminalColumns());
+    }
+
+    void print(const Row& row) const {
+        const std::string rank = row.rank ? std::to_string(*row.rank) : std::string();
+        const std::size_t width = plainWidth(row.property);
+        fmt::print("{:>{}}{}{}  {}{:{}}{}\n", rank, rank_ == 0 ? 0 : rank_ - gap,
+                   rank_ == 0 ? "" : "  ", fitted(titleOf(row), title_, abilities_),
+                   fitted(row.subtitle.value_or(""), subtitle_), "", property_ - width + gap,
+                   fitted(row.property, width, abilities_));
+    }
+
+  private:
+    static constexpr std::size_t gap = 2;
+    static constexpr std::size_t widestTitle = 40;
+    static constexpr std::size_t widestSubtitle = 28;
+
+    static NSAttributedString titleOf(const Row& row) {
+        return row.title.value_or(NSAttributedString(RVMetadataManager::placeholder));
+    }
+    std::size_t plainWidth(const NSAttributedString& text) const {
+        return displayWidth(printed(text, {abilities_.showsSymbols, false}));
+    }
+    /// Titles and subtitles give way, never the value at the right.
+    void fitTo(std::optional<std::size_t> columns) {
+        const std::size_t others = rank_ + property_ + 2 * gap;
+        constexpr std::size_t least = 20;
+        if (!columns || others + title_ + subtitle_ <= *columns) {
+            return;
+        }
+        const std::size_t room = std::max(least, *columns > others ? *columns - others : 0);
+        subtitle_ = std::min(subtitle_, room * 2 / 5);
+        title_ = std::min(title_, room - subtitle_);
+    }
+
+    const TerminalAbilities& abilities_;
+    std::size_t rank_ = 0;
+    std::size_t title_ = 0;
+    std::size_t subtitle_ = 0;
+    std::size_t property_ = 0;
+};
+
+/// What the list is grouped and sorted by, as the two buttons of the page say it.
+std::string headingOf(const BrowseChoices& choices, const TerminalAbilities& abilities) {
+    const std::string group = Browse::groupTitles()[Browse::indexForGrouping(choices.groupType)];
+    std::string heading = printed(
+        RVMetadataManager::attributedString(group, UIImage::systemImageNamed("square.split.1x2")),
+        abilities);
+    const std::vector<std::string> sorts = Browse::sortTitles();
+    if (choices.sortType < sorts.size()) {
+        const char* chevron = choices.reverse ? "chevron.down.square" : "chevron.up.square";
+        heading += "   " + printed(RVMetadataManager::attributedString(
+                                       sorts[choices.sortType], UIImage::systemImageNamed(chevron)),
+                                   abilities);
+    }
+    return heading;
+}
+
+void printList(const Session& session, const std::vector<MPMediaEntity>& list,
+               const BrowseChoices& choices) {
+    const TerminalAbilities abilities = TerminalAbilities::ofStandardOutput();
+    std::vector<Row> rows;
+    rows.reserve(list.size());
+    for (std::size_t index = 0; index < list.size(); ++index) {
+        rows.push_back(rowOf(list[index], index, choices.sortType, true));
+    }
+    fmt::print("{}\n", headingOf(choices, abilities));
+    if (rows.empty()) {
+        session.say("The library has none.");
+    }
+    const ListPrinter printer(rows, abilities);
+    for (const Row& row : rows) {
+        printer.print(row);
+    }
+}
+
+std::vector<RVStatisticReference> libraryStatistics() {
+    std::vector<RVStatisticReference> statistics;
+    for (std::uint64_t index = 0; index < Browse::statisticCount; ++index) {
+        statistics.push_back(Browse::statForIndex(index));
+    }
+    return statistics;
+}
+
+void writeStatistics() {
+    JsonWriter json(stdout);
+    json.beginArray();
+    for (const RVStatisticReference& statistic : libraryStatistics()) {
+        json.beginObject().key("icon").text(statistic->icon()->name());
+        json.key("value").text(statistic->value());
+        json.key("caption").text(statistic->caption()).endObject();
+    }
+    json.endArray().finish();
+}
+
+void printStatistics() {
+    const TerminalAbilities abilities = TerminalAbilities::ofStandardOutput();
+    const std::vector<RVStatisticReference> statistics = libraryStatistics();
+    std::size_t widest = 0;
+    for (const RVStatisticReference& statistic : statistics) {
+        widest = std::max(widest, displayWidth(statistic->value()));
+    }
+    for (const RVStatisticReference& statistic : statistics) {
+        const auto icon = NSAttributedString::attributedStringWithAttachment(*statistic->icon());
+        fmt::print("{}  {:{}}{}  {}\n", fitted(icon, 1, abilities), "",
+                   widest - displayWidth(statistic->value()), statistic->value(),
+                   statistic->caption());
+    }
+}
+
+}  // namespace
+
+void BrowseCommand::describe(CLI::App& parent) {
+    described_ = parent.add_subcommand(
+        "browse", "List the library; without options as it was last chosen on the screen");
+    CLI::Option* group =
+        described_->add_option("--group", group_, fmt::format("{}", fmt::join(groupNames, ", ")));
+    CLI::Option* sort =
+        described_->add_option("--sort", sort_, fmt::format("{}", fmt::join(sortNames, ", ")));
+    CLI::Option* reverse = described_->add_flag("--reverse", reverse_, "The other way round");
+    described_->add_flag("--tiles", tiles_, "The eight statistics of the library instead")
+        ->excludes(group)
+        ->excludes(sort)
+        ->excludes(reverse);
+}
+
+Outcome BrowseCommand::execute(Session& session) {
+    BrowseChoices choices = BrowseChoices::stored();
+    if (group_) {
+        const auto index = indexOf(groupNames, *group_);
+        if (!index) {
+            return unknown("group", *group_, groupNames);
+        }
+        choices.groupType = Browse::groupingForIndex(*index);
+    }
+    if (sort_) {
+        const auto index = indexOf(sortNames, *sort_);
+        if (!index) {
+            return unknown("sort", *sort_, sortNames);
+        }
+        // As in the menu, another sort begins in its natural direction.
+        choices.sortType = *index;
+        choices.reverse = false;
+    }
+    choices.reverse = choices.reverse || reverse_;
+    if (Outcome opened = session.openLibrary(); !opened.isDone()) {
+        return opened;
+    }
+    if (tiles_) {
+        session.options().json ? writeStatistics() : printStatistics();
+        return {};
+    }
+    const auto list = RVQueryManager::resultsForQuery(nullptr, choices.groupType, choices.sortType,
+                                                      choices.reverse);
+    if (session.options().json) {
+        writeList(list, choices.sortType);
+    } else {
+        printList(session, list, choices);
+    }
+    return {};
+}
+
+}  // namespace tavrion::ctl
