@@ -66,4 +66,10 @@ void BenchEnvironment::scan() {
     mainQueue->runUntilIdle();
 }
 
+void BenchEnvironment::scanByRule(double now) {
+    clock_.set(NSDate::dateWithTimeIntervalSinceReferenceDate(now));
+    RVPlaybackHistoryManager::updatePlaybackHistoryWithPopup(false, nullptr);
+    mainQueue->runUntilIdle();
+}
+
 }  // namespace tavrion::bench

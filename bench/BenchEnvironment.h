@@ -14,10 +14,10 @@
 #include "platform/cloudkit/NSPersistentCloudKitContainer.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/dispatch/TimerService.h"
-#include "platform/foundation/Clock.h"
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/mediaplayer/MPMediaLibrary.h"
+#include "platform/testing/ManualClock.h"
 #include "recording/AwardSink.h"
 #include "recording/ScanPresenter.h"
 
@@ -65,6 +65,8 @@ class BenchEnvironment {
     void publish(std::shared_ptr<const MediaSnapshot> snapshot);
     /// A scan of everything and all that follows it, the main save included.
     void scan();
+    /// The same as the ordinary entry point looks, at that instant.
+    void scanByRule(double now);
     NSManagedObjectContext& main() { return *data->mainContext(); }
     /// The longest single turn of the main queue so far, in seconds.
     double longestTurn() const { return mainQueue->longestTurn(); }
@@ -72,7 +74,7 @@ class BenchEnvironment {
     std::size_t songsMatched() const { return songsMatched_; }
 
   private:
-    FixedClock clock_;
+    ManualClock clock_;
     Port<Clock>::Plug clockPlug_{clock_};
     Regional region_{*NSTimeZone::timeZoneWithName("Europe/Berlin"), "en_US"};
     Port<Regional>::Plug regionPlug_{region_};

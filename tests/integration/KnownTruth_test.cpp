@@ -12,63 +12,15 @@
 
 #include "tests/RealData.h"
 #include "tests/support/RecordingEnvironment.h"
+#include "tests/support/TenYearHistory.h"
 
 namespace tavrion {
 namespace {
 
-struct TruePlay {
-    double seconds = 0;
-    std::string song;
-};
-
-/// The fields of a line of comma-separated values; a quoted field may hold commas and doubled
-/// quotes.
-std::vector<std::string> fieldsOf(const std::string& line) {
-    std::vector<std::string> fields(1);
-    bool quoted = false;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '"' && quoted && i + 1 < line.size() && line[i + 1] == '"') {
-            fields.back() += line[i++];
-        } else if (line[i] == '"') {
-            quoted = !quoted;
-        } else if (line[i] == ',' && !quoted) {
-            fields.emplace_back();
-        } else {
-            fields.back() += line[i];
-        }
-    }
-    return fields;
-}
-
-/// All plays whose second is theirs alone, in the order of time, within [from, to) of Unix time.
-std::vector<TruePlay> truePlays(double from, double to) {
-    const std::filesystem::path file =
-        *realDataDirectory() / "histories" / "ten-years-104571-plays.csv.gz";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(
-        ::popen(("gzip -dc '" + file.string() + "'").c_str(), "r"), ::pclose);
-    std::multimap<double, std::string> bySecond;
-    std::string line;
-    for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get())) {
-        if (c != '\n') {
-            line += static_cast<char>(c);
-            continue;
-        }
-        const std::vector<std::string> fields = fieldsOf(line);
-        line.clear();
-        const double unixTime = fields.size() == 4 ? std::atof(fields[0].c_str()) : 0;
-        if (unixTime >= from && unixTime < to) {
-            bySecond.emplace(
-                NSDate::dateWithTimeIntervalSince1970(unixTime).timeIntervalSinceReferenceDate(),
-                fields[1] + " / " + fields[3]);
-        }
-    }
-    std::vector<TruePlay> plays;
-    for (const auto& [second, song] : bySecond) {
-        if (bySecond.count(second) == 1) {
-            plays.push_back({second, song});
-        }
-    }
-    return plays;
+/// Of the year that begins at `from`, in Unix time.
+std::vector<TruePlay> truePlaysOfYear(double from, double length) {
+    return truePlays(*realDataDirectory() / "histories" / "ten-years-104571-plays.csv.gz", from,
+                     from + length);
 }
 
 /// What the library and the scan know of one song.
@@ -135,7 +87,7 @@ void KnownTruthTest::replay(const std::string& year) {
         dateFromIsoText(year + "-01-01T00:00:00Z")->timeIntervalSinceReferenceDate();
     const double unixStart =
         NSDate::dateWithTimeIntervalSinceReferenceDate(start).timeIntervalSince1970();
-    const std::vector<TruePlay> truth = truePlays(unixStart, unixStart + 365 * day);
+    const std::vector<TruePlay> truth = truePlaysOfYear(unixStart, 365 * day);
     ASSERT_FALSE(truth.empty()) << year;
     environment = std::make_unique<RecordingEnvironment>(RecordingEnvironment::at(start));
     scanAt(start);
