@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <span>
 #include <utility>
 
 namespace tavrion {
@@ -21,25 +22,28 @@ void sortByKeyDigits(std::vector<SortedIndex::Entry>& entries) {
     constexpr unsigned digitBits = 11;
     constexpr std::size_t digits = std::size_t{1} << digitBits;
     constexpr unsigned passes = (64 + digitBits - 1) / digitBits;
-    std::vector<std::array<std::uint32_t, digits>> counts(passes);
+    // Digits in which all keys agree need no pass.
+    std::uint64_t differing = 0;
     for (const SortedIndex::Entry& entry : entries) {
-        for (unsigned pass = 0; pass < passes; ++pass) {
-            ++counts[pass][(entry.key >> (pass * digitBits)) & (digits - 1)];
-        }
+        differing |= entry.key ^ entries.front().key;
     }
     std::vector<SortedIndex::Entry> sorted(entries.size());
+    std::array<std::uint32_t, digits> places{};
     for (unsigned pass = 0; pass < passes; ++pass) {
-        std::array<std::uint32_t, digits>& places = counts[pass];
-        const std::size_t first = (entries.front().key >> (pass * digitBits)) & (digits - 1);
-        if (places[first] == entries.size()) {
+        const unsigned shift = pass * digitBits;
+        if (((differing >> shift) & (digits - 1)) == 0) {
             continue;
+        }
+        places.fill(0);
+        for (const SortedIndex::Entry& entry : entries) {
+            ++places[(entry.key >> shift) & (digits - 1)];
         }
         std::uint32_t place = 0;
         for (std::uint32_t& count : places) {
             place += std::exchange(count, place);
         }
         for (const SortedIndex::Entry& entry : entries) {
-            sorted[places[(entry.key >> (pass * digitBits)) & (digits - 1)]++] = entry;
+            sorted[places[(entry.key >> shift) & (digits - 1)]++] = entry;
         }
         entries.swap(sorted);
     }
@@ -96,6 +100,17 @@ class SortedIndex::LeafWriter {
         close();
         push(leaf);
     }
+    /// A leaf of these entries.
+    void pushFilled(std::span<const Entry> entries) {
+        auto leaf = std::make_shared<Leaf>();
+        leaf->keys.reserve(entries.size());
+        leaf->records.reserve(entries.size());
+        for (const Entry& entry : entries) {
+            leaf->keys.push_back(entry.key);
+            leaf->records.push_back(entry.record);
+        }
+        push(std::move(leaf));
+    }
     void close() {
         if (open_) {
             push(std::move(open_));
@@ -138,10 +153,10 @@ std::shared_ptr<const SortedIndex> SortedIndex::build(std::vector<Entry> entries
     sortEntries(entries);
     auto index = std::make_shared<SortedIndex>();
     LeafWriter writer(*index);
-    for (const Entry& entry : entries) {
-        writer.add(entry);
+    for (std::size_t first = 0; first < entries.size(); first += filledLeaf) {
+        writer.pushFilled(
+            std::span(entries).subspan(first, std::min(filledLeaf, entries.size() - first)));
     }
-    writer.close();
     return index;
 }
 
