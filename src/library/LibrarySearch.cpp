@@ -7,8 +7,10 @@
 #include <utility>
 
 #include "library/SearchTerm.h"
+#include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/mediaplayer/MPMediaQuery.h"
+#include "platform/foundation/SearchFolding.h"
+#include "platform/mediaplayer/MPMediaLibrary.h"
 
 namespace tavrion {
 
@@ -79,14 +81,33 @@ Entities entitiesOf(std::vector<Entity> entities) {
     return {std::make_move_iterator(entities.begin()), std::make_move_iterator(entities.end())};
 }
 
+}  // namespace
+
+void LibrarySearch::readTitles() {
+    const auto snapshot = MPMediaLibrary::defaultMediaLibrary().snapshot();
+    const std::string& locale = Port<Regional>::current().locale();
+    if (titles_.snapshot == snapshot && titles_.locale == locale) {
+        return;
+    }
+    titles_ = {snapshot, locale, {}};
+    titles_.folded.reserve(snapshot->songs().size());
+    for (std::uint32_t place = 0; place < snapshot->songs().size(); ++place) {
+        const auto title = snapshot->text(place, SongText::title);
+        titles_.folded.push_back(foldedForSearch(title.value_or("")));
+    }
+}
+
 /// Songs by their titles word by word, which no filter of a query can do, then those by a matching
 /// artist or on a matching album.
-Entities foundSongs(std::string_view term, const MPMediaQuery& artistQuery,
-                    const MPMediaQuery& albumQuery) {
-    const EntityTest hasWords = substringPredicateForKeyPath(MPMediaItemPropertyTitle, term);
+Entities LibrarySearch::foundSongs(std::string_view term, const MPMediaQuery& artistQuery,
+                                   const MPMediaQuery& albumQuery) {
+    readTitles();
+    const FoldedTerm words(term);
     OrderedSongs songs;
     for (const MPMediaItem& song : MPMediaQuery::songsQuery().items()) {
-        if (hasWords(song)) {
+        // Another library may have been read in between.
+        if (song.snapshot() == titles_.snapshot ? words.isInFolded(titles_.folded[song.position()])
+                                                : words.isIn(song.title().value_or(""))) {
             songs.add(song);
         }
     }
@@ -94,8 +115,6 @@ Entities foundSongs(std::string_view term, const MPMediaQuery& artistQuery,
     songs.add(albumQuery.items());
     return songs.take();
 }
-
-}  // namespace
 
 // Each stage goes on with the queries of the one before.
 SearchResults LibrarySearch::results(std::string_view term) {

@@ -13,6 +13,8 @@
 
 #include "library/SearchRanking.h"
 #include "platform/mediaplayer/MPMediaEntity.h"
+#include "platform/mediaplayer/MPMediaQuery.h"
+#include "platform/mediaplayer/MediaSnapshot.h"
 
 namespace tavrion {
 
@@ -56,7 +58,18 @@ class LibrarySearch {
     SearchResults results(std::string_view term);
 
   private:
+    /// The titles of one snapshot as a search reads them, by the songs' places.
+    struct Titles {
+        std::shared_ptr<const MediaSnapshot> snapshot;
+        std::string locale;
+        std::vector<std::string> folded;
+    };
+    void readTitles();
+    std::vector<MPMediaEntity> foundSongs(std::string_view term, const MPMediaQuery& artistQuery,
+                                          const MPMediaQuery& albumQuery);
+
     SearchRanking ranking_;
+    Titles titles_;
 };
 
 /// The sections in their order on the page.

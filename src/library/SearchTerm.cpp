@@ -35,28 +35,6 @@ std::size_t separatorAtEnd(std::string_view text) {
     return 0;
 }
 
-/// Empty when the term can't be found in any text.
-std::vector<std::string> foldedParts(std::string_view term) {
-    std::vector<std::string> folded;
-    for (const std::string_view part : partsOfTerm(term)) {
-        folded.push_back(foldedForSearch(part));
-        if (folded.back().empty()) {
-            return {};
-        }
-    }
-    return folded;
-}
-
-bool containsAll(std::string_view string, const std::vector<std::string>& folded) {
-    if (string.empty() || folded.empty()) {
-        return false;
-    }
-    const std::string text = foldedForSearch(string);
-    return std::all_of(folded.begin(), folded.end(), [&](const std::string& part) {
-        return text.find(part) != std::string::npos;
-    });
-}
-
 }  // namespace
 
 std::string_view trimmedTerm(std::string_view typed) {
@@ -86,8 +64,29 @@ std::vector<std::string_view> partsOfTerm(std::string_view term) {
     return parts;
 }
 
+FoldedTerm::FoldedTerm(std::string_view term) {
+    for (const std::string_view part : partsOfTerm(term)) {
+        parts_.push_back(foldedForSearch(part));
+        if (parts_.back().empty()) {
+            parts_.clear();
+            return;
+        }
+    }
+}
+
+bool FoldedTerm::isInFolded(std::string_view folded) const {
+    return !folded.empty() && !parts_.empty() &&
+           std::all_of(parts_.begin(), parts_.end(), [&](const std::string& part) {
+               return folded.find(part) != std::string_view::npos;
+           });
+}
+
+bool FoldedTerm::isIn(std::string_view text) const {
+    return isInFolded(foldedForSearch(text));
+}
+
 bool stringContainsSubstringsOfString(std::string_view string, std::string_view term) {
-    return !term.empty() && containsAll(string, foldedParts(term));
+    return FoldedTerm(term).isIn(string);
 }
 
 std::string stringOfEntity(const MPMediaEntity& entity, std::string_view key) {
@@ -116,9 +115,8 @@ std::string stringOfEntity(const MPMediaEntity& entity, std::string_view key) {
 }
 
 EntityTest substringPredicateForKeyPath(std::string_view keyPath, std::string_view term) {
-    std::vector<std::string> parts = term.empty() ? std::vector<std::string>() : foldedParts(term);
-    return [key = std::string(keyPath), parts = std::move(parts)](const MPMediaEntity& entity) {
-        return containsAll(stringOfEntity(entity, key), parts);
+    return [key = std::string(keyPath), words = FoldedTerm(term)](const MPMediaEntity& entity) {
+        return words.isIn(stringOfEntity(entity, key));
     };
 }
 

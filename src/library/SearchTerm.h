@@ -20,6 +20,19 @@ std::string_view trimmedTerm(std::string_view typed);
 /// no text contains.
 std::vector<std::string_view> partsOfTerm(std::string_view term);
 
+/// A term made ready to be looked for in many texts.
+class FoldedTerm {
+  public:
+    explicit FoldedTerm(std::string_view term);
+    bool isIn(std::string_view text) const;
+    /// Of a text that went through foldedForSearch().
+    bool isInFolded(std::string_view folded) const;
+
+  private:
+    /// Empty when the term can't be found in any text.
+    std::vector<std::string> parts_;
+};
+
 /// Whether the text has every part of the term somewhere, in any order, without regard to case and
 /// accents.
 bool stringContainsSubstringsOfString(std::string_view string, std::string_view term);

@@ -152,6 +152,16 @@ TEST_F(SearchRankingTest, TwoBlanksInARowHaveAnEmptyPartThatNothingContains) {
     EXPECT_FALSE(stringContainsSubstringsOfString("a b", "a  b"));
 }
 
+TEST_F(SearchRankingTest, ThePredicateReadsTheSongThatStandsForTheEntity) {
+    library_.publish({{.title = "Étude in Blue"}, {.title = ""}});
+    const EntityTest hasWords = substringPredicateForKeyPath("title", "blue etude");
+    EXPECT_TRUE(hasWords(library_.song("Étude in Blue")));
+    EXPECT_TRUE(hasWords(MPMediaItemCollection({library_.song("Étude in Blue")})));
+    EXPECT_FALSE(hasWords(MPMediaEntity()));
+    EXPECT_FALSE(substringPredicateForKeyPath("title", "")(library_.song("Étude in Blue")));
+    EXPECT_FALSE(substringPredicateForKeyPath("genre", "blue")(library_.song("Étude in Blue")));
+}
+
 TEST_F(SearchRankingTest, WhatStandsAroundATermIsCutOff) {
     EXPECT_EQ(trimmedTerm(" \t\u00A0a b\u2003\n"), "a b");
     EXPECT_EQ(trimmedTerm(" \n\u3000"), "");

@@ -48,6 +48,11 @@ std::optional<SongGroup> groupOfText(SongText text) {
     }
 }
 
+/// The kind of collection whose songs all have the same such text.
+std::optional<SongGroup> groupThatShares(SongText text) {
+    return text == SongText::albumTitle ? SongGroup::album : groupOfText(text);
+}
+
 /// Of a filter for any of several songs; sorted, each once.
 std::optional<std::vector<std::uint64_t>> persistentIDsOf(
     const MPMediaPropertyPredicate& predicate) {
@@ -179,6 +184,24 @@ bool SongFilter::contains(std::uint32_t position, const Test& test) const {
     if (test.property == nullptr || !test.property->text || test.foldedNeedle.empty()) {
         return false;
     }
+    const auto group = groupThatShares(*test.property->text);
+    const std::uint32_t rank =
+        group ? snapshot_->songs()[position].groupRanks[static_cast<std::size_t>(*group)]
+              : SongRecord::noGroup;
+    if (rank == SongRecord::noGroup) {
+        return containsAnew(position, test);
+    }
+    if (rank >= test.verdicts.size()) {
+        test.verdicts.resize(std::max<std::size_t>(rank + 1, 2 * test.verdicts.size()));
+    }
+    std::optional<bool>& verdict = test.verdicts[rank];
+    if (!verdict) {
+        verdict = containsAnew(position, test);
+    }
+    return *verdict;
+}
+
+bool SongFilter::containsAnew(std::uint32_t position, const Test& test) const {
     const auto text = snapshot_->text(position, *test.property->text);
     return text && foldedForSearch(*text).find(test.foldedNeedle) != std::string::npos;
 }

@@ -33,6 +33,9 @@ class SongFilter {
         std::string foldedNeedle;
         /// Of a test for any of several persistent identifiers: these, sorted.
         std::optional<std::vector<std::uint64_t>> persistentIDs;
+        /// Of a contains test on a name that all songs of a collection share: what was found, by
+        /// the collection's rank.
+        mutable std::vector<std::optional<bool>> verdicts = {};
     };
 
     std::optional<std::vector<std::uint32_t>> candidates() const;
@@ -41,6 +44,7 @@ class SongFilter {
         const std::vector<std::uint64_t>& persistentIDs) const;
     bool passes(std::uint32_t position, const Test& test) const;
     bool contains(std::uint32_t position, const Test& test) const;
+    bool containsAnew(std::uint32_t position, const Test& test) const;
 
     std::shared_ptr<const MediaSnapshot> snapshot_;
     bool includesNonLibrary_;
