@@ -1,9 +1,11 @@
 #include "apps/tavrionctl/BrowseCommand.h"
 #include "apps/tavrionctl/Command.h"
 #include "apps/tavrionctl/DefaultsCommands.h"
+#include "apps/tavrionctl/EntityCommand.h"
 #include "apps/tavrionctl/LibraryCommands.h"
 #include "apps/tavrionctl/RecordCommands.h"
 #include "apps/tavrionctl/ScanCommand.h"
+#include "apps/tavrionctl/SearchCommand.h"
 
 namespace tavrion::ctl {
 namespace {
@@ -22,7 +24,8 @@ std::vector<CommandGroup> allCommands() {
     groups.push_back(
         group<LibraryUseCommand, LibraryStatusCommand, LibrarySongsCommand, LibraryForgetCommand>(
             "library", "Choose and look at the music library"));
-    groups.push_back(group<ScanCommand, PlaysCommand, HistoriesCommand, BrowseCommand>("", ""));
+    groups.push_back(group<ScanCommand, PlaysCommand, HistoriesCommand, BrowseCommand,
+                           SearchCommand, EntityCommand>("", ""));
     groups.push_back(group<DefaultsReadCommand, DefaultsWriteCommand, DefaultsDeleteCommand>(
         "defaults", "Read and write the user defaults"));
     return groups;

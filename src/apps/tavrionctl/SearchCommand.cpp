@@ -1,0 +1,86 @@
+#include "apps/tavrionctl/SearchCommand.h"
+
+#include <fmt/format.h>
+
+#include "apps/tavrionctl/EntityRows.h"
+#include "apps/tavrionctl/Session.h"
+#include "library/LibrarySearch.h"
+#include "library/RVMetadataManager.h"
+#include "library/SearchTerm.h"
+
+namespace tavrion::ctl {
+namespace {
+
+/// Hits carry no rank, and the value of the alphabetical list.
+EntityRow rowOf(const MPMediaEntity& entity) {
+    return {entity, std::nullopt,
+            RVMetadataManager::sortPropertyForMediaEntity(entity, RVSortTypeAlphabetical)};
+}
+
+void writeList(JsonWriter& json, const char* name, const std::vector<MPMediaEntity>& hits) {
+    json.key(name).beginArray();
+    for (const MPMediaEntity& hit : hits) {
+        writeRow(json, rowOf(hit));
+    }
+    json.endArray();
+}
+
+void writeResults(const SearchResults& results) {
+    JsonWriter json(stdout);
+    json.beginObject();
+    writeList(json, "artists", results.artists);
+    writeList(json, "albums", results.albums);
+    writeList(json, "songs", results.songs);
+    writeList(json, "playlists", results.playlists);
+    json.endObject().finish();
+}
+
+void printResults(const SearchResults& results, bool showsAll) {
+    const TerminalAbilities abilities = TerminalAbilities::ofStandardOutput();
+    bool isFirst = true;
+    for (const SearchSection& section : searchSnapshotOf(results)) {
+        const SearchSectionHeader header = headerOfSection(*section.identifier);
+        fmt::print("{}{}\n", isFirst ? "" : "\n", header.title);
+        isFirst = false;
+        const auto& rows = showsAll ? *resultsForTag(results, header.buttonTag) : section.rows;
+        for (const MPMediaEntity& entity : rows) {
+            fmt::print("{}\n", lineOf(rowOf(entity), abilities));
+        }
+        if (!showsAll && !header.isButtonHidden) {
+            fmt::print("{:>5}  {}: --all\n", "", header.buttonTitle);
+        }
+    }
+}
+
+}  // namespace
+
+void SearchCommand::describe(CLI::App& parent) {
+    described_ = parent.add_subcommand(
+        "search",
+        "Find artists, albums, songs and playlists; capitals as in the library rank best");
+    described_->add_option("TERM", term_, "What to look for; a title may have its words anywhere")
+        ->required();
+    described_->add_flag("--all", showsAll_, "Print every hit, not the first five of each kind");
+}
+
+Outcome SearchCommand::execute(Session& session) {
+    const std::string_view term = trimmedTerm(term_);
+    if (term.empty()) {
+        return Outcome::usage("the term to search for is empty; write one, as in search blue");
+    }
+    if (Outcome opened = session.openLibrary(); !opened.isDone()) {
+        return opened;
+    }
+    const SearchResults results = LibrarySearch().results(term);
+    if (session.options().json) {
+        writeResults(results);
+        return {};
+    }
+    if (searchSnapshotOf(results).empty()) {
+        session.say(fmt::format("Nothing in the library matches '{}'.", term));
+    }
+    printResults(results, showsAll_);
+    return {};
+}
+
+}  // namespace tavrion::ctl
