@@ -6,6 +6,7 @@
 #include "apps/tavrionctl/RecordCommands.h"
 #include "apps/tavrionctl/ScanCommand.h"
 #include "apps/tavrionctl/SearchCommand.h"
+#include "apps/tavrionctl/TrendingCommand.h"
 
 namespace tavrion::ctl {
 namespace {
@@ -25,7 +26,7 @@ std::vector<CommandGroup> allCommands() {
         group<LibraryUseCommand, LibraryStatusCommand, LibrarySongsCommand, LibraryForgetCommand>(
             "library", "Choose and look at the music library"));
     groups.push_back(group<ScanCommand, PlaysCommand, HistoriesCommand, BrowseCommand,
-                           SearchCommand, EntityCommand>("", ""));
+                           SearchCommand, EntityCommand, TrendingCommand>("", ""));
     groups.push_back(group<DefaultsReadCommand, DefaultsWriteCommand, DefaultsDeleteCommand>(
         "defaults", "Read and write the user defaults"));
     return groups;

@@ -2,17 +2,16 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSDate+Extended.h"
-#include "recording/RVPlaybackHistoryManager.h"
+#include "timeviews/RVDateRangeSelectorViewController.h"
 
 namespace tavrion::ctl {
 namespace {
-
-constexpr int daysBackInWeek = 6;
-constexpr int daysBackInMonth = 29;
 
 /// The first instant of the day "YYYY-MM-DD"; absent when there is no such day.
 std::optional<NSDate> startOfWrittenDay(const std::string& text) {
@@ -35,32 +34,18 @@ std::optional<NSDate> startOfWrittenDay(const std::string& text) {
                : std::nullopt;
 }
 
-NSDate daysBeforeToday(int days) {
-    return NSCalendar::currentCalendar().dateByAddingComponents(
-        {.day = -days}, Extended::startOfDay(NSDate::date()));
-}
+/// The presets in the order of their numbers.
+constexpr std::array<const char*, 5> presetNames{"today", "past-week", "past-month", "year",
+                                                 "lifetime"};
 
 }  // namespace
 
 Result<DateRange> dateRange(const std::string& text) {
-    const NSDate today = Extended::startOfDay(NSDate::date());
-    const NSDate endOfToday = Extended::endOfDay(NSDate::date());
-    if (text == "today") {
-        return DateRange{today, endOfToday};
-    }
-    if (text == "past-week") {
-        return DateRange{daysBeforeToday(daysBackInWeek), endOfToday};
-    }
-    if (text == "past-month") {
-        return DateRange{daysBeforeToday(daysBackInMonth), endOfToday};
-    }
-    if (text == "year") {
-        const NSCalendar calendar = NSCalendar::currentCalendar();
-        return DateRange{calendar.dateFromYear(calendar.timeZone().civilTime(today).year),
-                         endOfToday};
-    }
-    if (text == "lifetime") {
-        return DateRange{RVPlaybackHistoryManager::installationDate(), endOfToday};
+    const auto* const name = std::find(presetNames.begin(), presetNames.end(), text);
+    if (name != presetNames.end()) {
+        const NSDateInterval interval = RVDateRangeSelectorViewController::dateIntervalForPreset(
+            static_cast<DateRangePreset>(name - presetNames.begin()));
+        return DateRange{interval.startDate(), interval.endDate()};
     }
     const std::size_t dots = text.find("..");
     if (dots != std::string::npos) {

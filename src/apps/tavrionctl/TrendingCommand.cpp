@@ -1,0 +1,132 @@
+#include "apps/tavrionctl/TrendingCommand.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "apps/tavrionctl/JsonWriter.h"
+#include "apps/tavrionctl/RangeArgument.h"
+#include "apps/tavrionctl/Session.h"
+#include "apps/tavrionctl/TextTable.h"
+#include "library/RVMetadataManager.h"
+#include "timeviews/RVDateRangeSelectorViewController.h"
+#include "timeviews/RVTrendingCollectionViewController.h"
+
+namespace tavrion::ctl {
+namespace {
+
+/// In the order of their numbers.
+constexpr std::array<const char*, 3> groupNames{"artists", "albums", "genres"};
+constexpr std::size_t titleWidth = 40;
+
+std::string titleOf(const MPMediaEntity& entity) {
+    const auto title = RVMetadataManager::titleForMediaEntity(entity, std::nullopt);
+    return title ? title->textWithoutAttachments() : std::string(RVMetadataManager::placeholder);
+}
+
+std::string artistOf(const MPMediaEntity& entity) {
+    return entity.item() != nullptr ? RVMetadataManager::artistForMediaItem(*entity.item())
+                                    : std::string();
+}
+
+void writeRows(JsonWriter& json, const std::vector<TrendingRow>& rows) {
+    json.beginArray();
+    std::int64_t rank = 0;
+    for (const TrendingRow& row : rows) {
+        json.beginObject().key("rank").integer(++rank);
+        json.key("title").text(titleOf(row->entity));
+        if (const MPMediaItemCollection* collection = row->entity.collection()) {
+            json.key("groupType").integer(static_cast<std::int64_t>(collection->groupingType()));
+        } else {
+            json.key("artist").text(artistOf(row->entity));
+        }
+        json.key("playCount").unsignedInteger(row->playCount);
+        json.key("playDuration").number(row->playDuration).endObject();
+    }
+    json.endArray();
+}
+
+void printRows(const std::vector<TrendingRow>& rows, bool byTime) {
+    std::size_t rank = 0;
+    for (const TrendingRow& row : rows) {
+        const std::string number = byTime ? RVMetadataManager::formattedDuration(row->playDuration)
+                                          : fmt::format("{}x", row->playCount);
+        std::string line = fmt::format("{:>3}  {}  {:>9}", ++rank,
+                                       fitted(titleOf(row->entity), titleWidth), number);
+        if (const std::string artist = artistOf(row->entity); !artist.empty()) {
+            line += "  " + artist;
+        }
+        fmt::print("{}\n", line);
+    }
+}
+
+void printText(const TrendingSnapshot& ranking, bool byTime) {
+    printRows(ranking.collections, byTime);
+    if (!ranking.collections.empty() && !ranking.songs.empty()) {
+        fmt::print("\n");
+    }
+    printRows(ranking.songs, byTime);
+}
+
+}  // namespace
+
+void TrendingCommand::describe(CLI::App& parent) {
+    described_ =
+        parent.add_subcommand("trending", "Rank songs and collections by what was played most");
+    described_->add_option("--range", range_, rangeHelp);
+    described_->add_option("--group", group_, "artists, albums or genres")
+        ->check(CLI::IsMember({"artists", "albums", "genres"}));
+    described_->add_option("--by", by_, "plays or time")->check(CLI::IsMember({"plays", "time"}));
+}
+
+Outcome TrendingCommand::execute(Session& session) {
+    std::optional<NSDateInterval> interval;
+    if (!range_.empty()) {
+        const auto parsed = dateRange(range_);
+        if (!parsed) {
+            return Outcome::usage(parsed.error().localizedDescription);
+        }
+        interval.emplace(parsed.value().start, parsed.value().end);
+    }
+    if (Outcome opened = session.openStore(); !opened.isDone()) {
+        return opened;
+    }
+    if (Outcome opened = session.openLibrary(); !opened.isDone()) {
+        return opened;
+    }
+    if (!interval) {
+        interval = RVDateRangeSelectorViewController::dateIntervalForKey(DateRangeKey::trending);
+    }
+    const bool byTime =
+        by_.empty() ? session.defaults().integerForKey(TrendingDefaults::weightedRankFormat) ==
+                          TrendingDefaults::byTime
+                    : by_ == "time";
+    const std::int64_t group =
+        group_.empty()
+            ? session.defaults().integerForKey(TrendingDefaults::groupingType)
+            : std::find(groupNames.begin(), groupNames.end(), group_) - groupNames.begin();
+    TrendingSnapshot ranking;
+    const auto context = session.data().privateContext();
+    context->performBlockAndWait([&] {
+        ranking = TrendingRanking::rank(
+            *context,
+            {*interval, byTime, [group] { return static_cast<TrendingGrouping>(group); }, nullptr});
+    });
+    if (!session.options().json) {
+        printText(ranking, byTime);
+        return {};
+    }
+    JsonWriter json(stdout);
+    json.beginObject().key("interval").beginObject();
+    json.key("start").instant(interval->startDate());
+    json.key("end").instant(interval->endDate()).endObject();
+    json.key("collections");
+    writeRows(json, ranking.collections);
+    json.key("songs");
+    writeRows(json, ranking.songs);
+    json.endObject().finish();
+    return {};
+}
+
+}  // namespace tavrion::ctl
