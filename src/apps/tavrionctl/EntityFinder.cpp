@@ -134,6 +134,7 @@ std::vector<std::string> nearestNames(const Entities& candidates, const std::str
         }
     }
     std::vector<std::string> names;
+    names.reserve(nearest.size());
     for (const auto& each : nearest) {
         names.push_back("'" + std::get<2>(each) + "'");
     }
