@@ -23,10 +23,10 @@ inline NSTimeZone zoneNamed(const std::string& name) {
 }
 
 /// The songs of a snapshot by their persistent identifiers.
-inline std::map<std::uint64_t, const SongRecord*> byPersistentID(const MediaSnapshot& snapshot) {
-    std::map<std::uint64_t, const SongRecord*> songs;
+inline std::map<std::uint64_t, SongRecord> byPersistentID(const MediaSnapshot& snapshot) {
+    std::map<std::uint64_t, SongRecord> songs;
     for (const SongRecord& song : snapshot.songs()) {
-        songs[song.persistentID] = &song;
+        songs[song.persistentID] = song;
     }
     return songs;
 }

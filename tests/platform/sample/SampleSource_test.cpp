@@ -165,8 +165,8 @@ TEST_F(SampleSourceTest, LikesAndPlaylistsAreThereInTheNextProcess) {
     }
     const auto snapshot = read();
     const auto songs = byPersistentID(*snapshot);
-    EXPECT_EQ(songs.at(song)->likedState, 2U);
-    EXPECT_EQ(songs.at(other)->likedState, 1U);
+    EXPECT_EQ(songs.at(song).likedState, 2U);
+    EXPECT_EQ(songs.at(other).likedState, 1U);
     EXPECT_EQ(snapshot->playlists().size(), 11U);
     const auto found =
         std::find_if(snapshot->playlists().begin(), snapshot->playlists().end(),
@@ -187,8 +187,8 @@ TEST_F(SampleSourceTest, WhatThePlayerPlaysCountsAtALaterReading) {
     // The listener is asleep.
     clock.set(instant("2026-03-02T03:00:00Z"));
     const auto before = byPersistentID(*read());
-    const std::uint64_t plays = before.at(song)->playCount;
-    const std::uint64_t skips = before.at(left)->skipCount;
+    const std::uint64_t plays = before.at(song).playCount;
+    const std::uint64_t skips = before.at(left).skipCount;
     SampleSource source(500, stateFile());
     ASSERT_TRUE(source.player().setQueue({left, song}));
     ASSERT_TRUE(source.player().play());
@@ -197,21 +197,21 @@ TEST_F(SampleSourceTest, WhatThePlayerPlaysCountsAtALaterReading) {
     const NSDate skipped = clock.now();
     const NSDate end = skipped.dateByAddingTimeInterval(catalogue.durationOfSong(300));
     clock.set(end.dateByAddingTimeInterval(-1));
-    EXPECT_EQ(byPersistentID(*read()).at(song)->playCount, plays);
+    EXPECT_EQ(byPersistentID(*read()).at(song).playCount, plays);
     clock.set(end);
     const auto snapshot = read();
     const auto after = byPersistentID(*snapshot);
-    EXPECT_EQ(after.at(song)->playCount, plays + 1);
+    EXPECT_EQ(after.at(song).playCount, plays + 1);
     EXPECT_EQ(snapshot->date(*snapshot->positionOfPersistentID(song), SongDate::lastPlayed), end);
-    EXPECT_EQ(after.at(left)->skipCount, skips + 1);
+    EXPECT_EQ(after.at(left).skipCount, skips + 1);
     EXPECT_EQ(snapshot->date(*snapshot->positionOfPersistentID(left), SongDate::lastSkipped),
               skipped);
     // Brought into the file, it is the same, and an earlier instant does not know of it.
     ASSERT_TRUE(source.player().pause());
     EXPECT_TRUE(areByteEqual(*read(), *snapshot));
     clock.set(instant("2026-03-02T03:00:00Z"));
-    EXPECT_EQ(byPersistentID(*read()).at(song)->playCount, plays);
-    EXPECT_EQ(byPersistentID(*read()).at(left)->skipCount, skips);
+    EXPECT_EQ(byPersistentID(*read()).at(song).playCount, plays);
+    EXPECT_EQ(byPersistentID(*read()).at(left).skipCount, skips);
 }
 
 TEST_F(SampleSourceTest, ABrokenFileIsToldInOneLineAndStays) {
