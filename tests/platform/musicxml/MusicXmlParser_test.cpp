@@ -32,11 +32,12 @@ TEST_F(MusicXmlParserTest, FillsASong) {
         text("Persistent ID", "1ABA8417E4946A32") + text("Location", "file:///x.mp3") +
         text("Track Type", "File") + integer("Size", "9000000000") +
         integer("Total Time", "182674") + integer("Disc Number", "2") +
-        integer("Track Number", "3") + integer("Track Count", "12") + integer("Year", "2012") + integer("Play Count", "12") +
-        integer("Skip Count", "4") + integer("Play Date", "3513593824") +
-        date("Play Date UTC", "2015-05-04T12:00:24Z") + date("Skip Date", "2015-02-05T15:41:04Z") +
-        date("Date Added", "2014-04-24T09:28:38Z") + date("Release Date", "2012-05-25T07:00:00Z") +
-        yes("Compilation") + yes("Explicit") + yes("Loved") + "</dict>"));
+        integer("Track Number", "3") + integer("Track Count", "12") + integer("Year", "2012") +
+        integer("Play Count", "12") + integer("Skip Count", "4") +
+        integer("Play Date", "3513593824") + date("Play Date UTC", "2015-05-04T12:00:24Z") +
+        date("Skip Date", "2015-02-05T15:41:04Z") + date("Date Added", "2014-04-24T09:28:38Z") +
+        date("Release Date", "2012-05-25T07:00:00Z") + yes("Compilation") + yes("Explicit") +
+        yes("Loved") + "</dict>"));
     EXPECT_EQ(item.title(), "The A & B é");
     EXPECT_EQ(item.artist(), "Art");
     EXPECT_EQ(item.albumArtist(), "Both");
