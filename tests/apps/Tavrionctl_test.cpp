@@ -336,9 +336,24 @@ TEST_F(TavrionctlTest, defaultsOfEveryTypeAreWrittenAndRead) {
     EXPECT_EQ(run("--json defaults read key").value(), json());
     EXPECT_EQ(run("defaults read key").status, 1);
     for (const char* const wrong : {"key -int x", "key -bool maybe", "key -date yesterday",
-                                    "key -data !", "key -dict []", "key -nothing x", "key"}) {
+                                    "key -data !", "key -dict []", "key -nothing x", "key",
+                                    "key -array '[null]'", "key -dict '{\"a\": [[null]]}'"}) {
         EXPECT_EQ(run(std::string("defaults write ") + wrong).status, 2) << wrong;
     }
+}
+
+TEST_F(TavrionctlTest, valuesTooDeepForTheFileOfDefaultsAreRefused) {
+    const auto nested = [](std::size_t levels) {
+        return "'" + std::string(levels, '[') + std::string(levels, ']') + "'";
+    };
+    EXPECT_EQ(run("defaults write key -array " + nested(100)).status, 0);
+    EXPECT_EQ(run("--json defaults read key").status, 0);
+    for (const std::size_t levels : {101U, 300U, 50000U}) {
+        const CommandRun result = run("defaults write key -array " + nested(levels));
+        EXPECT_EQ(result.status, 2) << levels;
+        EXPECT_LT(result.err.size(), 500U) << "the line shows a part of what was given";
+    }
+    EXPECT_EQ(run("--json defaults read key").status, 0);
 }
 
 TEST_F(TavrionctlTest, wrongUsageEndsWithTwo) {

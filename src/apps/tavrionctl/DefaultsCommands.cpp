@@ -3,103 +3,14 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <charconv>
-#include <nlohmann/json.hpp>
 
+#include "apps/tavrionctl/DefaultsValue.h"
 #include "apps/tavrionctl/JsonWriter.h"
 #include "apps/tavrionctl/Session.h"
+#include "platform/foundation/DisplayWidth.h"
 
 namespace tavrion::ctl {
 namespace {
-
-/// The value that a piece of JSON stands for; null has none.
-Value valueOfJson(const nlohmann::json& json) {
-    if (json.is_boolean()) {
-        return json.get<bool>();
-    }
-    if (json.is_number_integer()) {
-        return json.get<std::int64_t>();
-    }
-    if (json.is_number()) {
-        return json.get<double>();
-    }
-    if (json.is_string()) {
-        return json.get<std::string>();
-    }
-    if (json.is_array()) {
-        Value::Array array;
-        for (const nlohmann::json& element : json) {
-            array.push_back(valueOfJson(element));
-        }
-        return array;
-    }
-    if (json.is_object()) {
-        Value::Dictionary dictionary;
-        for (const auto& [name, element] : json.items()) {
-            dictionary[name] = valueOfJson(element);
-        }
-        return dictionary;
-    }
-    return {};
-}
-
-std::optional<Value> boolOf(const std::string& text) {
-    if (text == "true" || text == "yes" || text == "YES" || text == "1") {
-        return Value(true);
-    }
-    if (text == "false" || text == "no" || text == "NO" || text == "0") {
-        return Value(false);
-    }
-    return std::nullopt;
-}
-
-std::optional<Value> integerOf(const std::string& text) {
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(Value(number))
-                                                                    : std::nullopt;
-}
-
-std::optional<Value> arrayOf(const std::vector<std::string>& texts) {
-    if (texts.size() == 1 && texts.front().starts_with('[')) {
-        const nlohmann::json json = nlohmann::json::parse(texts.front(), nullptr, false);
-        return json.is_array() ? std::optional(valueOfJson(json)) : std::nullopt;
-    }
-    return Value(Value::Array(texts.begin(), texts.end()));
-}
-
-/// The value of a type and its texts; absent when they do not fit.
-std::optional<Value> parsedValue(const std::string& type, const std::vector<std::string>& texts) {
-    if (type == "-array") {
-        return arrayOf(texts);
-    }
-    if (texts.size() != 1) {
-        return std::nullopt;
-    }
-    const std::string& text = texts.front();
-    if (type == "-bool") {
-        return boolOf(text);
-    }
-    if (type == "-int") {
-        return integerOf(text);
-    }
-    if (type == "-string") {
-        return Value(text);
-    }
-    if (type == "-date") {
-        const std::optional<NSDate> date = dateFromIsoText(text);
-        return date ? std::optional(Value(*date)) : std::nullopt;
-    }
-    if (type == "-data") {
-        auto bytes = bytesOfBase64(text);
-        return bytes ? std::optional(Value(NSData{std::move(*bytes)})) : std::nullopt;
-    }
-    if (type == "-dict") {
-        const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
-        return json.is_object() ? std::optional(valueOfJson(json)) : std::nullopt;
-    }
-    return std::nullopt;
-}
 
 Outcome synchronized(Session& session) {
     const Result<void> written = session.defaults().synchronize();
@@ -152,12 +63,14 @@ Outcome DefaultsWriteCommand::execute(Session& session) {
         return Outcome::usage("defaults write wants KEY TYPE VALUE");
     }
     const std::optional<Value> value =
-        parsedValue(arguments[1], {arguments.begin() + beforeValue, arguments.end()});
+        defaultsValue(arguments[1], {arguments.begin() + beforeValue, arguments.end()});
     if (!value) {
+        const std::string text =
+            fmt::format("{}", fmt::join(arguments.begin() + beforeValue, arguments.end(), " "));
         return Outcome::usage(fmt::format(
             "'{}' is not a value of type {}; types are -bool, -int, -date, -string, -array, -data "
             "(base64), -dict (JSON)",
-            fmt::join(arguments.begin() + beforeValue, arguments.end(), " "), arguments[1]));
+            startOfWidth(text.substr(0, text.find('\n')), 60), arguments[1]));
     }
     session.defaults().setObject(arguments[0], *value);
     if (session.options().json) {
