@@ -107,18 +107,27 @@ void RVCoreDataManager::consolidateHistory(PlaybackHistory& survivor,
     for (const RecordCounter record : records) {
         const NSManagedObjectID id{NerindaEntity::PlaybackHistory, record};
         if (id != survivor.objectID()) {
-            absorb(survivor, PlaybackHistory(NSManagedObject(context, id)), context);
+            const PlaybackHistory twin(NSManagedObject(context, id));
+            sharedData().foldings_.note(id, survivor.objectID(), twin.playCount());
+            absorb(survivor, twin, context);
         }
     }
 }
 
 void RVCoreDataManager::handle_Duplication(const NSNotification& notification) {
     const SavedObjectIDs* inserted = notification.info<SavedObjectIDs>(NSInsertedObjectIDsKey);
-    if (inserted == nullptr) {
+    const bool folded =
+        notification.info<SavedObjectIDs>(NSDeletedObjectIDsKey) != nullptr && !foldings_.empty();
+    if (inserted == nullptr && !folded) {
         return;
     }
     auto context = NSManagedObjectContext::below(mainContext(), cleanUpQueue_);
-    context->performBlock([this, context, ids = *inserted] { cleanUp(ids, *context); });
+    context->performBlock([this, context,
+                           ids = inserted != nullptr
+                                     ? *inserted
+                                     : std::make_shared<const std::vector<NSManagedObjectID>>()] {
+        cleanUp(ids, *context);
+    });
 }
 
 bool RVCoreDataManager::LastCleanUp::covers(const std::vector<NSManagedObjectID>& records,
@@ -147,6 +156,7 @@ void RVCoreDataManager::cleanUp(const SavedObjectIDs& inserted, NSManagedObjectC
             cleanUpAchievement(Achievement(*object), context);
         }
     }
+    foldings_.reunite(context);
     if (!context.hasChanges()) {
         lastCleanUp_ = {inserted, before};
     } else if (context.save().ok()) {

@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 
+#include "persistence/Foldings.h"
 #include "platform/cloudkit/NSPersistentCloudKitContainer.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/foundation/NSNotificationCenter.h"
@@ -54,7 +55,7 @@ class RVCoreDataManager final : public RecordStore {
     /// Deletes every record, entity by entity, and tells of it after each.
     void deleteAllData();
     /// Looks through what a save inserted: folds twins, and deletes events and awards that double
-    /// another.
+    /// another. Plays that were added to a record while it was folded away follow it.
     void handle_Duplication(const NSNotification& notification);
     NSOperationQueue& operationQueue() override { return operationQueue_; }
 
@@ -91,6 +92,7 @@ class RVCoreDataManager final : public RecordStore {
 
     /// Held while the container is loaded for the first time, so that it is loaded once.
     Mutex loadingMutex_;
+    Foldings foldings_;
     Mutex mutex_;
     std::shared_ptr<NSPersistentCloudKitContainer> persistentContainer_ TAVRION_GUARDED_BY(mutex_);
     std::shared_ptr<NSManagedObjectContext> mainContext_ TAVRION_GUARDED_BY(mutex_);
