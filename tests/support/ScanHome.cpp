@@ -59,8 +59,12 @@ ProgramRun::Environment ScanHome::troubled(const fs::path& data, const fs::path&
 
 fs::path ScanHome::copyOfData(const std::string& name) const {
     const fs::path copy = folder_.path() / name;
-    fs::remove_all(copy);
-    fs::copy(data_, copy);
+    for (const char* const ending : {"", "-cache"}) {
+        fs::remove_all(copy.string() + ending);
+        if (fs::exists(data_.string() + ending)) {
+            fs::copy(data_.string() + ending, copy.string() + ending, fs::copy_options::recursive);
+        }
+    }
     return copy;
 }
 

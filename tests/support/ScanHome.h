@@ -43,7 +43,8 @@ class ScanHome {
     ProgramRun::Environment troubled(const std::filesystem::path& data,
                                      const std::filesystem::path& report,
                                      const std::string& trouble = "") const;
-    /// A copy of the data directory as it is now, in the place of the last one of that name.
+    /// A copy of the data directory and its cache as they are now, in the place of the last one of
+    /// that name.
     std::filesystem::path copyOfData(const std::string& name) const;
     /// Asks for plays and histories; fails the test when that fails.
     ToldRecords ask(const std::filesystem::path& data) const;
