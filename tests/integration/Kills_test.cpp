@@ -54,7 +54,8 @@ class KillsTest : public testing::Test {
         place = std::fmod(place + goldenSection, 1.0);
         return place;
     }
-    bool runUntil(const std::string& trouble);
+    /// With trouble of a kind at a place among the changes of the disk. Whether it was killed.
+    bool runUntil(const std::string& kind, std::size_t place);
     bool runFor(double seconds);
     void expectStoreHoldsWhatWasSaved(const ProgramEnd& end);
     void expectNextScanRecordsTheRest();
@@ -105,15 +106,22 @@ Course KillsTest::unkilledCourse() {
     return {changesIn(report), taken.count()};
 }
 
-bool KillsTest::runUntil(const std::string& trouble) {
+bool KillsTest::runUntil(const std::string& kind, std::size_t place) {
+    const std::string trouble = fmt::format("{}:{}", kind, place);
     const fs::path report = home->outputFolder() / "report";
     fs::remove(report);
     const auto run =
         home->start(home->scanCommand(), home->troubled(home->data(), report, trouble));
     const ProgramEnd end = run->wait();
-    EXPECT_EQ(end.signal, SIGKILL) << trouble << ": " << end.told();
     const std::vector<std::string> changes = changesIn(report);
-    ++hits[changes.empty() ? "nothing" : changes.back()];
+    // Two threads save; how many changes of the disk a scan takes differs by a few, so that the
+    // last ones of the unkilled run may not come. Then nobody was killed.
+    if (end.isDone()) {
+        EXPECT_LT(changes.size(), place) << trouble << " did not kill";
+    } else {
+        EXPECT_EQ(end.signal, SIGKILL) << trouble << ": " << end.told();
+        ++hits[changes.empty() ? "nothing" : changes.back()];
+    }
     expectStoreHoldsWhatWasSaved(end);
     return end.signal == SIGKILL;
 }
@@ -137,9 +145,9 @@ bool KillsTest::killOnce() {
         case 0:
             return runFor(between0And1() * course.seconds);
         case 1:
-            return runUntil(fmt::format("torn:{}", change));
+            return runUntil("torn", change);
         default:
-            return runUntil(fmt::format("kill:{}", change));
+            return runUntil("kill", change);
     }
 }
 
