@@ -335,9 +335,9 @@ TEST_F(TavrionctlTest, defaultsOfEveryTypeAreWrittenAndRead) {
     EXPECT_EQ(run("defaults delete key").status, 0);
     EXPECT_EQ(run("--json defaults read key").value(), json());
     EXPECT_EQ(run("defaults read key").status, 1);
-    for (const char* const wrong : {"key -int x", "key -bool maybe", "key -date yesterday",
-                                    "key -data !", "key -dict []", "key -nothing x", "key",
-                                    "key -array '[null]'", "key -dict '{\"a\": [[null]]}'"}) {
+    for (const char* const wrong :
+         {"key -int x", "key -bool maybe", "key -date yesterday", "key -data !", "key -dict []",
+          "key -nothing x", "key", "key -array '[null]'", "key -dict '{\"a\": [[null]]}'"}) {
         EXPECT_EQ(run(std::string("defaults write ") + wrong).status, 2) << wrong;
     }
 }
