@@ -158,6 +158,7 @@ Result<void> NSManagedObjectContext::save() {
             return written.error();
         }
         DidSaveNotification(written.value(), this).post();
+        store_->shortenLog();
         return {};
     }
     NSPersistentStore::Commits commits;
@@ -215,6 +216,7 @@ void NSManagedObjectContext::saveInBackground(DispatchQueue& writer,
                   waitForMore = std::move(waitForMore)]() mutable {
         const auto written = self->saveToStore(waitForMore);
         NSManagedObjectContext& context = *self;
+        const std::shared_ptr<NSPersistentStore> store = context.store_;
         // Put together here, so that the context's own queue only posts it.
         std::optional<DidSaveNotification> notification;
         if (written) {
@@ -228,6 +230,7 @@ void NSManagedObjectContext::saveInBackground(DispatchQueue& writer,
             }
             done(result);
         });
+        store->shortenLog();
     });
 }
 

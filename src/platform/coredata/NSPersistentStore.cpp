@@ -251,6 +251,11 @@ Result<void> NSPersistentStore::write(
     return {};
 }
 
+void NSPersistentStore::shortenLog() {
+    MutexLock lock(writeMutex_);
+    database_->shortenLog();
+}
+
 Result<void> NSPersistentStore::writeCommits(const Commits& commits,
                                              const std::function<const Commits&()>& all) {
     auto transaction = SQLiteTransaction::begin(*database_);
@@ -312,6 +317,7 @@ Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
     if (auto deleted = deleteRows(entity); !deleted) {
         return StoreFile::unsaved(*database_, format_, deleted.error());
     }
+    database_->shortenLog();
     const std::shared_ptr<const StoreVersion> before = version();
     std::shared_ptr<const StoreVersion> after = before;
     for (const EntityIndex concrete : model_->concreteEntities(entity)) {

@@ -68,6 +68,9 @@ class NSPersistentStore {
     Result<void> write(
         const Commits& commits, const std::function<Unsaved()>& all,
         const std::function<void(const std::shared_ptr<const StoreVersion>&)>& adopt);
+    /// For after a write, when nobody waits any more: what is saved goes from the write-ahead log
+    /// to its place in the file once the log is long. A next write waits for it.
+    void shortenLog();
     /// Deletes every record of the entity and its sub-entities from the file at once.
     Result<void> executeBatchDelete(EntityIndex entity);
     /// Writes a compact copy of what is saved to a file that does not exist yet.

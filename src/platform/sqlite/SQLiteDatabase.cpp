@@ -201,6 +201,8 @@ Result<std::unique_ptr<SQLiteDatabase>> SQLiteDatabase::open(const std::filesyst
     if (code != SQLITE_OK) {
         return database->lastError(code);
     }
+    // In the place of the checkpoint within a commit.
+    sqlite3_wal_hook(connection, noteCommit, database.get());
     return database;
 }
 
@@ -245,6 +247,20 @@ std::int64_t SQLiteDatabase::changes() const {
 void SQLiteDatabase::setBusyTimeout(double seconds) {
     constexpr double longest = std::numeric_limits<int>::max();
     sqlite3_busy_timeout(connection_, static_cast<int>(std::clamp(seconds * 1000, 0.0, longest)));
+}
+
+int SQLiteDatabase::noteCommit(void* database, sqlite3* /*connection*/, const char* /*name*/,
+                               int pages) {
+    static_cast<SQLiteDatabase*>(database)->logPages_ = pages;
+    return SQLITE_OK;
+}
+
+void SQLiteDatabase::shortenLog() {
+    // SQLite's own measure.
+    constexpr int longLog = 1000;
+    if (logPages_ >= longLog) {
+        sqlite3_wal_checkpoint_v2(connection_, "main", SQLITE_CHECKPOINT_PASSIVE, nullptr, nullptr);
+    }
 }
 
 bool SQLiteDatabase::isReadOnly() const {

@@ -124,6 +124,10 @@ class SQLiteDatabase {
     Result<std::optional<std::string>> quickCheck();
     /// What the last error of this connection or its statements was about.
     SQLiteFailure lastFailure() const { return lastFailure_; }
+    /// Brings what a long write-ahead log holds into the file. Commits do not do that themselves:
+    /// what they wrote is safe in the log, and nobody need wait for more. Does nothing while the
+    /// log is short. What can't be brought over now stays in the log.
+    void shortenLog();
     /// Closing then leaves the write-ahead log as it lies there, and writes nothing into the file.
     void leaveLogWhenClosing();
     const std::filesystem::path& file() const { return file_; }
@@ -134,8 +138,11 @@ class SQLiteDatabase {
     SQLiteDatabase(std::filesystem::path file, sqlite3* connection)
         : file_(std::move(file)), connection_(connection) {}
     NSError lastError(int code);
+    static int noteCommit(void* database, sqlite3* connection, const char* name, int pages);
     std::filesystem::path file_;
     sqlite3* connection_;
+    /// In the log, as of the last commit.
+    int logPages_ = 0;
     SQLiteFailure lastFailure_ = SQLiteFailure::none;
 };
 

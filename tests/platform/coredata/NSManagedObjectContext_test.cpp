@@ -289,5 +289,20 @@ TEST_F(ContextTest, aBackgroundSaveWritesWhatIsUnsavedAndTellsOnTheMainQueue) {
     EXPECT_EQ(titles(*main), (std::vector<std::string>{"first", "second"}));
 }
 
+TEST_F(ContextTest, aLargeSaveReachesItsPlaceInTheFileWhenNobodyWaits) {
+    constexpr std::size_t large = 6 << 20;
+    const std::string title(large, 'x');
+    Song::insert(*main, title);
+    save(*main);
+    EXPECT_GT(std::filesystem::file_size(file()), large);
+
+    const auto writer = DispatchQueue::serial("writer");
+    Song::insert(*main, title);
+    main->saveInBackground(*writer, [](const Result<void>& result) { EXPECT_TRUE(result); });
+    mainQueue->runUntilIdle();
+    writer->sync([] {});
+    EXPECT_GT(std::filesystem::file_size(file()), 2 * large);
+}
+
 }  // namespace
 }  // namespace tavrion

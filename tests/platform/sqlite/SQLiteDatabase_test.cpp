@@ -187,5 +187,23 @@ TEST_F(SQLiteDatabaseTest, theLogIsLeftWhenClosingIfTold) {
     EXPECT_FALSE(std::filesystem::exists(log));
 }
 
+TEST_F(SQLiteDatabaseTest, aCommitLeavesALongLogToWhoeverShortensIt) {
+    const auto database = opened();
+    execute(*database, "PRAGMA journal_mode = WAL; CREATE TABLE T(a)");
+    database->shortenLog();
+    const auto small = std::filesystem::file_size(file);
+    constexpr std::size_t large = 6 << 20;
+    execute(*database, "INSERT INTO T VALUES (zeroblob(6 << 20))");
+    EXPECT_EQ(std::filesystem::file_size(file), small);
+    database->shortenLog();
+    EXPECT_GT(std::filesystem::file_size(file), large);
+    // The log begins anew, and grows no further however much is written.
+    for (int i = 0; i < 5; ++i) {
+        execute(*database, "UPDATE T SET a = zeroblob(6 << 20)");
+        database->shortenLog();
+    }
+    EXPECT_LT(std::filesystem::file_size(file.string() + "-wal"), 2 * large);
+}
+
 }  // namespace
 }  // namespace tavrion
