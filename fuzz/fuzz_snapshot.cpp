@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "fuzz/ScratchFile.h"
+#include "platform/foundation/NSCalendar.h"
 #include "platform/mediaplayer/MediaSnapshotBuilder.h"
 #include "platform/mediaplayer/MediaSnapshotFile.h"
 
@@ -52,6 +53,8 @@ std::string changed(std::string bytes, const std::uint8_t* data, std::size_t siz
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Regional region(NSTimeZone(), "en_US");
+    static const Port<Regional>::Plug plug(region);
     static const fuzz::ScratchFile file("snapshot");
     static const std::string whole = wholeFile(file);
     const std::string bytes = changed(whole, data, size);

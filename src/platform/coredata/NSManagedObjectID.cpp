@@ -21,7 +21,9 @@ std::optional<NSManagedObjectID> NSManagedObjectID::fromText(const NSManagedObje
     RecordCounter counter = 0;
     const auto [end, error] =
         std::from_chars(digits.data(), digits.data() + digits.size(), counter);
-    if (!entity || error != std::errc() || end != digits.data() + digits.size() || counter == 0) {
+    // A record has one text: no zero leads.
+    if (!entity || error != std::errc() || end != digits.data() + digits.size() ||
+        digits.front() == '0') {
         return std::nullopt;
     }
     return NSManagedObjectID{*entity, counter};

@@ -10,6 +10,8 @@
 #include <memory>
 #include <type_traits>
 
+#include "platform/foundation/PropertyListKeys.h"
+
 namespace tavrion::PropertyList {
 
 namespace {
@@ -296,6 +298,9 @@ Result<Value::Dictionary> dictionaryOf(std::string_view data) {
     const Node top(parsed);
     if (!top || plist_get_node_type(top.get()) != PLIST_DICT) {
         return unreadable("it is not a property list with a dictionary at its top");
+    }
+    if (hasKeyWithNul(data)) {
+        return unreadable("it has a key with the character NUL in it");
     }
     Result<Value> value = valueOf(top.get(), 0);
     if (!value) {

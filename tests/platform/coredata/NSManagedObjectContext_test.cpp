@@ -202,8 +202,8 @@ TEST_F(ContextTest, identifiersAreTheSameInTheNextProcessAndNeverUsedAgain) {
     EXPECT_GT(next.objectID(), lastID);
     EXPECT_EQ(next.objectID().text(main->model()), "Song/3");
     EXPECT_EQ(NSManagedObjectID::fromText(main->model(), "Song/3"), next.objectID());
-    for (const char* const wrong :
-         {"Song/", "Song/0", "Song/-1", "Song/3x", "Nothing/3", "Song", "", "Song/4294967296"}) {
+    for (const char* const wrong : {"Song/", "Song/0", "Song/03", "Song/-1", "Song/3x", "Nothing/3",
+                                    "Song", "", "Song/4294967296"}) {
         EXPECT_EQ(NSManagedObjectID::fromText(main->model(), wrong), std::nullopt) << wrong;
     }
 }
