@@ -180,8 +180,13 @@ std::optional<NSDate> dateFromIsoText(std::string_view text) {
     if (!offset || !reader.atEnd()) {
         return std::nullopt;
     }
+    // The offset can lead out of the years that a text can show.
+    const absl::CivilSecond universal = *time - *offset;
+    if (universal < firstTime || universal > lastTime) {
+        return std::nullopt;
+    }
     return NSDate::dateWithTimeIntervalSinceReferenceDate(
-        nearestDouble(*time - referenceTime - *offset, fraction));
+        nearestDouble(universal - referenceTime, fraction));
 }
 
 }  // namespace tavrion

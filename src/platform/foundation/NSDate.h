@@ -69,7 +69,7 @@ std::string isoTextOfDate(NSDate date);
 
 /// The instant of an ISO 8601 text with "Z" or an offset ("2026-03-01T13:00:00.25+01:00"),
 /// fractions allowed, correctly rounded. Absent when the text is anything else, a date without a
-/// time or without an offset included.
+/// time or without an offset and an instant outside the years 1 to 9999 in UTC included.
 std::optional<NSDate> dateFromIsoText(std::string_view text);
 
 }  // namespace tavrion
