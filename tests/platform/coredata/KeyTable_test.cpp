@@ -27,10 +27,10 @@ TEST(KeyTableTest, agreesWithAPlainMapWhileItGrows) {
         table.forEachEqual(entry->first,
                            [&](RecordCounter record) { found.emplace(entry->first, record); });
         ASSERT_EQ(found.size(), plain.count(entry->first));
-        for (const auto& [key, record] : found) {
-            const auto [first, last] = plain.equal_range(key);
-            ASSERT_TRUE(
-                std::any_of(first, last, [&](const auto& each) { return each.second == record; }));
+        for (const auto& pair : found) {
+            const auto [first, last] = plain.equal_range(pair.first);
+            ASSERT_TRUE(std::any_of(first, last,
+                                    [&](const auto& each) { return each.second == pair.second; }));
         }
     }
 }
