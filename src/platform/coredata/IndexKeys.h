@@ -20,6 +20,12 @@ inline std::uint64_t ofNumber(double number) {
     return (bits & sign) != 0 ? ~bits : bits | sign;
 }
 
+/// The number that has this key.
+inline double numberOfKey(std::uint64_t key) {
+    constexpr std::uint64_t sign = std::uint64_t{1} << 63U;
+    return std::bit_cast<double>((key & sign) != 0 ? key & ~sign : ~key);
+}
+
 inline std::uint64_t ofDate(NSDate date) {
     return ofNumber(date.timeIntervalSinceReferenceDate());
 }

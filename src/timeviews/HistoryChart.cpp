@@ -1,0 +1,155 @@
+#include "timeviews/HistoryChart.h"
+
+#include <algorithm>
+
+#include "library/RVMetadataManager.h"
+#include "platform/foundation/NSCalendar.h"
+#include "platform/foundation/NSDate+Extended.h"
+#include "platform/foundation/NSDateFormatter.h"
+#include "timeviews/CalendarDays.h"
+#include "timeviews/HistoryPlays.h"
+
+namespace tavrion {
+namespace {
+
+constexpr std::size_t hoursOfDay = 24;
+constexpr std::size_t monthsOfYear = 12;
+constexpr std::size_t hourLabels = 6;
+constexpr std::size_t mostDayLabels = 4;
+constexpr std::size_t daysInView = 7;
+
+/// The plays of a range with their lengths.
+class BarSums {
+  public:
+    BarSums(std::shared_ptr<const StoreVersion> records, const NSDateInterval& interval)
+        : plays_(records, interval.startDate(), interval.endDate()),
+          durations_(*records, plays_.count()) {}
+
+    /// Calls `visit(date, seconds)` for each play, the oldest first.
+    template <class Visit>
+    void forEach(Visit visit) const {
+        plays_.forEach([&](double date, RecordCounter play) { visit(date, durations_.of(play)); });
+    }
+
+  private:
+    HistoryPlays plays_;
+    PlayDurations durations_;
+};
+
+NSDate at(double seconds) {
+    return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
+}
+
+void makeHours(HistoryChart& chart, const BarSums& plays) {
+    const NSTimeZone zone = NSCalendar::currentCalendar().timeZone();
+    for (std::size_t hour = 0; hour < hoursOfDay; ++hour) {
+        chart.bars.push_back({hour, 0, std::nullopt});
+    }
+    plays.forEach([&](double date, double seconds) {
+        chart.bars[static_cast<std::size_t>(zone.civilTime(at(date)).hour)].y += seconds;
+    });
+    chart.labelCount = hourLabels;
+    chart.leastVisible = chart.mostVisible = hoursOfDay;
+}
+
+/// The first instant of a month of the year, 12 being the January after it.
+NSDate startOfMonth(const NSTimeZone& zone, std::int64_t year, std::size_t month) {
+    return zone.startOfDay(
+        CivilDay::fromDate(year + static_cast<std::int64_t>(month / monthsOfYear),
+                           static_cast<int>(month % monthsOfYear) + 1, 1));
+}
+
+void makeMonths(HistoryChart& chart, const BarSums& plays) {
+    const NSTimeZone zone = NSCalendar::currentCalendar().timeZone();
+    const std::int64_t year = zone.civilTime(NSDate::date()).year;
+    std::vector<double> starts;
+    std::vector<double> ends;
+    for (std::size_t month = 0; month < monthsOfYear; ++month) {
+        const NSDate start = startOfMonth(zone, year, month);
+        // The first day of a month belongs to the bar of the month before, too.
+        const NSDate end = Extended::endOfDay(startOfMonth(zone, year, month + 1));
+        chart.bars.push_back({month, 0, start});
+        starts.push_back(start.timeIntervalSinceReferenceDate());
+        ends.push_back(end.timeIntervalSinceReferenceDate());
+    }
+    plays.forEach([&](double date, double seconds) {
+        const auto begun = static_cast<std::size_t>(
+            std::lower_bound(starts.begin(), starts.end(), date) - starts.begin());
+        for (std::size_t month = begun; month > 0 && date < ends[month - 1]; --month) {
+            chart.bars[month - 1].y += seconds;
+        }
+    });
+    chart.isTapHighlightEnabled = true;
+    chart.labelCount = monthsOfYear;
+    chart.leastVisible = chart.mostVisible = monthsOfYear;
+}
+
+void makeDays(HistoryChart& chart, const BarSums& plays, const NSDateInterval& interval) {
+    const NSTimeZone zone = NSCalendar::currentCalendar().timeZone();
+    const std::vector<CalendarDay> days = calendarDaysOf(interval, zone);
+    chart.bars.reserve(days.size());
+    for (const CalendarDay& day : days) {
+        chart.bars.push_back({chart.bars.size(), 0, day.start});
+    }
+    CalendarDays calendar(zone);
+    CivilDay shown;
+    HistoryBar* bar = nullptr;
+    plays.forEach([&](double date, double seconds) {
+        if (const CivilDay day = calendar.dayOf(date); bar == nullptr || day != shown) {
+            shown = day;
+            const auto found =
+                std::lower_bound(days.begin(), days.end(), day,
+                                 [](const CalendarDay& a, CivilDay b) { return a.day < b; });
+            bar = found == days.end() || found->day != day
+                      ? nullptr
+                      : &chart.bars[static_cast<std::size_t>(found - days.begin())];
+        }
+        if (bar != nullptr) {
+            bar->y += seconds;
+        }
+    });
+    chart.isTapHighlightEnabled = true;
+    chart.labelCount = std::min(days.size(), mostDayLabels);
+    chart.leastVisible = std::min(days.size(), daysInView);
+    chart.mostVisible = daysInView;
+    chart.movedToX = days.size();
+}
+
+std::string monthName(NSDate date) {
+    NSDateFormatter formatter;
+    formatter.setDateFormat("MMM");
+    return formatter.stringFromDate(date);
+}
+
+}  // namespace
+
+std::string HistoryChart::label(const HistoryBar& bar) const {
+    switch (form) {
+        case HistoryChartForm::hours:
+            return bar.x == 0 ? std::string() : RVMetadataManager::formattedHour(bar.x);
+        case HistoryChartForm::months:
+            return monthName(*bar.data);
+        case HistoryChartForm::days:
+            break;
+    }
+    return RVMetadataManager::formattedDate(bar.data, true);
+}
+
+HistoryChart historyChart(std::shared_ptr<const StoreVersion> records, const HistoryRange& range) {
+    const BarSums plays(std::move(records), range.interval);
+    HistoryChart chart;
+    if (NSCalendar::currentCalendar().isDateInSameDay(range.interval.startDate(),
+                                                      range.interval.endDate())) {
+        chart.form = HistoryChartForm::hours;
+        makeHours(chart, plays);
+    } else if (range.isCurrentYear) {
+        chart.form = HistoryChartForm::months;
+        makeMonths(chart, plays);
+    } else {
+        chart.form = HistoryChartForm::days;
+        makeDays(chart, plays, range.interval);
+    }
+    return chart;
+}
+
+}  // namespace tavrion
