@@ -135,19 +135,28 @@ std::string HistoryChart::label(const HistoryBar& bar) const {
     return RVMetadataManager::formattedDate(bar.data, true);
 }
 
+HistoryChartForm historyChartForm(const HistoryRange& range) {
+    if (NSCalendar::currentCalendar().isDateInSameDay(range.interval.startDate(),
+                                                      range.interval.endDate())) {
+        return HistoryChartForm::hours;
+    }
+    return range.isCurrentYear ? HistoryChartForm::months : HistoryChartForm::days;
+}
+
 HistoryChart historyChart(std::shared_ptr<const StoreVersion> records, const HistoryRange& range) {
     const BarSums plays(std::move(records), range.interval);
     HistoryChart chart;
-    if (NSCalendar::currentCalendar().isDateInSameDay(range.interval.startDate(),
-                                                      range.interval.endDate())) {
-        chart.form = HistoryChartForm::hours;
-        makeHours(chart, plays);
-    } else if (range.isCurrentYear) {
-        chart.form = HistoryChartForm::months;
-        makeMonths(chart, plays);
-    } else {
-        chart.form = HistoryChartForm::days;
-        makeDays(chart, plays, range.interval);
+    chart.form = historyChartForm(range);
+    switch (chart.form) {
+        case HistoryChartForm::hours:
+            makeHours(chart, plays);
+            break;
+        case HistoryChartForm::months:
+            makeMonths(chart, plays);
+            break;
+        case HistoryChartForm::days:
+            makeDays(chart, plays, range.interval);
+            break;
     }
     return chart;
 }

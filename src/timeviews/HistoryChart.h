@@ -61,6 +61,9 @@ struct HistoryChart {
     std::string label(const HistoryBar& bar) const;
 };
 
+/// What the bars of a range stand for; its length does not matter.
+HistoryChartForm historyChartForm(const HistoryRange& range);
+
 /// The chart of the plays strictly within the range.
 HistoryChart historyChart(std::shared_ptr<const StoreVersion> records, const HistoryRange& range);
 

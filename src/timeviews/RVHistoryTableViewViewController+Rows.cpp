@@ -1,4 +1,6 @@
 // The rows of the list and the titles of its days.
+#include <utility>
+
 #include "library/RVMetadataManager.h"
 #include "platform/dispatch/MainQueue.h"
 #include "recording/MPMediaItem+Nerinda.h"
@@ -47,18 +49,15 @@ std::optional<std::string> RVHistoryTableViewViewController::titleForHeaderInSec
                                      : RVMetadataManager::formattedDate(*date, false);
 }
 
-std::optional<HistoryRow> RVHistoryTableViewViewController::rowForEvent(
-    NSManagedObjectContext& context, NSManagedObjectID id, const std::optional<UIFont>& font) {
-    const std::optional<PlayEvent> event = eventOf(context, id);
-    if (!event) {
-        return std::nullopt;
-    }
+HistoryRow RVHistoryTableViewViewController::rowOfEvent(const PlayEvent& event,
+                                                        std::optional<MPMediaItem> item,
+                                                        const std::optional<UIFont>& font) {
     HistoryRow row;
-    if (const auto history = event->parentHistory()) {
+    if (const auto history = event.parentHistory()) {
         row.title = NSAttributedString(history->title().value_or(""));
         row.subtitle = history->artist();
     }
-    row.item = Nerinda::mediaItemForEvent(*event);
+    row.item = std::move(item);
     if (!row.item) {
         return row;
     }
@@ -68,15 +67,17 @@ std::optional<HistoryRow> RVHistoryTableViewViewController::rowForEvent(
     if (auto subtitle = RVMetadataManager::subtitleForMediaEntity(*row.item)) {
         row.subtitle = std::move(subtitle);
     }
-    row.property = propertyOf(*event);
+    row.property = propertyOf(event);
     return row;
 }
 
 std::optional<HistoryRow> RVHistoryTableViewViewController::rowAtIndexPath(
     NSIndexPath indexPath, const std::optional<UIFont>& font) const {
     const auto play = playAt(snapshot(), indexPath);
-    return play ? rowForEvent(*Port<RecordStore>::current().mainContext(), *play, font)
-                : std::nullopt;
+    const auto event =
+        play ? eventOf(*Port<RecordStore>::current().mainContext(), *play) : std::nullopt;
+    return event ? std::optional(rowOfEvent(*event, Nerinda::mediaItemForEvent(*event), font))
+                 : std::nullopt;
 }
 
 void RVHistoryTableViewViewController::loadArtwork(const MPMediaItem& item,

@@ -20,6 +20,7 @@
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/mediaplayer/MPMediaEntity.h"
+#include "recording/PlayEvent.h"
 #include "timeviews/HistoryScreen.h"
 #include "timeviews/RVHistoryTableViewDiffableDataSource.h"
 
@@ -111,9 +112,9 @@ class RVHistoryTableViewViewController
     /// Absent for the totals, and for a play that is no longer there.
     std::optional<HistoryRow> rowAtIndexPath(NSIndexPath indexPath,
                                              const std::optional<UIFont>& font) const;
-    static std::optional<HistoryRow> rowForEvent(NSManagedObjectContext& context,
-                                                 NSManagedObjectID id,
-                                                 const std::optional<UIFont>& font);
+    /// The row of a play whose song is that item of the library.
+    static HistoryRow rowOfEvent(const PlayEvent& event, std::optional<MPMediaItem> item,
+                                 const std::optional<UIFont>& font);
     /// Finds the picture on a queue of its own and hands it over on the main queue.
     void loadArtwork(const MPMediaItem& item, std::function<void(UIImage)> loaded);
     /// Opens the song's page.
