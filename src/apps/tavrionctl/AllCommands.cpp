@@ -2,6 +2,7 @@
 #include "apps/tavrionctl/Command.h"
 #include "apps/tavrionctl/DefaultsCommands.h"
 #include "apps/tavrionctl/EntityCommand.h"
+#include "apps/tavrionctl/HistoryCommand.h"
 #include "apps/tavrionctl/LibraryCommands.h"
 #include "apps/tavrionctl/RecordCommands.h"
 #include "apps/tavrionctl/ScanCommand.h"
@@ -25,8 +26,8 @@ std::vector<CommandGroup> allCommands() {
     groups.push_back(
         group<LibraryUseCommand, LibraryStatusCommand, LibrarySongsCommand, LibraryForgetCommand>(
             "library", "Choose and look at the music library"));
-    groups.push_back(group<ScanCommand, PlaysCommand, HistoriesCommand, BrowseCommand,
-                           SearchCommand, EntityCommand, TrendingCommand>("", ""));
+    groups.push_back(group<ScanCommand, PlaysCommand, HistoriesCommand, HistoryCommand,
+                           BrowseCommand, SearchCommand, EntityCommand, TrendingCommand>("", ""));
     groups.push_back(group<DefaultsReadCommand, DefaultsWriteCommand, DefaultsDeleteCommand>(
         "defaults", "Read and write the user defaults"));
     return groups;

@@ -1,5 +1,6 @@
 #include "apps/tavrionctl/AttributedText.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -75,7 +76,7 @@ std::vector<Piece> piecesOf(const NSAttributedString& text, const TerminalAbilit
 }
 
 std::string withColor(const std::string& text, bool isGrey, const TerminalAbilities& abilities) {
-    return isGrey && abilities.showsColors && !text.empty() ? "\033[2m" + text + "\033[0m" : text;
+    return styled(text, isGrey ? TextStyle::grey : TextStyle::plain, abilities);
 }
 
 std::size_t widthOf(const std::vector<Piece>& pieces) {
@@ -113,6 +114,22 @@ TerminalAbilities TerminalAbilities::fromValues(const char* locale, const char* 
     const std::string_view kind = terminal == nullptr ? "" : terminal;
     const bool isPlain = kind == "dumb" || kind == "linux" || kind.starts_with("vt");
     return {isUnicode && !(isTerminal && isPlain), isTerminal && kind != "dumb" && !kind.empty()};
+}
+
+std::optional<std::size_t> terminalColumns() {
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0
+               ? std::optional<std::size_t>(size.ws_col)
+               : std::nullopt;
+}
+
+std::string styled(std::string_view text, TextStyle style, const TerminalAbilities& abilities) {
+    // Codes of the terminal, in the order of the styles.
+    constexpr std::array codes{"", "\033[1m", "\033[2m", "\033[35m"};
+    if (style == TextStyle::plain || !abilities.showsColors || text.empty()) {
+        return std::string(text);
+    }
+    return codes[static_cast<std::size_t>(style)] + std::string(text) + "\033[0m";
 }
 
 std::string printed(const NSAttributedString& text, const TerminalAbilities& abilities) {

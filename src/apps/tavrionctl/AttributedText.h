@@ -25,6 +25,15 @@ struct TerminalAbilities {
     static TerminalAbilities fromValues(const char* locale, const char* terminal, bool isTerminal);
 };
 
+/// Columns of the terminal that standard output is; absent when the output goes elsewhere.
+std::optional<std::size_t> terminalColumns();
+
+/// How a word stands out from others.
+enum class TextStyle { plain, bold, grey, accent };
+
+/// The text in that style, as it is where no colours are shown.
+std::string styled(std::string_view text, TextStyle style, const TerminalAbilities& abilities);
+
 std::string printed(const NSAttributedString& text, const TerminalAbilities& abilities);
 /// Cut or filled to exactly that many columns; a cut ends in "…" (or "." where that cannot be
 /// shown). Control characters become spaces.

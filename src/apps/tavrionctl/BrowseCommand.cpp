@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -91,14 +89,6 @@ void writeList(const std::vector<MPMediaEntity>& list, RVSortType sortType) {
         writeRow(json, rowOf(list[index], index, sortType, false));
     }
     json.endArray().endObject().finish();
-}
-
-/// Columns of the terminal; absent when the output goes elsewhere.
-std::optional<std::size_t> terminalColumns() {
-    winsize size{};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0
-               ? std::optional<std::size_t>(size.ws_col)
-               : std::nullopt;
 }
 
 /// The columns of a list, as wide as its widest row needs, within limits.

@@ -4,20 +4,16 @@
 #include <limits>
 
 #include "apps/tavrionctl/JsonWriter.h"
+#include "apps/tavrionctl/PlayRows.h"
 #include "apps/tavrionctl/RangeArgument.h"
 #include "apps/tavrionctl/RecordCommands.h"
 #include "apps/tavrionctl/Session.h"
 #include "apps/tavrionctl/TextTable.h"
 #include "platform/coredata/IndexKeys.h"
-#include "recording/PlayEvent.h"
+#include "recording/NerindaModel.h"
 
 namespace tavrion::ctl {
 namespace {
-
-std::optional<std::string_view> textOf(const FieldView& field) {
-    const auto* text = std::get_if<std::string_view>(&field);
-    return text != nullptr ? std::optional(*text) : std::nullopt;
-}
 
 /// Identifiers of the plays to list, newest first; plays without a date come last.
 std::vector<RecordCounter> playsNewestFirst(const TableVersion& table,
@@ -48,65 +44,12 @@ std::vector<RecordCounter> playsNewestFirst(const TableVersion& table,
     return plays;
 }
 
-/// One play with what its song adds.
-struct Play {
-    RecordCounter record = 0;
-    RowPosition event;
-    RecordCounter history = 0;
-    std::optional<RowPosition> song;
-
-    FieldView songField(PropertyIndex property) const {
-        return song ? song->at(property) : FieldView();
-    }
-    std::optional<NSDate> date() const {
-        const FieldView field = event.at(PlayEventKey::eventDate);
-        const auto* date = std::get_if<NSDate>(&field);
-        return date != nullptr ? std::optional(*date) : std::nullopt;
-    }
-    bool isInterpolated() const { return std::get<bool>(event.at(PlayEventKey::isInterpolated)); }
-};
-
-Play playOf(const StoreVersion& records, RecordCounter record) {
-    Play play{record, *records.table(NerindaEntity::PlayEvent).find(record), 0, std::nullopt};
-    const FieldView parent = play.event.at(PlayEventKey::parentHistory);
-    if (const auto* link = std::get_if<Link>(&parent)) {
-        play.history = link->counter;
-        play.song = records.table(NerindaEntity::PlaybackHistory).find(link->counter);
-    }
-    return play;
-}
-
-void writePlay(JsonWriter& json, const Play& play) {
-    const NSManagedObjectModel& model = *nerindaModel();
-    json.beginObject().key("id").text(
-        NSManagedObjectID{NerindaEntity::PlayEvent, play.record}.text(model));
-    json.key("eventDate").optionalInstant(play.date());
-    json.key("isInterpolated").boolean(play.isInterpolated());
-    json.key("historyID");
-    if (play.song) {
-        json.text(NSManagedObjectID{NerindaEntity::PlaybackHistory, play.history}.text(model));
-    } else {
-        json.null();
-    }
-    json.key("title").optionalText(textOf(play.songField(PlaybackHistoryKey::title)));
-    json.key("artist").optionalText(textOf(play.songField(PlaybackHistoryKey::artist)));
-    json.key("albumID").optionalText(textOf(play.songField(PlaybackHistoryKey::albumID)));
-    json.key("genre").optionalText(textOf(play.songField(PlaybackHistoryKey::genre)));
-    json.key("duration");
-    if (play.song) {
-        json.number(std::get<double>(play.songField(PlaybackHistoryKey::duration)));
-    } else {
-        json.null();
-    }
-    json.endObject();
-}
-
-void printPlay(const Play& play) {
+void printPlay(const PlayRow& play) {
     const std::optional<NSDate> date = play.date();
     fmt::print("{}{} {}  {}\n", date ? localText(*date) : fitted("—", 19),
                play.isInterpolated() ? "*" : " ",
-               fitted(textOf(play.songField(PlaybackHistoryKey::title)).value_or("—"), 40),
-               textOf(play.songField(PlaybackHistoryKey::artist)).value_or("—"));
+               fitted(play.songText(PlaybackHistoryKey::title).value_or("—"), 40),
+               play.songText(PlaybackHistoryKey::artist).value_or("—"));
 }
 
 }  // namespace
@@ -146,12 +89,14 @@ Outcome PlaysCommand::execute(Session& session) {
         json.emplace(stdout).beginArray();
     }
     for (const RecordCounter record : plays) {
-        const Play play = playOf(*records, record);
+        const PlayRow play = playRowOf(*records, record);
         if (song && play.history != song->counter) {
             continue;
         }
         if (json) {
-            writePlay(*json, play);
+            json->beginObject();
+            writeKeysOfPlay(*json, play);
+            json->endObject();
         } else {
             printPlay(play);
         }

@@ -8,7 +8,6 @@
 
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSDate+Extended.h"
-#include "timeviews/RVDateRangeSelectorViewController.h"
 
 namespace tavrion::ctl {
 namespace {
@@ -40,11 +39,17 @@ constexpr std::array<const char*, 5> presetNames{"today", "past-week", "past-mon
 
 }  // namespace
 
-Result<DateRange> dateRange(const std::string& text) {
+std::optional<DateRangePreset> datePreset(const std::string& text) {
     const auto* const name = std::find(presetNames.begin(), presetNames.end(), text);
-    if (name != presetNames.end()) {
-        const NSDateInterval interval = RVDateRangeSelectorViewController::dateIntervalForPreset(
-            static_cast<DateRangePreset>(name - presetNames.begin()));
+    return name == presetNames.end()
+               ? std::nullopt
+               : std::optional(static_cast<DateRangePreset>(name - presetNames.begin()));
+}
+
+Result<DateRange> dateRange(const std::string& text) {
+    if (const auto preset = datePreset(text)) {
+        const NSDateInterval interval =
+            RVDateRangeSelectorViewController::dateIntervalForPreset(*preset);
         return DateRange{interval.startDate(), interval.endDate()};
     }
     const std::size_t dots = text.find("..");

@@ -3,10 +3,12 @@
 // Queue: any; the current calendar and clock decide which days "today" and the like are.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/Result.h"
+#include "timeviews/RVDateRangeSelectorViewController.h"
 
 namespace tavrion::ctl {
 
@@ -19,6 +21,9 @@ struct DateRange {
     NSDate start;
     NSDate end;
 };
+
+/// The preset of that name; absent for anything else.
+std::optional<DateRangePreset> datePreset(const std::string& text);
 
 /// The error names what is wrong with the text.
 Result<DateRange> dateRange(const std::string& text);

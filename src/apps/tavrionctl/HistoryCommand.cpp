@@ -1,0 +1,193 @@
+#include "apps/tavrionctl/HistoryCommand.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+#include "apps/tavrionctl/HistoryText.h"
+#include "apps/tavrionctl/JsonWriter.h"
+#include "apps/tavrionctl/PlayRows.h"
+#include "apps/tavrionctl/RangeArgument.h"
+#include "apps/tavrionctl/Session.h"
+#include "platform/foundation/NSKeyedArchiver.h"
+
+namespace tavrion::ctl {
+namespace {
+
+constexpr std::size_t columnsWithoutTerminal = 80;
+
+struct AskedRange {
+    HistoryRange range;
+    /// As it would be stored.
+    Value object;
+};
+
+AskedRange storedRange() {
+    return {HistoryRange::stored(),
+            NSUserDefaults::standardUserDefaults().objectForKey(DateRangeKey::history)};
+}
+
+Result<AskedRange> rangeOf(const std::string& text) {
+    const auto preset = datePreset(text);
+    if (preset) {
+        return AskedRange{{RVDateRangeSelectorViewController::dateIntervalForPreset(*preset),
+                           *preset == DateRangePreset::currentYear},
+                          static_cast<std::int64_t>(*preset)};
+    }
+    const auto parsed = dateRange(text);
+    if (!parsed) {
+        return parsed.error();
+    }
+    const NSDateInterval interval(parsed.value().start, parsed.value().end);
+    return AskedRange{{interval, false}, NSKeyedArchiver::archivedDataWithRootObject(interval)};
+}
+
+const char* nameOf(HistoryChartForm form) {
+    switch (form) {
+        case HistoryChartForm::hours:
+            return "hours";
+        case HistoryChartForm::months:
+            return "months";
+        case HistoryChartForm::days:
+            break;
+    }
+    return "days";
+}
+
+void writeBars(JsonWriter& json, const HistoryPage& page) {
+    json.key("form").text(nameOf(historyChartForm(page.range)));
+    json.key("bars").beginArray();
+    if (page.chart) {
+        for (const HistoryBar& bar : page.chart->bars) {
+            json.beginObject().key("x").unsignedInteger(bar.x);
+            json.key("label").text(page.chart->label(bar));
+            json.key("seconds").number(bar.y);
+            json.key("date").optionalInstant(bar.data).endObject();
+        }
+    }
+    json.endArray();
+}
+
+void writeSections(JsonWriter& json, const HistoryPage& page, NSManagedObjectContext& context) {
+    const auto records = context.snapshot();
+    HistoryRows rows(context);
+    json.key("sections").beginArray();
+    for (std::size_t section = 1; section < page.list.numberOfSections(); ++section) {
+        json.beginObject().key("title").text(page.titleOfSection(section));
+        json.key("date").instant(*page.list.sectionIdentifier(section).get<NSDate>());
+        json.key("plays").beginArray();
+        for (std::size_t row = 0; row < page.list.numberOfItemsInSection(section); ++row) {
+            const Value item = *page.list.itemIdentifierForIndexPath({section, row});
+            const NSManagedObjectID id = NSManagedObjectID::of(*item.get<ObjectReference>());
+            const HistoryRow shown = rows.rowOf(id, std::nullopt);
+            json.beginObject();
+            writeKeysOfPlay(json, playRowOf(*records, id.counter));
+            json.key("subtitle").optionalText(shown.subtitle);
+            json.key("property");
+            if (shown.property) {
+                json.text(shown.property->textWithoutAttachments());
+            } else {
+                json.null();
+            }
+            json.endObject();
+        }
+        json.endArray().endObject();
+    }
+    json.endArray();
+}
+
+void writePage(const HistoryPage& page, NSManagedObjectContext& context) {
+    JsonWriter json(stdout);
+    json.beginObject().key("interval").beginObject();
+    json.key("start").instant(page.range.interval.startDate());
+    json.key("end").instant(page.range.interval.endDate()).endObject();
+    json.key("songs").unsignedInteger(page.totals.songs);
+    json.key("seconds").number(page.totals.seconds);
+    json.key("songsText").text(page.songsText());
+    json.key("secondsText").text(page.secondsText());
+    json.key("caption").text(page.caption());
+    writeBars(json, page);
+    writeSections(json, page, context);
+    json.endObject().finish();
+}
+
+void printPage(const HistoryPage& page, NSManagedObjectContext& context) {
+    const TerminalAbilities abilities = TerminalAbilities::ofStandardOutput();
+    HistoryText(page, terminalColumns().value_or(columnsWithoutTerminal), abilities)
+        .print(context, [](const std::string& line) { fmt::print("{}\n", line); });
+}
+
+/// Once in the life of a data directory.
+void giveHint(Session& session) {
+    if (session.defaults().boolForKey(HistoryDefaults::onboardingDateRange)) {
+        return;
+    }
+    const HistoryHint hint = RVHistoryTableViewViewController::dateRangeHint();
+    session.say(hint.title + ": " + hint.text);
+    session.defaults().setObject(HistoryDefaults::onboardingDateRange, true);
+}
+
+/// A bar that cannot be chosen is told and leaves the page as it is.
+Outcome chooseBar(std::int64_t bar, HistoryPage& page, Session& session,
+                  NSManagedObjectContext& context) {
+    if (page.isEmpty()) {
+        session.say("there is no bar to choose, because nothing was played in this time");
+        return {};
+    }
+    const auto count = static_cast<std::int64_t>(page.chart->bars.size());
+    if (bar < 0 || bar >= count) {
+        return Outcome::usage(
+            fmt::format("there is no bar {}; this range has the bars 0 to {}", bar, count - 1));
+    }
+    if (!page.choose(static_cast<std::size_t>(bar), context)) {
+        session.say(page.chart->isTapHighlightEnabled
+                        ? fmt::format("bar {} is empty, so that it can't be chosen", bar)
+                        : "the hours of a day can't be chosen");
+    }
+    return {};
+}
+
+}  // namespace
+
+void HistoryCommand::describe(CLI::App& parent) {
+    described_ = parent.add_subcommand(
+        "history", "Show what was played in a range: totals, a chart, and the plays by days");
+    described_->add_option("--range", range_, rangeHelp);
+    described_->add_option("--bar", bar_, "Only the day or month of this bar, counted from 0")
+        ->type_name("X");
+}
+
+Outcome HistoryCommand::execute(Session& session) {
+    std::optional<AskedRange> asked;
+    if (!range_.empty()) {
+        auto parsed = rangeOf(range_);
+        if (!parsed) {
+            return Outcome::usage(parsed.error().localizedDescription);
+        }
+        asked = std::move(parsed).value();
+    }
+    if (Outcome opened = session.openStore(); !opened.isDone()) {
+        return opened;
+    }
+    if (Outcome opened = session.openLibrary(); !opened.isDone()) {
+        return opened;
+    }
+    if (!asked) {
+        asked = storedRange();
+    }
+    NSManagedObjectContext& context = *session.data().mainContext();
+    HistoryPage page =
+        HistoryPage::of(RVDateRangeSelectorViewController::titleForUserDefaultObject(asked->object)
+                            .textWithoutAttachments(),
+                        asked->range, context);
+    if (bar_) {
+        if (Outcome chosen = chooseBar(*bar_, page, session, context); !chosen.isDone()) {
+            return chosen;
+        }
+    }
+    session.options().json ? writePage(page, context) : printPage(page, context);
+    giveHint(session);
+    return {};
+}
+
+}  // namespace tavrion::ctl
