@@ -21,7 +21,7 @@ constexpr std::size_t daysInView = 7;
 /// The plays of a range with their lengths.
 class BarSums {
   public:
-    BarSums(std::shared_ptr<const StoreVersion> records, const NSDateInterval& interval)
+    BarSums(const std::shared_ptr<const StoreVersion>& records, const NSDateInterval& interval)
         : plays_(records, interval.startDate(), interval.endDate()),
           durations_(*records, plays_.count()) {}
 
@@ -143,8 +143,9 @@ HistoryChartForm historyChartForm(const HistoryRange& range) {
     return range.isCurrentYear ? HistoryChartForm::months : HistoryChartForm::days;
 }
 
-HistoryChart historyChart(std::shared_ptr<const StoreVersion> records, const HistoryRange& range) {
-    const BarSums plays(std::move(records), range.interval);
+HistoryChart historyChart(const std::shared_ptr<const StoreVersion>& records,
+                          const HistoryRange& range) {
+    const BarSums plays(records, range.interval);
     HistoryChart chart;
     chart.form = historyChartForm(range);
     switch (chart.form) {

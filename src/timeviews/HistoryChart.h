@@ -65,6 +65,7 @@ struct HistoryChart {
 HistoryChartForm historyChartForm(const HistoryRange& range);
 
 /// The chart of the plays strictly within the range.
-HistoryChart historyChart(std::shared_ptr<const StoreVersion> records, const HistoryRange& range);
+HistoryChart historyChart(const std::shared_ptr<const StoreVersion>& records,
+                          const HistoryRange& range);
 
 }  // namespace tavrion

@@ -54,7 +54,7 @@ struct RVHistoryTableViewViewController::ListUpdate {
 
 std::shared_ptr<RVHistoryTableViewViewController> RVHistoryTableViewViewController::make(
     HistoryScreen* screen) {
-    const std::shared_ptr<RVHistoryTableViewViewController> controller(
+    std::shared_ptr<RVHistoryTableViewViewController> controller(
         new RVHistoryTableViewViewController(screen));
     controller->makeDataSource();
     return controller;
