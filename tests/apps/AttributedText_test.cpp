@@ -92,6 +92,7 @@ TEST(TextTable, CellsAreAlignedByTheirColumns) {
     EXPECT_EQ(fitted("日本語", 4), "日… ");
     EXPECT_EQ(fitted("e\u0301te\u0301", 4), "e\u0301te\u0301 ");
     EXPECT_EQ(fitted("a\nb", 3), "a b");
+    EXPECT_EQ(fitted("abc", 0), "");
     EXPECT_EQ(displayWidth(fitted("アメリカ合衆国", 9)), 9U);
 }
 

@@ -14,7 +14,7 @@ namespace tavrion::ctl {
 
 class HistoryText {
   public:
-    /// Lines are at most `width` columns wide, without blanks at the end.
+    /// Chart and rows are at most `width` columns wide; no line ends in blanks.
     HistoryText(const HistoryPage& page, std::size_t width, const TerminalAbilities& abilities);
 
     /// Calls `line` with one after the other, the rows read from `context`.

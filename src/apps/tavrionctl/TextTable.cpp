@@ -26,6 +26,9 @@ std::string localText(NSDate date) {
 }
 
 std::string fitted(std::string_view text, std::size_t width) {
+    if (width == 0) {
+        return {};
+    }
     const bool cut = displayWidth(text) > width;
     const std::string_view start = startOfWidth(text, cut ? width - 1 : width);
     const std::size_t used = displayWidth(start) + (cut ? 1 : 0);
