@@ -5,15 +5,20 @@
 
 namespace tavrion {
 
+SnapshotItems::SnapshotItems(std::uint32_t kind, std::vector<std::uint32_t> numbers) {
+    const std::size_t count = numbers.size();
+    items_ = References{
+        kind, std::make_shared<const std::vector<std::uint32_t>>(std::move(numbers)), 0, count};
+}
+
 std::size_t SnapshotItems::size() const {
     const auto* references = std::get_if<References>(&items_);
-    return references != nullptr ? references->numbers.size()
-                                 : std::get<std::vector<Value>>(items_).size();
+    return references != nullptr ? references->count : std::get<std::vector<Value>>(items_).size();
 }
 
 Value SnapshotItems::at(std::size_t row) const {
     const auto* references = std::get_if<References>(&items_);
-    return references != nullptr ? referenceTo(references->kind, references->numbers[row])
+    return references != nullptr ? referenceTo(references->kind, references->numbers()[row])
                                  : std::get<std::vector<Value>>(items_)[row];
 }
 
@@ -31,20 +36,18 @@ std::optional<std::size_t> SnapshotItems::find(const Value& identifier) const {
     if (reference == nullptr || reference->bits >> 32U != references->kind) {
         return std::nullopt;
     }
-    return placeIn(references->numbers, static_cast<std::uint32_t>(reference->bits));
+    return placeIn(references->numbers(), static_cast<std::uint32_t>(reference->bits));
 }
 
 SnapshotItems SnapshotItems::without(std::size_t row) const {
-    SnapshotItems others = *this;
-    const auto erase = [row](auto& list) {
-        list.erase(list.begin() + static_cast<std::ptrdiff_t>(row));
+    const auto others = [row](const auto& list) {
+        std::vector<std::decay_t<decltype(list[0])>> rest(list.begin(), list.end());
+        rest.erase(rest.begin() + static_cast<std::ptrdiff_t>(row));
+        return rest;
     };
-    if (auto* references = std::get_if<References>(&others.items_)) {
-        erase(references->numbers);
-    } else {
-        erase(std::get<std::vector<Value>>(others.items_));
-    }
-    return others;
+    const auto* references = std::get_if<References>(&items_);
+    return references != nullptr ? SnapshotItems(references->kind, others(references->numbers()))
+                                 : SnapshotItems(others(std::get<std::vector<Value>>(items_)));
 }
 
 std::size_t NSDiffableDataSourceSnapshot::numberOfItems() const {

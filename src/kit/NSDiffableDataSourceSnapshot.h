@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <variant>
 #include <vector>
 
@@ -17,14 +18,17 @@
 
 namespace tavrion {
 
-/// The items of one section. References to records of one kind take four bytes each.
+/// The items of one section; immutable. References to records of one kind take four bytes each.
 class SnapshotItems {
   public:
     SnapshotItems() = default;
     explicit SnapshotItems(std::vector<Value> identifiers) : items_(std::move(identifiers)) {}
     /// References whose upper half is `kind` and whose lower halves are given.
-    SnapshotItems(std::uint32_t kind, std::vector<std::uint32_t> numbers)
-        : items_(References{kind, std::move(numbers)}) {}
+    SnapshotItems(std::uint32_t kind, std::vector<std::uint32_t> numbers);
+    /// The same of `count` numbers from `first` on, of a list that other sections share.
+    SnapshotItems(std::uint32_t kind, std::shared_ptr<const std::vector<std::uint32_t>> numbers,
+                  std::size_t first, std::size_t count)
+        : items_(References{kind, std::move(numbers), first, count}) {}
 
     std::size_t size() const;
     Value at(std::size_t row) const;
@@ -34,7 +38,12 @@ class SnapshotItems {
   private:
     struct References {
         std::uint32_t kind = 0;
-        std::vector<std::uint32_t> numbers;
+        std::shared_ptr<const std::vector<std::uint32_t>> all;
+        std::size_t first = 0;
+        std::size_t count = 0;
+        std::span<const std::uint32_t> numbers() const {
+            return std::span(*all).subspan(first, count);
+        }
     };
     static Value referenceTo(std::uint32_t kind, std::uint32_t number) {
         return ObjectReference{(std::uint64_t{kind} << 32U) | number};

@@ -23,6 +23,8 @@ class CalendarDays {
         }
         return day_;
     }
+    /// When the stretch of the last answer ends. It says nothing of the day that follows.
+    double endOfStretch() const { return end_; }
 
   private:
     void look(double seconds);

@@ -1,12 +1,12 @@
 #include "timeviews/HistoryChart.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "library/RVMetadataManager.h"
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "platform/foundation/NSDateFormatter.h"
-#include "timeviews/CalendarDays.h"
 #include "timeviews/HistoryPlays.h"
 
 namespace tavrion {
@@ -28,7 +28,28 @@ class BarSums {
     /// Calls `visit(date, seconds)` for each play, the oldest first.
     template <class Visit>
     void forEach(Visit visit) const {
-        plays_.forEach([&](double date, RecordCounter play) { visit(date, durations_.of(play)); });
+        plays_.forEach([&](std::uint64_t key, RecordCounter play) {
+            visit(IndexKeys::numberOfKey(key), durations_.of(play));
+        });
+    }
+    /// Calls `visit(day, seconds)` for the plays of a day that follow one another; a day can come
+    /// again.
+    template <class Visit>
+    void forEachDay(const NSTimeZone& zone, Visit visit) const {
+        std::optional<CivilDay> current;
+        double sum = 0;
+        plays_.forEachByDay(
+            zone,
+            [&](CivilDay day) {
+                if (current) {
+                    visit(*current, std::exchange(sum, 0));
+                }
+                current = day;
+            },
+            [&](std::uint64_t, RecordCounter play) { sum += durations_.of(play); });
+        if (current) {
+            visit(*current, sum);
+        }
     }
 
   private:
@@ -91,21 +112,12 @@ void makeDays(HistoryChart& chart, const BarSums& plays, const NSDateInterval& i
     for (const CalendarDay& day : days) {
         chart.bars.push_back({chart.bars.size(), 0, day.start});
     }
-    CalendarDays calendar(zone);
-    CivilDay shown;
-    HistoryBar* bar = nullptr;
-    plays.forEach([&](double date, double seconds) {
-        if (const CivilDay day = calendar.dayOf(date); bar == nullptr || day != shown) {
-            shown = day;
-            const auto found =
-                std::lower_bound(days.begin(), days.end(), day,
-                                 [](const CalendarDay& a, CivilDay b) { return a.day < b; });
-            bar = found == days.end() || found->day != day
-                      ? nullptr
-                      : &chart.bars[static_cast<std::size_t>(found - days.begin())];
-        }
-        if (bar != nullptr) {
-            bar->y += seconds;
+    plays.forEachDay(zone, [&](CivilDay day, double seconds) {
+        const auto found =
+            std::lower_bound(days.begin(), days.end(), day,
+                             [](const CalendarDay& a, CivilDay b) { return a.day < b; });
+        if (found != days.end() && found->day == day) {
+            chart.bars[static_cast<std::size_t>(found - days.begin())].y += seconds;
         }
     });
     chart.isTapHighlightEnabled = true;

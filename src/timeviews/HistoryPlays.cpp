@@ -6,7 +6,6 @@
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "recording/NerindaModel.h"
-#include "timeviews/CalendarDays.h"
 
 namespace tavrion {
 namespace {
@@ -20,52 +19,67 @@ const SortedIndex& dateIndexOf(const TableVersion& plays) {
                                  .indexOver({PlayEventKey::eventDate})];
 }
 
-/// Takes plays by rising date and equal ones by rising record, and gives them by falling date and
+NSDate dateOfKey(std::uint64_t key) {
+    return NSDate::dateWithTimeIntervalSinceReferenceDate(IndexKeys::numberOfKey(key));
+}
+
+using PlayList = std::shared_ptr<const std::vector<RecordCounter>>;
+
+/// Takes plays by rising date and equal ones by rising record, and lists them by falling date and
 /// equal ones still by rising record.
 class NewestFirst {
   public:
-    explicit NewestFirst(std::size_t count) { rising_.reserve(count); }
+    explicit NewestFirst(std::size_t count) : plays_(count), free_(count) {}
 
-    void add(double date, RecordCounter record) {
-        if (date != date_) {
+    void add(std::uint64_t key, RecordCounter record) {
+        if (key != key_) {
             closeEqual();
-            date_ = date;
+            key_ = key;
         }
-        rising_.push_back(record);
+        plays_[--free_] = record;
     }
-    void closeEqual() {
-        if (rising_.size() - equalFrom_ > 1) {
-            std::reverse(rising_.begin() + static_cast<std::ptrdiff_t>(equalFrom_), rising_.end());
-        }
-        equalFrom_ = rising_.size();
-    }
-    std::size_t size() const { return rising_.size(); }
-    /// Appends the plays that came as number `first` to before `last`, after closeEqual().
-    void appendTo(std::vector<RecordCounter>& newestFirst, std::size_t first,
-                  std::size_t last) const {
-        const auto from = rising_.rend() - static_cast<std::ptrdiff_t>(last);
-        const auto to = rising_.rend() - static_cast<std::ptrdiff_t>(first);
-        newestFirst.insert(newestFirst.end(), from, to);
+    /// How many of the places at the front are still free.
+    std::size_t free() const { return free_; }
+    /// The key that came last.
+    std::uint64_t newest() const { return key_; }
+    PlayList finish() {
+        closeEqual();
+        return std::make_shared<const std::vector<RecordCounter>>(std::move(plays_));
     }
 
   private:
-    std::vector<RecordCounter> rising_;
-    double date_ = std::nan("");
-    /// Where the plays of date_ begin.
-    std::size_t equalFrom_ = 0;
+    void closeEqual() {
+        if (equalUpTo_ > free_ + 1) [[unlikely]] {
+            std::reverse(plays_.begin() + static_cast<std::ptrdiff_t>(free_),
+                         plays_.begin() + static_cast<std::ptrdiff_t>(equalUpTo_));
+        }
+        equalUpTo_ = free_;
+    }
+
+    std::vector<RecordCounter> plays_;
+    std::size_t free_;
+    /// No date has this key.
+    std::uint64_t key_ = 0;
+    /// Behind the plays of key_.
+    std::size_t equalUpTo_ = 0;
 };
 
-/// Plays of one day that follow one another.
+/// Plays of one day that follow one another in the list.
 struct DayRun {
     CivilDay day;
-    std::size_t first = 0;
-    double newest = 0;
+    /// Behind the oldest one.
+    std::size_t end = 0;
+    std::uint64_t newest = 0;
 };
 
 struct DaySection {
     CivilDay day;
     NSDate newest;
-    std::vector<RecordCounter> plays;
+    /// Where its plays are in the list.
+    std::size_t first = 0;
+    std::size_t count = 0;
+    /// All of them, when they do not follow one another there; empty otherwise.
+    std::vector<RecordCounter> joined;
 };
 
 /// The section of the day among those that were met so far; null when it is a new one.
@@ -78,6 +92,23 @@ DaySection* sectionOf(CivilDay day, std::vector<DaySection>& sections) {
     const auto found = std::find_if(sections.rbegin(), sections.rend(),
                                     [&](const DaySection& section) { return section.day == day; });
     return found == sections.rend() ? nullptr : &*found;
+}
+
+void join(DaySection& section, const std::vector<RecordCounter>& plays, std::size_t first,
+          std::size_t end) {
+    const auto at = [&](std::size_t place) {
+        return plays.begin() + static_cast<std::ptrdiff_t>(place);
+    };
+    if (section.joined.empty()) {
+        section.joined.assign(at(section.first), at(section.first + section.count));
+    }
+    section.joined.insert(section.joined.end(), at(first), at(end));
+}
+
+SnapshotItems itemsOf(DaySection& section, const PlayList& plays) {
+    return section.joined.empty()
+               ? SnapshotItems(NerindaEntity::PlayEvent, plays, section.first, section.count)
+               : SnapshotItems(NerindaEntity::PlayEvent, std::move(section.joined));
 }
 
 }  // namespace
@@ -103,36 +134,40 @@ NSDiffableDataSourceSnapshot HistoryPlays::withStatSection() const {
 }
 
 NSDiffableDataSourceSnapshot HistoryPlays::byDay(const Progress& progress) const {
-    CalendarDays days(NSCalendar::currentCalendar().timeZone());
-    NewestFirst plays(count_);
+    NewestFirst list(count_);
     std::vector<DayRun> runs;
-    forEach([&](double date, RecordCounter record) {
-        const CivilDay day = days.dayOf(date);
-        if (runs.empty() || runs.back().day != day) {
-            runs.push_back({day, plays.size(), date});
+    const auto endRun = [&] {
+        if (!runs.empty()) {
+            runs.back().newest = list.newest();
         }
-        runs.back().newest = date;
-        plays.add(date, record);
-    });
-    plays.closeEqual();
+    };
+    forEachByDay(
+        NSCalendar::currentCalendar().timeZone(),
+        [&](CivilDay day) {
+            endRun();
+            if (runs.empty() || runs.back().day != day) {
+                runs.push_back({day, list.free(), 0});
+            }
+        },
+        [&](std::uint64_t key, RecordCounter record) { list.add(key, record); });
+    endRun();
+    const PlayList plays = list.finish();
     std::vector<DaySection> sections;
     sections.reserve(runs.size());
-    std::size_t last = plays.size();
+    std::size_t first = 0;
     for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
-        DaySection* section = sectionOf(run->day, sections);
-        if (section == nullptr) {
-            section = &sections.emplace_back(DaySection{
-                run->day, NSDate::dateWithTimeIntervalSinceReferenceDate(run->newest), {}});
-            progress(static_cast<float>(count_ - last) / static_cast<float>(count_));
+        if (DaySection* section = sectionOf(run->day, sections)) {
+            join(*section, *plays, first, run->end);
+        } else {
+            sections.push_back({run->day, dateOfKey(run->newest), first, run->end - first, {}});
+            progress(static_cast<float>(first) / static_cast<float>(count_));
         }
-        plays.appendTo(section->plays, run->first, last);
-        last = run->first;
+        first = run->end;
     }
     NSDiffableDataSourceSnapshot snapshot = withStatSection();
     snapshot.reserveSections(sections.size() + 1);
     for (DaySection& section : sections) {
-        snapshot.appendSection(Extended::endOfDay(section.newest),
-                               {NerindaEntity::PlayEvent, std::move(section.plays)});
+        snapshot.appendSection(Extended::endOfDay(section.newest), itemsOf(section, plays));
     }
     return snapshot;
 }
@@ -140,13 +175,9 @@ NSDiffableDataSourceSnapshot HistoryPlays::byDay(const Progress& progress) const
 NSDiffableDataSourceSnapshot HistoryPlays::inOneSection(NSDate identifier) const {
     NSDiffableDataSourceSnapshot snapshot = withStatSection();
     if (count_ > 0) {
-        NewestFirst plays(count_);
-        forEach([&](double date, RecordCounter record) { plays.add(date, record); });
-        plays.closeEqual();
-        std::vector<RecordCounter> newestFirst;
-        newestFirst.reserve(count_);
-        plays.appendTo(newestFirst, 0, plays.size());
-        snapshot.appendSection(identifier, {NerindaEntity::PlayEvent, std::move(newestFirst)});
+        NewestFirst list(count_);
+        forEach([&](std::uint64_t key, RecordCounter record) { list.add(key, record); });
+        snapshot.appendSection(identifier, {NerindaEntity::PlayEvent, list.finish(), 0, count_});
     }
     return snapshot;
 }
@@ -157,8 +188,13 @@ PlayDurations::PlayDurations(const StoreVersion& records, std::size_t lookUps)
         songs_.resize(std::size_t{plays_.leaves().back()->records->back()} + 1, 0);
         for (const auto& leaf : plays_.leaves()) {
             const auto songs = leaf->columns[PlayEventKey::parentHistory]->references();
-            for (std::size_t row = 0; row < leaf->size(); ++row) {
-                songs_[(*leaf->records)[row]] = songs[row];
+            const std::vector<RecordCounter>& plays = *leaf->records;
+            if (plays.back() - plays.front() + 1 == plays.size()) {
+                std::copy(songs.begin(), songs.end(), songs_.begin() + plays.front());
+                continue;
+            }
+            for (std::size_t row = 0; row < plays.size(); ++row) {
+                songs_[plays[row]] = songs[row];
             }
         }
     }

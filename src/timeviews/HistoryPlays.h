@@ -13,6 +13,7 @@
 #include "platform/coredata/IndexKeys.h"
 #include "platform/coredata/StoreVersion.h"
 #include "recording/PlayTotals.h"
+#include "timeviews/CalendarDays.h"
 
 namespace tavrion {
 
@@ -35,15 +36,27 @@ class HistoryPlays {
     /// The stat section and one with all plays, the newest first; nothing without plays.
     NSDiffableDataSourceSnapshot inOneSection(NSDate identifier) const;
 
-    /// Calls `visit(date, record)` for each play, the oldest first; equal dates by their records.
+    /// Calls `visit(key, record)` for each play, the oldest first, with the key of its date; equal
+    /// dates by their records.
     template <class Visit>
     void forEach(Visit visit) const {
         if (count_ > 0) {
-            byDate().forEachBetween(lowKey_, highKey_,
-                                    [&](std::uint64_t key, RecordCounter record) {
-                                        visit(IndexKeys::numberOfKey(key), record);
-                                    });
+            byDate().forEachBetween(lowKey_, highKey_, visit);
         }
+    }
+    /// The same, with `beginsDay(day)` before the first play of a day. A day may begin again, also
+    /// after the one that follows it, where the clock was set back.
+    template <class BeginsDay, class Visit>
+    void forEachByDay(const NSTimeZone& zone, BeginsDay beginsDay, Visit visit) const {
+        CalendarDays days(zone);
+        std::uint64_t endOfStretch = 0;
+        forEach([&](std::uint64_t key, RecordCounter record) {
+            if (key >= endOfStretch) [[unlikely]] {
+                beginsDay(days.dayOf(IndexKeys::numberOfKey(key)));
+                endOfStretch = IndexKeys::ofNumber(days.endOfStretch());
+            }
+            visit(key, record);
+        });
     }
 
   private:

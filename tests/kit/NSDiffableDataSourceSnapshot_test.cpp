@@ -69,6 +69,25 @@ TEST(NSDiffableDataSourceSnapshot, aSectionThatLosesItsLastItemStays) {
     EXPECT_EQ(snapshot.numberOfItemsInSection(0), 0U);
 }
 
+TEST(NSDiffableDataSourceSnapshot, sectionsThatShareOneListShowTheirPartsOfIt) {
+    const auto all = std::make_shared<const std::vector<std::uint32_t>>(
+        std::vector<std::uint32_t>{9, 8, 7, 6, 5});
+    NSDiffableDataSourceSnapshot snapshot;
+    snapshot.appendSection("a", {2, all, 0, 2});
+    snapshot.appendSection("b", {2, all, 2, 3});
+    EXPECT_THAT(snapshot.itemIdentifiersInSection(0),
+                ElementsAre(reference(2, 9), reference(2, 8)));
+    EXPECT_EQ(snapshot.indexPathForItemIdentifier(reference(2, 6)), (NSIndexPath{1, 1}));
+    snapshot.deleteItem(reference(2, 6));
+    EXPECT_THAT(snapshot.itemIdentifiersInSection(1),
+                ElementsAre(reference(2, 7), reference(2, 5)));
+    EXPECT_EQ(snapshot.numberOfItems(), 4U);
+    NSDiffableDataSourceSnapshot same;
+    same.appendSection("a", {2, {9, 8}});
+    same.appendSection("b", {2, {7, 5}});
+    EXPECT_TRUE(snapshot == same);
+}
+
 TEST(NSDiffableDataSourceSnapshot, aCopyDoesNotSeeWhatTheOriginalLoses) {
     NSDiffableDataSourceSnapshot snapshot = mixed();
     const NSDiffableDataSourceSnapshot before = snapshot;
