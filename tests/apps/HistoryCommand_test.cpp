@@ -248,6 +248,20 @@ TEST_F(HistoryCommandTest, aSongThatLeftTheLibraryShowsNoTime) {
     EXPECT_EQ(page["sections"][0]["plays"][1]["property"], nullptr);
 }
 
+TEST_F(HistoryCommandTest, withoutALibraryWhatIsRecordedIsStillShown) {
+    runHistory({});
+    run({"library", "forget"});
+    const ProgramEnd end = runHistory({"--json", "--range", "lifetime"});
+    ASSERT_TRUE(end.isDone()) << end.told();
+    EXPECT_THAT(end.err, StartsWith("no music library is chosen"));
+    EXPECT_EQ(end.errorLines(), 1U);
+    const json page = json::parse(end.out);
+    EXPECT_EQ(page["songs"], 2);
+    EXPECT_EQ(page["seconds"], 1300);
+    EXPECT_EQ(page["sections"][0]["plays"][0]["title"], "Short");
+    EXPECT_EQ(page["sections"][0]["plays"][0]["property"], nullptr);
+}
+
 TEST_F(HistoryCommandTest, wrongOptionsAreOneLine) {
     for (const std::vector<std::string>& options : {std::vector<std::string>{"--range", "soon"},
                                                     {"--bar", "24"},

@@ -169,8 +169,9 @@ Outcome HistoryCommand::execute(Session& session) {
     if (Outcome opened = session.openStore(); !opened.isDone()) {
         return opened;
     }
-    if (Outcome opened = session.openLibrary(); !opened.isDone()) {
-        return opened;
+    // What is recorded can be shown without the library; songs then show title and artist alone.
+    if (const Outcome opened = session.openLibrary(); !opened.isDone()) {
+        session.say(opened.message);
     }
     if (!asked) {
         asked = storedRange();
