@@ -13,24 +13,54 @@
 
 namespace tavrion::ctl {
 
-void TerminalScanPresenter::presentProgress() {
-    if (!showsProgress_) {
+void TerminalScanPresenter::setShowsProgress(bool shows) {
+    showsProgress_ = shows;
+    if (!shows) {
+        updates_ = {};
+        finish_ = {};
         return;
     }
     NSNotificationCenter& centre = NSNotificationCenter::defaultCenter();
     updates_ = centre.addObserver(
         DataProcess::didUpdate, nullptr, nullptr, [this](const NSNotification& notification) {
             if (const float* progress = notification.info<float>(DataProcess::progressKey)) {
-                draw(*progress);
+                note(*progress);
             }
         });
     finish_ = centre.addObserver(DataProcess::didFinish, nullptr, nullptr,
-                                 [this](const NSNotification&) { clear(); });
+                                 [this](const NSNotification&) { noteFinish(); });
+}
+
+void TerminalScanPresenter::presentProgress() {
+    if (!showsProgress_) {
+        return;
+    }
+    MutexLock lock(mutex_);
+    draw(progress_);
+    isPresented_ = !hasFinished_;
+    if (hasFinished_) {
+        clear();
+    }
+}
+
+void TerminalScanPresenter::note(float progress) {
+    MutexLock lock(mutex_);
+    hasFinished_ = false;
+    progress_ = progress;
+    if (isPresented_) {
+        draw(progress);
+    }
+}
+
+void TerminalScanPresenter::noteFinish() {
+    MutexLock lock(mutex_);
+    isPresented_ = false;
+    hasFinished_ = true;
+    clear();
 }
 
 void TerminalScanPresenter::draw(float progress) {
     constexpr int width = 40;
-    MutexLock lock(mutex_);
     // A progress that is not a number compares as not larger, and is left out by that.
     const bool larger = progress * 100 >= static_cast<float>(shownPercent_ + 1);
     if (!larger) {
@@ -43,7 +73,6 @@ void TerminalScanPresenter::draw(float progress) {
 }
 
 void TerminalScanPresenter::clear() {
-    MutexLock lock(mutex_);
     if (shownPercent_ >= 0) {
         fmt::print(stderr, "\r{:60}\r", "");
         shownPercent_ = -1;
@@ -52,7 +81,10 @@ void TerminalScanPresenter::clear() {
 
 void TerminalScanPresenter::ask(const SuspectQuestion& question,
                                 std::function<void(SuspectAnswer)> answer) {
-    clear();
+    {
+        MutexLock lock(mutex_);
+        clear();
+    }
     suspectTitles_ = question.songTitles;
     switch (policy_) {
         case SuspectPolicy::keepAll:

@@ -18,8 +18,8 @@ enum class SuspectPolicy { keepAll, keepMostRecent, ask };
 class TerminalScanPresenter final : public ScanPresenter {
   public:
     void setPolicy(SuspectPolicy policy) { policy_ = policy; }
-    /// Whether a progress bar may be drawn. Off until it is set.
-    void setShowsProgress(bool shows) { showsProgress_ = shows; }
+    /// Whether a progress bar may be drawn. Off until it is set, which is before a scan.
+    void setShowsProgress(bool shows);
 
     void presentProgress() override;
     void ask(const SuspectQuestion& question, std::function<void(SuspectAnswer)> answer) override;
@@ -27,14 +27,21 @@ class TerminalScanPresenter final : public ScanPresenter {
     const std::vector<std::string>& suspectTitles() const { return suspectTitles_; }
 
   private:
-    void draw(float progress);
-    void clear();
+    void note(float progress);
+    void noteFinish();
+    void draw(float progress) TAVRION_REQUIRES(mutex_);
+    void clear() TAVRION_REQUIRES(mutex_);
     SuspectAnswer answerFromTerminal(const SuspectQuestion& question);
 
     SuspectPolicy policy_ = SuspectPolicy::keepAll;
     bool showsProgress_ = false;
     std::vector<std::string> suspectTitles_;
     Mutex mutex_;
+    /// A scan can be at its end before the main queue comes to present its progress; the bar is
+    /// then drawn once, for the eye of who counts on it, and taken away.
+    bool isPresented_ TAVRION_GUARDED_BY(mutex_) = false;
+    bool hasFinished_ TAVRION_GUARDED_BY(mutex_) = false;
+    float progress_ TAVRION_GUARDED_BY(mutex_) = 0;
     int shownPercent_ TAVRION_GUARDED_BY(mutex_) = -1;
     NSNotificationCenter::Observation updates_;
     NSNotificationCenter::Observation finish_;
