@@ -45,6 +45,8 @@ struct TrendingSnapshot {
     static constexpr int dateSection = 0;
     static constexpr int collectionsSection = 1;
     static constexpr int songsSection = 2;
+    /// The one item of the section of the date.
+    static constexpr const char* dateItem = "DateSelectorSection";
 
     std::vector<TrendingRow> collections;
     std::vector<TrendingRow> songs;

@@ -6,10 +6,7 @@
 #include <map>
 #include <random>
 
-#include "platform/foundation/NSKeyedArchiver.h"
-#include "tests/support/RecordingEnvironment.h"
-#include "timeviews/RVDateRangeSelectorViewController.h"
-#include "timeviews/RVTrendingCollectionViewController.h"
+#include "tests/timeviews/TrendingFixture.h"
 
 namespace tavrion {
 namespace {
@@ -18,98 +15,7 @@ using testing::ElementsAre;
 using testing::FloatNear;
 using testing::IsEmpty;
 
-class TrendingTest : public testing::Test {
-  protected:
-    TrendingTest() {
-        store(0, 1000);
-        for (const char* const name :
-             {TrendingNotification::didBegin, TrendingNotification::didChange,
-              TrendingNotification::didEnd}) {
-            observations.push_back(environment.centre.addObserver(
-                name, nullptr, nullptr, [this](const NSNotification& notification) {
-                    if (const float* progress = notification.info<float>("progress")) {
-                        noted.push_back(*progress);
-                        if (whenProgressing) {
-                            whenProgressing();
-                        }
-                    } else {
-                        told.push_back(notification.name);
-                    }
-                }));
-        }
-    }
-
-    void store(double start, double end) {
-        environment.defaults->setObject(
-            DateRangeKey::trending,
-            NSKeyedArchiver::archivedDataWithRootObject(
-                NSDateInterval(RecordingEnvironment::at(start), RecordingEnvironment::at(end))));
-    }
-    void group(int grouping) {
-        environment.defaults->setObject(TrendingDefaults::groupingType, grouping);
-    }
-    void rankByTime() { environment.defaults->setObject(TrendingDefaults::weightedRankFormat, 2); }
-    /// A record whose song is in the library from the next publish() on.
-    PlaybackHistory song(const std::string& title, int plays, const std::string& artist = "Artist",
-                         const std::string& album = "Album", const std::string& genre = "Genre",
-                         double duration = 100) {
-        songs.push_back({.title = title,
-                         .artist = artist,
-                         .albumArtist = artist,
-                         .albumTitle = album,
-                         .genre = genre,
-                         .duration = duration});
-        PlaybackHistory history = environment.makeHistory(title, duration);
-        history.setArtist(artist);
-        history.setAlbumID(artist + "——" + album);
-        history.setGenre(genre);
-        for (int i = 0; i < plays; ++i) {
-            environment.makePlay(history, 1 + 0.001 * ++playsMade);
-        }
-        return history;
-    }
-    const TrendingSnapshot& update() {
-        environment.library.publish(songs);
-        noted.clear();
-        told.clear();
-        screen->updateDataSource();
-        environment.runUntilIdle();
-        return screen->snapshot();
-    }
-    static std::string rowText(const RVTrendingEntity& row) {
-        const std::string numbers = " " + std::to_string(row.playCount) + " " +
-                                    std::to_string(static_cast<int>(row.playDuration));
-        if (const MPMediaItem* item = row.entity.item()) {
-            return std::string(item->title().value_or("?")) + numbers;
-        }
-        const MPMediaItem item = *row.entity.collection()->representativeItem();
-        switch (row.entity.collection()->groupingType()) {
-            case MPMediaGrouping::album:
-                return std::string(*item.albumTitle()) + numbers;
-            case MPMediaGrouping::genre:
-                return std::string(*item.genre()) + numbers;
-            default:
-                return std::string(*item.albumArtist()) + numbers;
-        }
-    }
-    static std::vector<std::string> texts(const std::vector<TrendingRow>& rows) {
-        std::vector<std::string> texts;
-        for (const TrendingRow& row : rows) {
-            texts.push_back(rowText(*row));
-        }
-        return texts;
-    }
-
-    RecordingEnvironment environment;
-    std::vector<TestSong> songs;
-    int playsMade = 0;
-    std::vector<float> noted;
-    std::vector<std::string> told;
-    std::function<void()> whenProgressing;
-    std::vector<NSNotificationCenter::Observation> observations;
-    std::shared_ptr<RVTrendingCollectionViewController> screen =
-        RVTrendingCollectionViewController::make();
-};
+class TrendingTest : public TrendingFixture {};
 
 TEST_F(TrendingTest, withoutPlaysThereIsOnlyTheDateAndTwoNotifications) {
     song("Never", 0);
@@ -144,6 +50,22 @@ TEST_F(TrendingTest, estimatesCountAndPlaysOnTheEdgesDoNot) {
     environment.makePlay(history, 1000);
     environment.makePlay(history, 500, true);
     EXPECT_THAT(texts(update().songs), ElementsAre("Song 1 0"));
+}
+
+TEST_F(TrendingTest, theLastSecondOfTheLastDayIsOutsideOfEveryPreset) {
+    PlaybackHistory history = song("Song", 0);
+    const NSDateInterval today =
+        RVDateRangeSelectorViewController::dateIntervalForPreset(DateRangePreset::today);
+    const double start = today.startDate().timeIntervalSinceReferenceDate();
+    const double end = today.endDate().timeIntervalSinceReferenceDate();
+    for (const double outside : {start, end, end + 0.5}) {
+        environment.makePlay(history, outside);
+    }
+    environment.defaults->setObject(DateRangeKey::trending, 0);
+    EXPECT_THAT(update().songs, IsEmpty());
+    environment.makePlay(history, start + 0.5);
+    environment.makePlay(history, end - 0.5);
+    EXPECT_THAT(texts(update().songs), ElementsAre("Song 2 0"));
 }
 
 TEST_F(TrendingTest, atMostAHundredSongsAndAllOfThemAddToTheirGroups) {
