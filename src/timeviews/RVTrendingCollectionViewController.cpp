@@ -45,7 +45,11 @@ void postProgress(float progress) {
         {TrendingNotification::didChange, nullptr, {{"progress", progress}}});
 }
 
-TrendingSnapshot rankByDefaults(NSManagedObjectContext& context) {
+bool isProgressHeard() {
+    return NSNotificationCenter::defaultCenter().observerCount(TrendingNotification::didChange) > 0;
+}
+
+TrendingSnapshot rankByDefaults(NSManagedObjectContext& context, TrendingKeys& keys) {
     NSNotificationCenter& center = NSNotificationCenter::defaultCenter();
     center.postNotificationName(TrendingNotification::didBegin);
     StoredGrouping grouping;
@@ -53,7 +57,8 @@ TrendingSnapshot rankByDefaults(NSManagedObjectContext& context) {
         context,
         {RVDateRangeSelectorViewController::dateIntervalForKey(DateRangeKey::trending),
          defaults().integerForKey(TrendingDefaults::weightedRankFormat) == TrendingDefaults::byTime,
-         [&grouping] { return grouping.read(); }, &postProgress});
+         [&grouping] { return grouping.read(); }, &postProgress, &isProgressHeard},
+        keys);
     center.postNotificationName(TrendingNotification::didEnd);
     // A look-up takes the library's title over into the record; ranking is not what saves it.
     context.rollback();
@@ -139,14 +144,15 @@ void RVTrendingCollectionViewController::registerObservers() {
 // The ranking
 
 void RVTrendingCollectionViewController::updateDataSource() {
-    privateContext_->performBlock([context = privateContext_, weak = weak_from_this()] {
-        TrendingSnapshot snapshot = rankByDefaults(*context);
-        Port<MainQueue>::current().async([weak, snapshot = std::move(snapshot)]() mutable {
-            if (const auto self = weak.lock()) {
-                self->apply(std::move(snapshot));
-            }
+    privateContext_->performBlock(
+        [context = privateContext_, keys = keys_, weak = weak_from_this()] {
+            TrendingSnapshot snapshot = rankByDefaults(*context, *keys);
+            Port<MainQueue>::current().async([weak, snapshot = std::move(snapshot)]() mutable {
+                if (const auto self = weak.lock()) {
+                    self->apply(std::move(snapshot));
+                }
+            });
         });
-    });
 }
 
 void RVTrendingCollectionViewController::apply(TrendingSnapshot snapshot) {

@@ -18,6 +18,7 @@
 #include "platform/dispatch/TimerService.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSUserDefaults.h"
+#include "timeviews/TrendingKeys.h"
 #include "timeviews/TrendingRanking.h"
 #include "timeviews/TrendingScreen.h"
 
@@ -114,6 +115,8 @@ class RVTrendingCollectionViewController
         DispatchQueue::serial("dataSourceTaskQueue");
     const std::shared_ptr<DispatchQueue> imageHandlingQueue_ =
         DispatchQueue::serial("imageHandlingQueue");
+    /// On the context's queue alone.
+    const std::shared_ptr<TrendingKeys> keys_ = std::make_shared<TrendingKeys>();
     TrendingSnapshot snapshot_;
     bool showsBackgroundView_ = false;
     std::optional<std::string> prompt_;

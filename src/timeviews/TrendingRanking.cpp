@@ -5,6 +5,7 @@
 #include "recording/MPMediaItem+Nerinda.h"
 #include "recording/PlaybackHistory.h"
 #include "recording/RVQueryManager.h"
+#include "timeviews/BestFirst.h"
 #include "timeviews/TrendingSums.h"
 
 namespace tavrion {
@@ -13,30 +14,6 @@ namespace {
 constexpr std::string_view albumKeySeparator = "\u2014\u2014";
 constexpr double firstPassShare = 0.6;
 constexpr double secondPassShare = 0.4;
-
-/// Hands out the best of what is left, one after the other: few are asked for.
-template <class Element, class IsWorse>
-class BestFirst {
-  public:
-    BestFirst(std::vector<Element>& elements, IsWorse isWorse)
-        : elements_(elements), isWorse_(isWorse), left_(elements.size()) {
-        std::make_heap(elements_.begin(), elements_.end(), isWorse_);
-    }
-    /// Null when nothing is left.
-    const Element* next() {
-        if (left_ == 0) {
-            return nullptr;
-        }
-        const auto end = elements_.begin() + static_cast<std::ptrdiff_t>(left_);
-        std::pop_heap(elements_.begin(), end, isWorse_);
-        return &elements_[--left_];
-    }
-
-  private:
-    std::vector<Element>& elements_;
-    IsWorse isWorse_;
-    std::size_t left_;
-};
 
 TrendingRow rowOf(MPMediaEntity entity, const RVTrendingHistory& sums) {
     return std::make_shared<const RVTrendingEntity>(
@@ -90,13 +67,14 @@ std::optional<MPMediaItemCollection> collectionOf(std::string_view key, Trending
     return collections.empty() ? std::nullopt : std::optional(collections.front());
 }
 
-std::vector<TrendingRow> collectionRows(std::vector<TrendingGroup>& groups,
-                                        TrendingGrouping grouping) {
+std::vector<TrendingRow> collectionRows(const TrendingSums& sums, TrendingGrouping grouping) {
+    // Several keys in a row can be of groups of another kind, which give no row.
+    constexpr std::size_t fewGroups = 8 * TrendingRanking::mostCollections;
     std::vector<TrendingRow> rows;
-    BestFirst best(groups, [](const TrendingGroup& a, const TrendingGroup& b) {
-        return a.sums.trendValue != b.sums.trendValue ? a.sums.trendValue < b.sums.trendValue
-                                                      : a.key > b.key;
-    });
+    auto best =
+        bestFirst<TrendingGroup>(fewGroups, [&sums](std::size_t most, const TrendingGroup* after) {
+            return sums.bestGroups(most, after);
+        });
     while (rows.size() < TrendingRanking::mostCollections) {
         const TrendingGroup* group = best.next();
         if (group == nullptr) {
@@ -109,21 +87,14 @@ std::vector<TrendingRow> collectionRows(std::vector<TrendingGroup>& groups,
     return rows;
 }
 
-bool isWorseSong(const TrendingSong& a, const TrendingSong& b) {
-    if (a.sums.trendValue != b.sums.trendValue) {
-        return a.sums.trendValue < b.sums.trendValue;
-    }
-    if (a.lastEventDate != b.lastEventDate) {
-        return a.lastEventDate < b.lastEventDate;
-    }
-    return a.sums.playbackHistory > b.sums.playbackHistory;
-}
-
-std::vector<TrendingRow> songRows(NSManagedObjectContext& context, TrendingSums& sums,
+std::vector<TrendingRow> songRows(NSManagedObjectContext& context, const TrendingSums& sums,
                                   const TrendingRequest& request) {
     const std::size_t limit = std::min(sums.keptCount(), TrendingRanking::mostSongs);
     std::vector<TrendingRow> rows;
-    BestFirst best(sums.songs(), &isWorseSong);
+    auto best = bestFirst<TrendingSong>(TrendingRanking::mostSongs,
+                                        [&sums](std::size_t most, const TrendingSong* after) {
+                                            return sums.bestSongs(most, after);
+                                        });
     for (std::size_t i = 0; rows.size() < limit; ++i) {
         const TrendingSong* song = best.next();
         if (song == nullptr) {
@@ -134,7 +105,7 @@ std::vector<TrendingRow> songRows(NSManagedObjectContext& context, TrendingSums&
         if (const auto item = Nerinda::mediaItemForHistory(history)) {
             rows.push_back(rowOf(*item, song->sums));
         }
-        if (request.progress) {
+        if (request.progress && (!request.isHeard || request.isHeard())) {
             const float part = static_cast<float>(i) / static_cast<float>(limit);
             request.progress(static_cast<float>(firstPassShare + secondPassShare * part));
         }
@@ -157,11 +128,16 @@ std::vector<int> TrendingSnapshot::sectionIdentifiers() const {
 
 TrendingSnapshot TrendingRanking::rank(NSManagedObjectContext& context,
                                        const TrendingRequest& request) {
-    // The names of the groups lie in the version.
+    TrendingKeys keys;
+    return rank(context, request, keys);
+}
+
+TrendingSnapshot TrendingRanking::rank(NSManagedObjectContext& context,
+                                       const TrendingRequest& request, TrendingKeys& keys) {
     const std::shared_ptr<const StoreVersion> records = context.snapshot();
-    TrendingSums sums(*records, request);
+    const TrendingSums sums(*records, request, keys);
     TrendingSnapshot snapshot;
-    snapshot.collections = collectionRows(sums.groups(), request.grouping());
+    snapshot.collections = collectionRows(sums, request.grouping());
     snapshot.songs = songRows(context, sums, request);
     return snapshot;
 }

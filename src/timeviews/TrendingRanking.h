@@ -18,6 +18,8 @@
 
 namespace tavrion {
 
+class TrendingKeys;
+
 /// What the collections of a ranking are; the numbers are stored. For any other number there are
 /// none.
 enum class TrendingGrouping : std::int64_t { artists = 0, albums = 1, genres = 2 };
@@ -63,6 +65,8 @@ struct TrendingRequest {
     std::function<TrendingGrouping()> grouping;
     /// Told for every song, twice; may be null. Can pass 1 where songs are missing in the library.
     std::function<void(float)> progress;
+    /// Asked now and then whether anybody wants to be told of the progress; null is yes.
+    std::function<bool()> isHeard = nullptr;
 };
 
 class TrendingRanking {
@@ -73,6 +77,9 @@ class TrendingRanking {
     static constexpr std::size_t mostCollections = 15;
 
     static TrendingSnapshot rank(NSManagedObjectContext& context, const TrendingRequest& request);
+    /// Whoever ranks again and again keeps the keys: only songs that have changed are read anew.
+    static TrendingSnapshot rank(NSManagedObjectContext& context, const TrendingRequest& request,
+                                 TrendingKeys& keys);
 };
 
 }  // namespace tavrion

@@ -6,6 +6,7 @@
 
 #include "platform/coredata/IndexKeys.h"
 #include "recording/NerindaModel.h"
+#include "timeviews/BestFirst.h"
 
 namespace tavrion {
 namespace {
@@ -45,67 +46,71 @@ void forEachPlayIn(const TableVersion& plays, const NSDateInterval& interval, Vi
     }
 }
 
-void add(RVTrendingHistory& total, const RVTrendingHistory& sums) {
-    total.trendValue += sums.trendValue;
-    total.playCount += sums.playCount;
-    total.playDuration += sums.playDuration;
+/// Tells of the progress when somebody listens. Whether somebody does is asked for a few songs at
+/// once, since a screen begins to listen while the songs are walked already.
+class SongProgress {
+  public:
+    SongProgress(const TrendingRequest& request, std::size_t songs)
+        : request_(request), songs_(static_cast<float>(songs)) {}
+
+    void tell(std::size_t song) {
+        constexpr std::size_t songsBetweenLooks = 64;
+        if (song % songsBetweenLooks == 0) {
+            isHeard_ = request_.progress && (!request_.isHeard || request_.isHeard());
+        }
+        if (isHeard_) {
+            const float part = static_cast<float>(song) / songs_;
+            request_.progress(static_cast<float>(part * firstPassShare));
+        }
+    }
+
+  private:
+    const TrendingRequest& request_;
+    const float songs_;
+    bool isHeard_ = false;
+};
+
+double orderOfDate(double date) {
+    return std::isnan(date) ? -std::numeric_limits<double>::infinity() : date;
+}
+
+bool isWorseSong(const TrendingSong& a, const TrendingSong& b) {
+    if (a.sums.trendValue != b.sums.trendValue) {
+        return a.sums.trendValue < b.sums.trendValue;
+    }
+    if (a.lastEventDate != b.lastEventDate) {
+        return a.lastEventDate < b.lastEventDate;
+    }
+    return a.sums.playbackHistory > b.sums.playbackHistory;
+}
+
+bool isWorseGroup(const TrendingGroup& a, const TrendingGroup& b) {
+    return a.sums.trendValue != b.sums.trendValue ? a.sums.trendValue < b.sums.trendValue
+                                                  : a.key > b.key;
 }
 
 }  // namespace
 
-RVTrendingHistory& TrendingGroups::at(std::string_view key) {
-    if (groups_.size() * 2 >= slots_.size()) {
-        grow();
-    }
-    const std::size_t hash = std::hash<std::string_view>{}(key);
-    for (std::size_t slot = hash & (slots_.size() - 1);; slot = (slot + 1) & (slots_.size() - 1)) {
-        const std::uint32_t place = slots_[slot];
-        if (place == 0) {
-            groups_.push_back({key, {}});
-            hashes_.push_back(hash);
-            slots_[slot] = static_cast<std::uint32_t>(groups_.size());
-            return groups_.back().sums;
-        }
-        if (hashes_[place - 1] == hash && groups_[place - 1].key == key) {
-            return groups_[place - 1].sums;
-        }
-    }
+TrendingSums::TrendingSums(const StoreVersion& records, const TrendingRequest& request,
+                           TrendingKeys& keys)
+    : request_(request), songs_(records.table(NerindaEntity::PlaybackHistory)), keys_(keys) {
+    keys_.follow(songs_);
+    countPlays(records.table(NerindaEntity::PlayEvent));
+    keepSongs();
+    addSongs();
 }
 
-void TrendingGroups::grow() {
-    constexpr std::size_t smallest = 64;
-    slots_.assign(slots_.empty() ? smallest : slots_.size() * 2, 0);
-    for (std::size_t i = 0; i < hashes_.size(); ++i) {
-        std::size_t slot = hashes_[i] & (slots_.size() - 1);
-        while (slots_[slot] != 0) {
-            slot = (slot + 1) & (slots_.size() - 1);
-        }
-        slots_[slot] = static_cast<std::uint32_t>(i + 1);
-    }
+void TrendingSums::countPlays(const TableVersion& plays) {
+    const std::size_t songs =
+        songs_.leaves().empty() ? 0 : std::size_t{songs_.leaves().back()->records->back()};
+    plays_.resize(songs + 1, 0);
+    forEachPlayIn(plays, request_.interval,
+                  [&](RecordCounter song) { ++plays_[song < plays_.size() ? song : 0]; });
 }
 
-TrendingSums::TrendingSums(const StoreVersion& records, const TrendingRequest& request)
-    : request_(request) {
-    countPlays(records);
-    addSongs(records.table(NerindaEntity::PlaybackHistory));
-}
-
-void TrendingSums::countPlays(const StoreVersion& records) {
-    const TableVersion& songs = records.table(NerindaEntity::PlaybackHistory);
-    if (!songs.leaves().empty()) {
-        plays_.resize(std::size_t{songs.leaves().back()->records->back()} + 1, 0);
-    }
-    bool hasPlaysWithoutSong = false;
-    forEachPlayIn(records.table(NerindaEntity::PlayEvent), request_.interval,
-                  [&](RecordCounter song) {
-                      if (song != 0 && song < plays_.size()) {
-                          ++plays_[song];
-                      } else {
-                          hasPlaysWithoutSong = true;
-                      }
-                  });
-    keptCount_ = hasPlaysWithoutSong ? 1 : 0;
-    for (const auto& leaf : songs.leaves()) {
+void TrendingSums::keepSongs() {
+    keptCount_ = plays_[0] != 0 ? 1 : 0;
+    for (const auto& leaf : songs_.leaves()) {
         const auto excluded = leaf->columns[PlaybackHistoryKey::excludeFromTrends]->booleans();
         for (std::size_t row = 0; row < leaf->size(); ++row) {
             std::uint32_t& count = plays_[(*leaf->records)[row]];
@@ -115,55 +120,95 @@ void TrendingSums::countPlays(const StoreVersion& records) {
     }
 }
 
-void TrendingSums::addSongs(const TableVersion& songs) {
-    songs_.reserve(keptCount_);
-    for (const auto& leaf : songs.leaves()) {
-        const auto durations = leaf->columns[PlaybackHistoryKey::duration]->reals();
-        const auto dates = leaf->columns[PlaybackHistoryKey::lastEventDate]->reals();
-        for (std::size_t row = 0; row < leaf->size(); ++row) {
-            const RecordCounter record = (*leaf->records)[row];
-            const std::uint32_t count = plays_[record];
-            if (count == 0) {
-                continue;
+void TrendingSums::addSongs() {
+    SongProgress progress(request_, keptCount_);
+    std::size_t song = 0;
+    for (std::size_t place = 0; place < songs_.leaves().size(); ++place) {
+        const TableLeaf& leaf = *songs_.leaves()[place];
+        const auto durations = leaf.columns[PlaybackHistoryKey::duration]->reals();
+        for (std::size_t row = 0; row < leaf.size(); ++row) {
+            const std::uint32_t count = plays_[(*leaf.records)[row]];
+            if (count != 0) {
+                addToGroups(place, row, trendValue(count, durations[row]));
+                progress.tell(song++);
             }
-            RVTrendingHistory sums;
-            sums.playbackHistory = record;
-            sums.playCount = request_.byTime ? 0 : count;
-            sums.playDuration = request_.byTime ? count * durations[row] : 0;
-            sums.trendValue = request_.byTime ? sums.playDuration : count;
-            addToGroups(*leaf, row, sums);
-            if (request_.progress) {
-                const float part =
-                    static_cast<float>(songs_.size()) / static_cast<float>(keptCount_);
-                request_.progress(static_cast<float>(part * firstPassShare));
-            }
-            songs_.push_back({sums, std::isnan(dates[row])
-                                        ? -std::numeric_limits<double>::infinity()
-                                        : dates[row]});
         }
     }
 }
 
 // A song adds to the groups of its own level and of every level below it.
-void TrendingSums::addToGroups(const TableLeaf& leaf, std::size_t row,
-                               const RVTrendingHistory& sums) {
-    const auto addTo = [&](PropertyIndex property) {
-        const FieldView field = leaf.columns[property]->at(row);
-        if (const auto* key = std::get_if<std::string_view>(&field)) {
-            add(groups_.at(*key), sums);
-        }
+void TrendingSums::addToGroups(std::size_t leaf, std::size_t row, double trendValue) {
+    const auto addTo = [&](TrendingLevel level) {
+        addToGroup(keys_.number(leaf, row, level), trendValue);
     };
     switch (request_.grouping()) {
         case TrendingGrouping::artists:
-            addTo(PlaybackHistoryKey::artist);
+            addTo(TrendingLevel::artist);
             [[fallthrough]];
         case TrendingGrouping::albums:
-            addTo(PlaybackHistoryKey::albumID);
+            addTo(TrendingLevel::album);
             [[fallthrough]];
         case TrendingGrouping::genres:
-            addTo(PlaybackHistoryKey::genre);
+            addTo(TrendingLevel::genre);
             break;
     }
+}
+
+void TrendingSums::addToGroup(std::uint32_t number, double trendValue) {
+    if (number >= groups_.size()) {
+        groups_.resize(keys_.end());
+    }
+    groups_[number].trendValue += trendValue;
+    groups_[number].isThere = true;
+}
+
+RVTrendingHistory TrendingSums::sumsOf(double trendValue) const {
+    RVTrendingHistory sums;
+    sums.trendValue = trendValue;
+    if (request_.byTime) {
+        sums.playDuration = trendValue;
+    } else {
+        sums.playCount = static_cast<std::uint64_t>(trendValue);
+    }
+    return sums;
+}
+
+std::vector<TrendingSong> TrendingSums::bestSongs(std::size_t most,
+                                                  const TrendingSong* after) const {
+    BestElements<TrendingSong, decltype(&isWorseSong)> best(most, &isWorseSong);
+    for (const auto& leaf : songs_.leaves()) {
+        const auto durations = leaf->columns[PlaybackHistoryKey::duration]->reals();
+        const auto dates = leaf->columns[PlaybackHistoryKey::lastEventDate]->reals();
+        for (std::size_t row = 0; row < leaf->size(); ++row) {
+            const RecordCounter record = (*leaf->records)[row];
+            const double value = trendValue(plays_[record], durations[row]);
+            if (plays_[record] == 0 || (best.isFull() && value < best.worst().sums.trendValue)) {
+                continue;
+            }
+            TrendingSong song{sumsOf(value), orderOfDate(dates[row])};
+            song.sums.playbackHistory = record;
+            if (after == nullptr || isWorseSong(song, *after)) {
+                best.offer(song);
+            }
+        }
+    }
+    return best.take();
+}
+
+std::vector<TrendingGroup> TrendingSums::bestGroups(std::size_t most,
+                                                    const TrendingGroup* after) const {
+    BestElements<TrendingGroup, decltype(&isWorseGroup)> best(most, &isWorseGroup);
+    for (std::uint32_t number = TrendingKeys::none + 1; number < groups_.size(); ++number) {
+        const GroupSum& sum = groups_[number];
+        if (!sum.isThere || (best.isFull() && sum.trendValue < best.worst().sums.trendValue)) {
+            continue;
+        }
+        const TrendingGroup group{keys_.text(number), sumsOf(sum.trendValue)};
+        if (after == nullptr || isWorseGroup(group, *after)) {
+            best.offer(group);
+        }
+    }
+    return best.take();
 }
 
 }  // namespace tavrion

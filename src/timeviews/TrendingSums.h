@@ -4,11 +4,11 @@
 // seconds. Songs that the user keeps out of the trends are left out everywhere.
 #pragma once
 
-#include <functional>
 #include <string_view>
 #include <vector>
 
 #include "platform/coredata/StoreVersion.h"
+#include "timeviews/TrendingKeys.h"
 #include "timeviews/TrendingRanking.h"
 
 namespace tavrion {
@@ -20,46 +20,49 @@ struct TrendingSong {
     double lastEventDate = 0;
 };
 
-/// A group with its name.
+/// A group with its name, which lives as long as the keys.
 struct TrendingGroup {
     std::string_view key;
     RVTrendingHistory sums;
 };
 
-/// Groups by their names; all kinds of groups share one table.
-class TrendingGroups {
-  public:
-    RVTrendingHistory& at(std::string_view key);
-    std::vector<TrendingGroup>& all() { return groups_; }
-
-  private:
-    void grow();
-    std::vector<TrendingGroup> groups_;
-    /// Places in groups_ from 1 on; 0 is free.
-    std::vector<std::uint32_t> slots_;
-    std::vector<std::size_t> hashes_;
-};
-
 class TrendingSums {
   public:
-    TrendingSums(const StoreVersion& records, const TrendingRequest& request);
+    TrendingSums(const StoreVersion& records, const TrendingRequest& request, TrendingKeys& keys);
 
     /// How many songs were played; all plays without a song count as one.
     std::size_t keptCount() const { return keptCount_; }
-    std::vector<TrendingSong>& songs() { return songs_; }
-    std::vector<TrendingGroup>& groups() { return groups_.all(); }
+    /// The best songs but for `after` and all that are better, best first; all count when `after`
+    /// is null.
+    std::vector<TrendingSong> bestSongs(std::size_t most, const TrendingSong* after) const;
+    /// The same of the groups.
+    std::vector<TrendingGroup> bestGroups(std::size_t most, const TrendingGroup* after) const;
 
   private:
-    void countPlays(const StoreVersion& records);
-    void addSongs(const TableVersion& songs);
-    void addToGroups(const TableLeaf& leaf, std::size_t row, const RVTrendingHistory& sums);
+    struct GroupSum {
+        double trendValue = 0;
+        /// Whether a song added to it, if only 0.
+        bool isThere = false;
+    };
+
+    void countPlays(const TableVersion& plays);
+    void keepSongs();
+    void addSongs();
+    void addToGroups(std::size_t leaf, std::size_t row, double trendValue);
+    void addToGroup(std::uint32_t number, double trendValue);
+    double trendValue(std::uint32_t plays, double duration) const {
+        return request_.byTime ? plays * duration : plays;
+    }
+    RVTrendingHistory sumsOf(double trendValue) const;
 
     const TrendingRequest& request_;
-    /// By the song's counter; what lies beyond the last song is at its end.
+    const TableVersion& songs_;
+    TrendingKeys& keys_;
+    /// By the song's counter; those of no song are at 0.
     std::vector<std::uint32_t> plays_;
     std::size_t keptCount_ = 0;
-    std::vector<TrendingSong> songs_;
-    TrendingGroups groups_;
+    /// By the group's number.
+    std::vector<GroupSum> groups_;
 };
 
 }  // namespace tavrion

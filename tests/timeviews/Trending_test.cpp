@@ -124,6 +124,58 @@ TEST_F(TrendingTest, progressOfBothPasses) {
                                    FloatNear(0.6F, 1e-6F), FloatNear(0.8F, 1e-6F)));
 }
 
+TEST_F(TrendingTest, whereNobodyListensNothingIsPostedAndWhoBeginsToListenIsTold) {
+    for (int i = 0; i < 200; ++i) {
+        song("Song " + std::to_string(i), 1);
+    }
+    observations.clear();
+    update();
+    EXPECT_THAT(noted, IsEmpty());
+    NSNotificationCenter::Observation late;
+    const auto begin = environment.centre.addObserver(
+        TrendingNotification::didBegin, nullptr, nullptr, [&](const NSNotification&) {
+            late = environment.centre.addObserver(
+                TrendingNotification::didChange, nullptr, nullptr,
+                [&](const NSNotification& notification) {
+                    noted.push_back(*notification.info<float>("progress"));
+                });
+        });
+    update();
+    EXPECT_EQ(noted.size(), 300U) << "once for each song, and once for each row";
+}
+
+TEST_F(TrendingTest, sumsFollowSongsThatChangeBetweenUpdates) {
+    PlaybackHistory one = song("One", 2, "A");
+    song("Two", 3, "B");
+    EXPECT_THAT(texts(update().collections), ElementsAre("B 3 0", "A 2 0"));
+    one.setArtist("B");
+    EXPECT_THAT(texts(update().collections), ElementsAre("B 5 0"));
+    one.setExcludeFromTrends(true);
+    EXPECT_THAT(texts(update().collections), ElementsAre("B 3 0"));
+    song("Three", 9, "C");
+    EXPECT_THAT(texts(update().collections), ElementsAre("C 9 0", "B 3 0"));
+}
+
+TEST_F(TrendingTest, manyKeysOfOtherKindsBeforeTheArtistsCostNoRow) {
+    for (int i = 0; i < 300; ++i) {
+        song("Song " + std::to_string(i), i < 200 ? 2 : 1,
+             i < 200 ? "Gone " + std::to_string(i) : "Artist", "Album",
+             "Genre " + std::to_string(i));
+    }
+    songs.erase(songs.begin(), songs.begin() + 200);
+    EXPECT_THAT(texts(update().collections), ElementsAre("Artist 100 0"));
+    song("Last", 1, "Last Artist");
+    EXPECT_THAT(texts(update().collections), ElementsAre("Artist 100 0", "Last Artist 1 0"))
+        << "the last of hundreds of keys";
+}
+
+TEST_F(TrendingTest, aSongWithoutADurationIsRankedByTimeWithItsGroups) {
+    rankByTime();
+    song("One", 2, "A", "Album", "Genre", 0);
+    EXPECT_THAT(texts(update().songs), ElementsAre("One 0 0"));
+    EXPECT_THAT(texts(screen->snapshot().collections), ElementsAre("A 0 0"));
+}
+
 TEST_F(TrendingTest, playsWithoutASongCountAsOneThatIsNotShown) {
     song("One", 3);
     PlaybackHistory gone = song("Gone", 2);
