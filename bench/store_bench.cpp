@@ -2,90 +2,19 @@
 // "WORK/peer", and bench/report divides the medians.
 
 #include <benchmark/benchmark.h>
-#include <fmt/format.h>
 #include <spawn.h>
 #include <sys/wait.h>
 
-#include <cstdlib>
-#include <map>
+#include <cmath>
 
-#include "bench/BenchData.h"
 #include "bench/BenchEnvironment.h"
+#include "bench/Fixtures.h"
 #include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
 #include "recording/PlayEvent.h"
 #include "recording/PlayTotals.h"
 
 namespace tavrion::bench {
 namespace {
-
-std::size_t numberFromEnvironment(const char* name, std::size_t otherwise) {
-    const char* text = std::getenv(name);
-    return text != nullptr ? std::strtoull(text, nullptr, 10) : otherwise;
-}
-
-const std::size_t songCount = numberFromEnvironment("TAVRION_BENCH_SONGS", 100000);
-const std::size_t playCount = numberFromEnvironment("TAVRION_BENCH_PLAYS", 1000000);
-
-void demand(bool holds, const char* what) {
-    if (!holds) {
-        fmt::print(stderr, "bench: {} does not hold\n", what);
-        std::exit(1);
-    }
-}
-
-/// Files that all measurements read and none changes.
-struct Fixtures {
-    ScratchDirectory directory;
-    std::vector<BenchSong> songs = makeSongs(songCount);
-    std::vector<peer_song> rows = peerSongs(songs);
-    std::vector<peer_play> plays = makePlays(playCount, songCount);
-    std::shared_ptr<const MediaSnapshot> snapshot = snapshotOf(songs);
-
-    /// A store with all songs and plays.
-    std::string store() {
-        return made("store.sqlite", [&](const std::string& file) {
-            peer_create(file.c_str(), storeSchema().c_str());
-            peer_insert(file.c_str(), rows.data(), rows.size(), plays.data(), plays.size());
-        });
-    }
-    /// The same with the peer's indexes.
-    std::string indexedStore() {
-        return made("indexed.sqlite", [&](const std::string& file) {
-            peer_create(file.c_str(), storeSchema().c_str());
-            peer_insert(file.c_str(), rows.data(), rows.size(), plays.data(), plays.size());
-            peer_index(file.c_str());
-        });
-    }
-    std::string musicXml() {
-        return made("Library.xml", [&](const std::string& file) { writeMusicXml(songs, file); });
-    }
-
-  private:
-    template <class Make>
-    std::string made(const std::string& name, Make make) {
-        std::string file = directory.file(name);
-        if (!std::filesystem::exists(file)) {
-            make(file);
-        }
-        return file;
-    }
-};
-
-Fixtures& fixtures() {
-    static Fixtures shared;
-    return shared;
-}
-
-std::string freshFile() {
-    static int number = 0;
-    return fixtures().directory.file(fmt::format("fresh-{}.sqlite", ++number));
-}
-
-/// The longest turns of the main queue that any measurement saw, by its name.
-void noteTurn(benchmark::State& state, const BenchEnvironment& environment) {
-    state.counters["longestTurn"] =
-        std::max(static_cast<double>(state.counters["longestTurn"]), environment.longestTurn());
-}
 
 // Opening
 
@@ -280,42 +209,7 @@ void musicXmlPeer(benchmark::State& state) {
     }
 }
 
-void makeFixtures() {
-    // The library is put in order by somebody's collation.
-    Regional region(*NSTimeZone::timeZoneWithName("Europe/Berlin"), "en_US");
-    const Port<Regional>::Plug plug(region);
-    fixtures();
-}
-
-void makeFiles(const std::string& directory) {
-    makeFixtures();
-    std::filesystem::copy_file(fixtures().store(), directory + "/store.sqlite");
-    std::filesystem::copy_file(fixtures().musicXml(), directory + "/Library.xml");
-}
-
-void measure(const char* name, void (*work)(benchmark::State&), int iterations = 1) {
-    benchmark::RegisterBenchmark(name, work)
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime()
-        ->MeasureProcessCPUTime()
-        ->Iterations(iterations);
-}
-
-}  // namespace
-}  // namespace tavrion::bench
-
-int main(int argc, char** argv) {
-    using namespace tavrion::bench;
-    // For measurements of whole processes: the store and the library as files, and nothing
-    // measured.
-    const std::string_view first = argc == 2 ? argv[1] : "";
-    const std::string_view make = "--make=";
-    if (first.starts_with(make)) {
-        makeFiles(std::string(first.substr(make.size())));
-        return 0;
-    }
-    benchmark::Initialize(&argc, argv);
-    makeFixtures();
+[[maybe_unused]] const bool isRegistered = [] {
     measure("open/tavrion", openTavrion);
     measure("open/peer", openPeer);
     measure("scan-nothing-new/tavrion", scanNothingNewTavrion, 3);
@@ -328,6 +222,8 @@ int main(int argc, char** argv) {
     measure("insert-into-few/tavrion", insertIntoFewTavrion, 1);
     measure("music-xml/tavrion", musicXmlTavrion);
     measure("music-xml/peer", musicXmlPeer);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}
+    return true;
+}();
+
+}  // namespace
+}  // namespace tavrion::bench

@@ -190,3 +190,38 @@ struct peer_totals peer_aggregate(const char* file, double start, double end) {
     sqlite3_close(db);
     return result;
 }
+
+struct peer_ranking peer_trending(const char* file, double start, double end) {
+    sqlite3* db = opened(file);
+    run(db, "PRAGMA temp_store = MEMORY");
+    /* The plays are counted once for both lists. */
+    sqlite3_stmt* count =
+        prepared(db,
+                 "CREATE TEMP TABLE counted AS SELECT parentHistory AS song, count(*) AS plays "
+                 "FROM PlayEvent WHERE eventDate > ?1 AND eventDate < ?2 GROUP BY parentHistory");
+    sqlite3_bind_double(count, 1, start);
+    sqlite3_bind_double(count, 2, end);
+    check(db, sqlite3_step(count));
+    sqlite3_finalize(count);
+    struct peer_ranking ranking = {0};
+    sqlite3_stmt* songs =
+        prepared(db,
+                 "SELECT id, plays FROM counted JOIN PlaybackHistory ON id = song "
+                 "WHERE excludeFromTrends IS NOT 1 "
+                 "ORDER BY plays DESC, lastEventDate DESC, id LIMIT 100");
+    while (sqlite3_step(songs) == SQLITE_ROW) {
+        ranking.song_ids[ranking.songs] = sqlite3_column_int64(songs, 0);
+        ranking.song_plays[ranking.songs++] = sqlite3_column_int64(songs, 1);
+    }
+    sqlite3_finalize(songs);
+    sqlite3_stmt* artists =
+        prepared(db,
+                 "SELECT artist, sum(plays) AS sum FROM counted JOIN PlaybackHistory ON id = song "
+                 "WHERE excludeFromTrends IS NOT 1 GROUP BY artist ORDER BY sum DESC LIMIT 15");
+    while (sqlite3_step(artists) == SQLITE_ROW) {
+        ranking.artist_plays[ranking.artists++] = sqlite3_column_int64(artists, 1);
+    }
+    sqlite3_finalize(artists);
+    sqlite3_close(db);
+    return ranking;
+}

@@ -27,6 +27,15 @@ struct peer_totals {
     double seconds;
 };
 
+enum { peer_most_songs = 100, peer_most_artists = 15 };
+
+/* Best first; how many plays each has, and the row ids of the songs. */
+struct peer_ranking {
+    size_t songs, artists;
+    int64_t song_ids[peer_most_songs], song_plays[peer_most_songs];
+    int64_t artist_plays[peer_most_artists];
+};
+
 /* Makes a file with the tables of `schema`, in WAL mode. */
 void peer_create(const char* file, const char* schema);
 /* Inserts all rows in one transaction that is synced to the disk, from row id 1 on. */
@@ -42,6 +51,8 @@ int64_t peer_read_all(const char* file);
 int64_t peer_look_up(const char* file, const struct peer_song* songs, size_t song_count);
 /* Plays strictly between two dates, their distinct songs and the sum of their durations. */
 struct peer_totals peer_aggregate(const char* file, double start, double end);
+/* The songs and the artists with the most plays strictly between two dates. */
+struct peer_ranking peer_trending(const char* file, double start, double end);
 
 #ifdef __cplusplus
 }

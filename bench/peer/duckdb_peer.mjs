@@ -1,0 +1,52 @@
+// The peer that is a column store: DuckDB over the same rows in memory.
+//
+//   node duckdb_peer.mjs DIRECTORY REPETITIONS
+//
+// DIRECTORY holds what `tavrion_bench --rows` writes. Prints the milliseconds of each repetition, one a line: both
+// rankings, songs and artists, from the query to the rows. Ends with status 1 when it ranks otherwise than Tavrion. Needs
+// the module @duckdb/node-api beside itself.
+import { readFileSync } from "node:fs";
+import { join } from "node:path";
+import { DuckDBInstance } from "@duckdb/node-api";
+
+const [directory, repetitions] = process.argv.slice(2);
+const file = (name) => join(directory, name);
+const [start, end] = readFileSync(file("range.tsv"), "utf8").trim().split("\t");
+
+const counted = `SELECT parentHistory AS id, count(*) AS plays FROM plays
+                 WHERE eventDate > ${start} AND eventDate < ${end} GROUP BY parentHistory`;
+const songsSql = `SELECT title, plays FROM (${counted}) JOIN songs USING (id) WHERE NOT excludeFromTrends
+                  ORDER BY plays DESC, lastEventDate DESC, id LIMIT 100`;
+const artistsSql = `SELECT artist, sum(plays)::BIGINT AS sum FROM (${counted}) JOIN songs USING (id)
+                    WHERE NOT excludeFromTrends GROUP BY artist ORDER BY sum DESC, artist LIMIT 15`;
+
+async function load(connection) {
+    const options = "delim = '\\t', header = true, quote = ''";
+    await connection.run(
+        `CREATE TABLE songs AS SELECT *, false AS excludeFromTrends FROM read_csv('${file("songs.tsv")}', ${options})`,
+    );
+    await connection.run(
+        `CREATE TABLE plays AS SELECT eventDate::DOUBLE AS eventDate, parentHistory::UINTEGER AS parentHistory
+         FROM read_csv('${file("plays.tsv")}', ${options})`,
+    );
+}
+
+function demandSame(songs, artists) {
+    const lines = [...songs.map((row) => ["song", ...row]), ...artists.map((row) => ["artist", ...row])];
+    const found = lines.map((line) => line.join("\t")).join("\n");
+    if (found !== readFileSync(file("ranking.tsv"), "utf8").trimEnd()) {
+        console.error("duckdb_peer: it ranks otherwise than Tavrion");
+        process.exit(1);
+    }
+}
+
+const connection = await (await DuckDBInstance.create(":memory:")).connect();
+await load(connection);
+const rowsOf = async (sql) => (await connection.runAndReadAll(sql)).getRows();
+demandSame(await rowsOf(songsSql), await rowsOf(artistsSql));
+for (let i = 0; i < Number(repetitions); ++i) {
+    const begin = performance.now();
+    await rowsOf(songsSql);
+    await rowsOf(artistsSql);
+    console.log(performance.now() - begin);
+}
