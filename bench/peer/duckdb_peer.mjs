@@ -13,11 +13,15 @@ const [directory, repetitions] = process.argv.slice(2);
 const file = (name) => join(directory, name);
 const [start, end] = readFileSync(file("range.tsv"), "utf8").trim().split("\t");
 
-const counted = `SELECT parentHistory AS id, count(*) AS plays FROM plays
-                 WHERE eventDate > ${start} AND eventDate < ${end} GROUP BY parentHistory`;
-const songsSql = `SELECT title, plays FROM (${counted}) JOIN songs USING (id) WHERE NOT excludeFromTrends
-                  ORDER BY plays DESC, lastEventDate DESC, id LIMIT 100`;
-const artistsSql = `SELECT artist, sum(plays)::BIGINT AS sum FROM (${counted}) JOIN songs USING (id)
+// The fastest of the forms that were tried: the plays are counted once for both rankings, and only the best songs are
+// joined with their titles.
+const countSql = `CREATE OR REPLACE TEMP TABLE counted AS SELECT parentHistory AS id, count(*) AS plays FROM plays
+                  WHERE eventDate > ${start} AND eventDate < ${end} GROUP BY parentHistory`;
+const songsSql = `SELECT title, plays FROM
+                      (SELECT id, plays, lastEventDate FROM counted JOIN songs USING (id) WHERE NOT excludeFromTrends
+                       ORDER BY plays DESC, lastEventDate DESC, id LIMIT 100) AS best JOIN songs USING (id)
+                  ORDER BY plays DESC, best.lastEventDate DESC, id`;
+const artistsSql = `SELECT artist, sum(plays)::BIGINT AS sum FROM counted JOIN songs USING (id)
                     WHERE NOT excludeFromTrends GROUP BY artist ORDER BY sum DESC, artist LIMIT 15`;
 
 async function load(connection) {
@@ -43,10 +47,13 @@ function demandSame(songs, artists) {
 const connection = await (await DuckDBInstance.create(":memory:")).connect();
 await load(connection);
 const rowsOf = async (sql) => (await connection.runAndReadAll(sql)).getRows();
-demandSame(await rowsOf(songsSql), await rowsOf(artistsSql));
+async function rank() {
+    await connection.run(countSql);
+    return [await rowsOf(songsSql), await rowsOf(artistsSql)];
+}
+demandSame(...(await rank()));
 for (let i = 0; i < Number(repetitions); ++i) {
     const begin = performance.now();
-    await rowsOf(songsSql);
-    await rowsOf(artistsSql);
+    await rank();
     console.log(performance.now() - begin);
 }

@@ -191,6 +191,53 @@ struct peer_totals peer_aggregate(const char* file, double start, double end) {
     return result;
 }
 
+/* Every song's duration at its row id, so that a play needs no look-up. */
+static double* read_durations(sqlite3* db, sqlite3_int64* most) {
+    sqlite3_stmt* last = prepared(db, "SELECT coalesce(max(id), 0) FROM PlaybackHistory");
+    check(db, sqlite3_step(last));
+    *most = sqlite3_column_int64(last, 0);
+    sqlite3_finalize(last);
+    double* durations = calloc((size_t)*most + 1, sizeof(double));
+    if (durations == NULL) {
+        fprintf(stderr, "bench peer: out of memory\n");
+        exit(1);
+    }
+    sqlite3_stmt* songs = prepared(db, "SELECT id, duration FROM PlaybackHistory");
+    while (sqlite3_step(songs) == SQLITE_ROW) {
+        durations[sqlite3_column_int64(songs, 0)] = sqlite3_column_double(songs, 1);
+    }
+    sqlite3_finalize(songs);
+    return durations;
+}
+
+struct peer_totals peer_history(const char* file, double start, double end) {
+    sqlite3* db = opened(file);
+    sqlite3_int64 most = 0;
+    double* durations = read_durations(db, &most);
+    sqlite3_stmt* plays = prepared(db,
+                                   "SELECT id, eventDate, isInterpolated, parentHistory "
+                                   "FROM PlayEvent WHERE eventDate > ?1 AND eventDate < ?2 "
+                                   "ORDER BY eventDate DESC");
+    sqlite3_bind_double(plays, 1, start);
+    sqlite3_bind_double(plays, 2, end);
+    struct peer_totals totals = {0, 0, 0};
+    volatile double dates = 0;
+    volatile int64_t numbers = 0;
+    int code = sqlite3_step(plays);
+    for (; code == SQLITE_ROW; code = sqlite3_step(plays)) {
+        const sqlite3_int64 song = sqlite3_column_int64(plays, 3);
+        numbers += sqlite3_column_int64(plays, 0) + sqlite3_column_int(plays, 2);
+        dates += sqlite3_column_double(plays, 1);
+        totals.seconds += song <= most ? durations[song] : 0;
+        ++totals.plays;
+    }
+    check(db, code);
+    sqlite3_finalize(plays);
+    sqlite3_close(db);
+    free(durations);
+    return totals;
+}
+
 struct peer_ranking peer_trending(const char* file, double start, double end) {
     sqlite3* db = opened(file);
     run(db, "PRAGMA temp_store = MEMORY");

@@ -51,6 +51,9 @@ int64_t peer_read_all(const char* file);
 int64_t peer_look_up(const char* file, const struct peer_song* songs, size_t song_count);
 /* Plays strictly between two dates, their distinct songs and the sum of their durations. */
 struct peer_totals peer_aggregate(const char* file, double start, double end);
+/* Reads those plays, the newest first, and adds up the durations of their songs; counts no songs.
+ */
+struct peer_totals peer_history(const char* file, double start, double end);
 /* The songs and the artists with the most plays strictly between two dates. */
 struct peer_ranking peer_trending(const char* file, double start, double end);
 
