@@ -151,13 +151,18 @@ TEST_F(TrendingScreenTest, pullingScansAndRanksWhatWasFound) {
     EXPECT_THAT(texts(screen->snapshot().songs), ElementsAre("New 1 0"));
 }
 
-TEST_F(TrendingScreenTest, whatALookUpTakesOverIsNotLeftInTheContext) {
-    song("Old Title", 2).setLibraryID("L1");
+TEST_F(TrendingScreenTest, whatALookUpTakesOverHidesNoLaterChange) {
+    PlaybackHistory history = song("Old Title", 2);
+    history.setLibraryID("L1");
+    song("Other", 0);
     songs.front().title = "New Title";
     songs.front().libraryID = "L1";
     EXPECT_THAT(texts(update().songs), ElementsAre("New Title 2 0"));
-    EXPECT_EQ(environment.histories().front().title(), "Old Title");
-    EXPECT_THAT(texts(update().songs), ElementsAre("New Title 2 0"));
+    EXPECT_EQ(history.title(), "Old Title");
+    history.setTitle("Third Title");
+    songs.front().title = "Third Title";
+    songs.front().libraryID.clear();
+    EXPECT_THAT(texts(update().songs), ElementsAre("Third Title 2 0"));
 }
 
 // Sections, rows and buttons
