@@ -73,6 +73,10 @@ BrowseSearch::~BrowseSearch() {
 void BrowseSearch::searchBarTextDidBeginEditing() {
     Port<MainQueue>::current().assertCurrent();
     shared_->state = State::editing;
+    // While the user reaches for the first key.
+    auto preparation = std::make_shared<NSBlockOperation>();
+    preparation->addExecutionBlock([shared = shared_] { shared->search.prepare(); });
+    shared_->searchQueue.addOperation(std::move(preparation));
     prepareAndShow(shared_, &Page::withoutStatistics, [] {});
 }
 
@@ -126,7 +130,7 @@ std::optional<BrowseSearch::AllResults> BrowseSearch::showAllResults(
     std::uint64_t actionButtonTag) const {
     Port<MainQueue>::current().assertCurrent();
     const std::shared_ptr<const SearchResults> found = results();
-    const std::vector<MPMediaEntity>* list = resultsForTag(*found, actionButtonTag);
+    const FoundEntities* list = resultsForTag(*found, actionButtonTag);
     return list == nullptr ? std::nullopt : std::optional(AllResults{shared_->typed, *list});
 }
 

@@ -44,7 +44,7 @@ class BrowseSearch {
     struct AllResults {
         /// The search bar's text as typed.
         std::string title;
-        std::vector<MPMediaEntity> entities;
+        FoundEntities entities;
     };
     enum class State { idle, editing, searching };
 

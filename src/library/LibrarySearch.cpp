@@ -2,26 +2,23 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
-#include <unordered_set>
 #include <utility>
 
 #include "library/SearchTerm.h"
-#include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/SearchFolding.h"
-#include "platform/mediaplayer/MPMediaLibrary.h"
+#include "platform/mediaplayer/MPMediaQuery.h"
 
 namespace tavrion {
 
 namespace {
 
-using Entities = std::vector<MPMediaEntity>;
+using Index = std::shared_ptr<const SearchIndex>;
+using Places = std::vector<std::uint32_t>;
 
 struct SectionKind {
     const char* title;
     std::uint64_t tag;
-    Entities SearchResults::*list;
+    FoundEntities SearchResults::*list;
 };
 
 constexpr std::array sectionKinds{
@@ -36,122 +33,159 @@ MPMediaPropertyPredicate contains(std::string_view term, std::string_view proper
                                                         MPMediaPredicateComparison::contains);
 }
 
-/// Entities of one kind, each once, at its first place.
-class OrderedSet {
+/// A mark for each place that a stage found.
+std::vector<bool> marksOf(const Places& places, std::size_t size) {
+    std::vector<bool> marks(size);
+    for (const std::uint32_t place : places) {
+        marks[place] = true;
+    }
+    return marks;
+}
+
+void keepThoseWithSongs(Places& ranks, const GroupedSongs& groups) {
+    std::erase_if(ranks, [&](std::uint32_t rank) { return groups.songs(rank).empty(); });
+}
+
+/// Collections of the index; each remembers the query that finds its songs again.
+MPMediaEntity collectionAt(const Index& index, const GroupedSongs& groups, std::uint32_t rank,
+                           const MPMediaQuery& query) {
+    const auto songs = groups.songs(rank);
+    return query.collectionOf(index->basis.snapshot, {songs.begin(), songs.end()});
+}
+
+/// The stages of one search; each goes on with what the one before has found.
+class SearchStages {
   public:
-    template <class Entity>
-    void add(std::vector<Entity> entities) {
-        for (Entity& entity : entities) {
-            if (persistentIDs_.insert(entity.persistentID()).second) {
-                entities_.emplace_back(std::move(entity));
+    SearchStages(Index index, std::string_view term)
+        : index_(std::move(index)),
+          term_(term),
+          artistQuery_(MPMediaQuery::songsQuery()),
+          albumQuery_(MPMediaQuery::albumsQuery()) {
+        artistQuery_.setGroupingType(MPMediaGrouping::albumArtist);
+        artistQuery_.addFilterPredicate(contains(term, MPMediaItemPropertyAlbumArtist));
+        albumQuery_.addFilterPredicate(contains(term, MPMediaItemPropertyAlbumTitle));
+    }
+
+    FoundEntities artists() {
+        Places ranks = index_->foldedArtists.placesWith(FoldedTerm::whole(term_));
+        keepThoseWithSongs(ranks, index_->artists);
+        isFoundArtist_ = marksOf(ranks, index_->artists.count());
+        ranks = index_->artistNames.ranked(ranks, term_);
+        const std::size_t count = ranks.size();
+        return {count, [index = index_, ranks = std::move(ranks),
+                        query = artistQuery_](std::size_t place) {
+                    return collectionAt(index, index->artists, ranks[place], query);
+                }};
+    }
+
+    /// Albums by their titles, then the other albums of the artists.
+    FoundEntities albums() {
+        artistQuery_.setGroupingType(MPMediaGrouping::album);
+        Places ranks = index_->foldedAlbums.placesWith(FoldedTerm::whole(term_));
+        keepThoseWithSongs(ranks, index_->albums);
+        isFoundAlbum_ = marksOf(ranks, index_->albums.count());
+        for (std::uint32_t rank = 0; rank < index_->albums.count(); ++rank) {
+            const auto songs = index_->albums.songs(rank);
+            if (!songs.empty() && !isFoundAlbum_[rank] && isByFoundArtist(songs.front())) {
+                ranks.push_back(rank);
             }
         }
+        ranks = index_->albumNames.ranked(ranks, term_);
+        const std::size_t count = ranks.size();
+        return {count, [index = index_, ranks = std::move(ranks), byTitle = isFoundAlbum_,
+                        albumQuery = albumQuery_, artistQuery = artistQuery_](std::size_t place) {
+                    const std::uint32_t rank = ranks[place];
+                    return collectionAt(index, index->albums, rank,
+                                        byTitle[rank] ? albumQuery : artistQuery);
+                }};
     }
-    Entities take() { return std::move(entities_); }
+
+    /// Songs by their titles word by word, which no filter of a query can do, then those by a
+    /// matching artist, then those on a matching album.
+    FoundEntities songs() const {
+        Places found = index_->foldedTitles.placesWith(FoldedTerm(term_));
+        std::erase_if(found, [this](std::uint32_t position) { return isOutside(position); });
+        std::vector<bool> isTaken = marksOf(found, index_->titles.size());
+        const auto add = [&](const auto& isHit) {
+            for (std::uint32_t position = 0; position < isTaken.size(); ++position) {
+                if (!isTaken[position] && !isOutside(position) && isHit(position)) {
+                    isTaken[position] = true;
+                    found.push_back(position);
+                }
+            }
+        };
+        add([this](std::uint32_t position) { return isByFoundArtist(position); });
+        add([this](std::uint32_t position) {
+            return isMarked(isFoundAlbum_, index_->rankOf(position, SongGroup::album));
+        });
+        found = index_->titles.ranked(found, term_);
+        const std::size_t count = found.size();
+        return {count, [index = index_, found = std::move(found)](std::size_t place) {
+                    return MPMediaEntity(MPMediaItem(index->basis.snapshot, found[place]));
+                }};
+    }
 
   private:
-    Entities entities_;
-    std::unordered_set<std::uint64_t> persistentIDs_;
-};
-
-/// Songs, each once; they are told apart by their places in the library.
-class OrderedSongs {
-  public:
-    void add(const std::vector<MPMediaItem>& songs) {
-        for (const MPMediaItem& song : songs) {
-            add(song);
-        }
+    static bool isMarked(const std::vector<bool>& marks, std::uint32_t rank) {
+        return rank < marks.size() && marks[rank];
     }
-    void add(const MPMediaItem& song) {
-        isTaken_.resize(std::max<std::size_t>(isTaken_.size(), song.position() + 1));
-        if (!isTaken_[song.position()]) {
-            isTaken_[song.position()] = true;
-            entities_.emplace_back(song);
-        }
+    bool isByFoundArtist(std::uint32_t position) const {
+        return isMarked(isFoundArtist_, index_->rankOf(position, SongGroup::albumArtist));
     }
-    Entities take() { return std::move(entities_); }
+    bool isOutside(std::uint32_t position) const {
+        return (index_->basis.snapshot->songs()[position].flags & SongRecord::outsideLibrary) != 0;
+    }
 
-  private:
-    Entities entities_;
-    std::vector<bool> isTaken_;
+    Index index_;
+    std::string_view term_;
+    MPMediaQuery artistQuery_;
+    MPMediaQuery albumQuery_;
+    /// By rank.
+    std::vector<bool> isFoundArtist_;
+    std::vector<bool> isFoundAlbum_;
 };
-
-template <class Entity>
-Entities entitiesOf(std::vector<Entity> entities) {
-    return {std::make_move_iterator(entities.begin()), std::make_move_iterator(entities.end())};
-}
 
 }  // namespace
 
-void LibrarySearch::readTitles() {
-    const auto snapshot = MPMediaLibrary::defaultMediaLibrary().snapshot();
-    const std::string& locale = Port<Regional>::current().locale();
-    if (titles_.snapshot == snapshot && titles_.locale == locale) {
-        return;
+const Index& LibrarySearch::currentIndex() {
+    if (SearchIndex::Basis basis = SearchIndex::Basis::current();
+        !index_ || index_->basis != basis) {
+        index_.reset();
+        index_ = std::make_shared<const SearchIndex>(std::move(basis));
     }
-    titles_ = {snapshot, locale, {}};
-    titles_.folded.reserve(snapshot->songs().size());
-    for (std::uint32_t place = 0; place < snapshot->songs().size(); ++place) {
-        const auto title = snapshot->text(place, SongText::title);
-        titles_.folded.push_back(foldedForSearch(title.value_or("")));
-    }
+    return index_;
 }
 
-/// Songs by their titles word by word, which no filter of a query can do, then those by a matching
-/// artist or on a matching album.
-Entities LibrarySearch::foundSongs(std::string_view term, const MPMediaQuery& artistQuery,
-                                   const MPMediaQuery& albumQuery) {
-    readTitles();
-    const FoldedTerm words(term);
-    OrderedSongs songs;
-    for (const MPMediaItem& song : MPMediaQuery::songsQuery().items()) {
-        // Another library may have been read in between.
-        if (song.snapshot() == titles_.snapshot ? words.isInFolded(titles_.folded[song.position()])
-                                                : words.isIn(song.title().value_or(""))) {
-            songs.add(song);
-        }
-    }
-    songs.add(artistQuery.items());
-    songs.add(albumQuery.items());
-    return songs.take();
+void LibrarySearch::prepare() {
+    currentIndex();
 }
 
-// Each stage goes on with the queries of the one before.
 SearchResults LibrarySearch::results(std::string_view term) {
     SearchResults found;
-    MPMediaQuery artistQuery = MPMediaQuery::songsQuery();
-    artistQuery.setGroupingType(MPMediaGrouping::albumArtist);
-    artistQuery.addFilterPredicate(contains(term, MPMediaItemPropertyAlbumArtist));
-    found.artists =
-        ranking_.sortedResults(entitiesOf(artistQuery.collections()), "artistSearchKey", term);
-
-    artistQuery.setGroupingType(MPMediaGrouping::album);
-    MPMediaQuery albumQuery = MPMediaQuery::albumsQuery();
-    albumQuery.addFilterPredicate(contains(term, MPMediaItemPropertyAlbumTitle));
-    OrderedSet albums;
-    albums.add(albumQuery.collections());
-    albums.add(artistQuery.collections());
-    found.albums = ranking_.sortedResults(albums.take(), MPMediaItemPropertyAlbumTitle, term);
-
-    found.songs = ranking_.sortedResults(foundSongs(term, artistQuery, albumQuery),
-                                         MPMediaItemPropertyTitle, term);
+    SearchStages stages(currentIndex(), term);
+    found.artists = stages.artists();
+    found.albums = stages.albums();
+    found.songs = stages.songs();
 
     MPMediaQuery playlistQuery = MPMediaQuery::playlistsQuery();
     playlistQuery.addFilterPredicate(contains(term, MPMediaPlaylistPropertyName));
-    found.playlists = ranking_.sortedResults(entitiesOf(playlistQuery.collections()),
-                                             MPMediaPlaylistPropertyName, term);
+    std::vector<MPMediaEntity> playlists;
+    for (MPMediaItemCollection& playlist : playlistQuery.collections()) {
+        playlists.emplace_back(std::move(playlist));
+    }
+    found.playlists = FoundEntities(
+        ranking_.sortedResults(std::move(playlists), MPMediaPlaylistPropertyName, term));
     return found;
 }
 
 SearchSnapshot searchSnapshotOf(const SearchResults& results) {
     SearchSnapshot sections;
     for (const SectionKind& kind : sectionKinds) {
-        const Entities& hits = results.*kind.list;
+        const FoundEntities& hits = results.*kind.list;
         if (!hits.empty()) {
-            const auto shown = std::min(hits.size(), LibrarySearch::rowLimit);
             sections.push_back({std::make_shared<const RVSearchSectionIdentifier>(
                                     RVSearchSectionIdentifier{kind.title, hits.size()}),
-                                Entities(hits.begin(), hits.begin() + static_cast<int>(shown))});
+                                hits.first(LibrarySearch::rowLimit)});
         }
     }
     return sections;
@@ -167,7 +201,7 @@ SearchSectionHeader headerOfSection(const RVSearchSectionIdentifier& identifier)
             identifier.count <= LibrarySearch::rowLimit};
 }
 
-const std::vector<MPMediaEntity>* resultsForTag(const SearchResults& results, std::uint64_t tag) {
+const FoundEntities* resultsForTag(const SearchResults& results, std::uint64_t tag) {
     const auto kind = std::find_if(sectionKinds.begin(), sectionKinds.end(),
                                    [&](const SectionKind& each) { return each.tag == tag; });
     return kind == sectionKinds.end() ? nullptr : &(results.*kind->list);

@@ -11,19 +11,19 @@
 #include <string_view>
 #include <vector>
 
+#include "library/FoundEntities.h"
+#include "library/SearchIndex.h"
 #include "library/SearchRanking.h"
 #include "platform/mediaplayer/MPMediaEntity.h"
-#include "platform/mediaplayer/MPMediaQuery.h"
-#include "platform/mediaplayer/MediaSnapshot.h"
 
 namespace tavrion {
 
 /// All hits, best first.
 struct SearchResults {
-    std::vector<MPMediaEntity> artists;
-    std::vector<MPMediaEntity> albums;
-    std::vector<MPMediaEntity> songs;
-    std::vector<MPMediaEntity> playlists;
+    FoundEntities artists;
+    FoundEntities albums;
+    FoundEntities songs;
+    FoundEntities playlists;
 };
 
 /// What a section of hits goes by. Made anew for each search; two of them are never the same
@@ -54,28 +54,23 @@ class LibrarySearch {
   public:
     static constexpr std::size_t rowLimit = 5;
 
+    /// Gets the library as it is now ready to be searched, so that the first keystroke need not.
+    void prepare();
     /// The term is not empty and has no blanks around it.
     SearchResults results(std::string_view term);
 
   private:
-    /// The titles of one snapshot as a search reads them, by the songs' places.
-    struct Titles {
-        std::shared_ptr<const MediaSnapshot> snapshot;
-        std::string locale;
-        std::vector<std::string> folded;
-    };
-    void readTitles();
-    std::vector<MPMediaEntity> foundSongs(std::string_view term, const MPMediaQuery& artistQuery,
-                                          const MPMediaQuery& albumQuery);
+    const std::shared_ptr<const SearchIndex>& currentIndex();
 
     SearchRanking ranking_;
-    Titles titles_;
+    /// Made anew when the library, the locale or the setting for compilations is another.
+    std::shared_ptr<const SearchIndex> index_;
 };
 
 /// The sections in their order on the page.
 SearchSnapshot searchSnapshotOf(const SearchResults& results);
 SearchSectionHeader headerOfSection(const RVSearchSectionIdentifier& identifier);
 /// The full list behind a button; null for a tag without one.
-const std::vector<MPMediaEntity>* resultsForTag(const SearchResults& results, std::uint64_t tag);
+const FoundEntities* resultsForTag(const SearchResults& results, std::uint64_t tag);
 
 }  // namespace tavrion

@@ -20,24 +20,8 @@ struct Hit {
     std::uint8_t flags = 0;
 };
 
-/// The first bytes of a sort key as a number, so that most comparisons touch no string.
-std::uint64_t prefixOf(const std::string& key) {
-    std::uint64_t prefix = 0;
-    for (std::size_t i = 0; i < sizeof(prefix); ++i) {
-        const auto byte = i < key.size() ? static_cast<unsigned char>(key[i]) : 0U;
-        prefix = (prefix << 8U) | byte;
-    }
-    return prefix;
-}
-
 bool isPrintableAscii(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
-}
-
-std::uint8_t caseSensitiveFlags(std::string_view text, std::string_view term) {
-    const bool isPrefix = text.starts_with(term);
-    const bool contains = isPrefix || text.find(term) != std::string_view::npos;
-    return static_cast<std::uint8_t>((isPrefix ? prefixFlag : 0) | (contains ? containsFlag : 0));
 }
 
 bool isExact(std::string_view text, std::string_view term) {
@@ -92,6 +76,24 @@ NSComparisonResult compareHits(const Hit& left, const Hit& right,
 
 }  // namespace
 
+std::uint64_t sortKeyPrefix(std::string_view key) {
+    std::uint64_t prefix = 0;
+    for (std::size_t i = 0; i < sizeof(prefix); ++i) {
+        const auto byte = i < key.size() ? static_cast<unsigned char>(key[i]) : 0U;
+        prefix = (prefix << 8U) | byte;
+    }
+    return prefix;
+}
+
+std::uint8_t caseSensitiveFlags(std::string_view text, std::string_view term) {
+    if (text.empty()) {
+        return 0;
+    }
+    const bool isPrefix = text.starts_with(term);
+    const bool contains = isPrefix || text.find(term) != std::string_view::npos;
+    return static_cast<std::uint8_t>((isPrefix ? prefixFlag : 0) | (contains ? containsFlag : 0));
+}
+
 std::uint8_t searchFlags(std::string_view text, std::string_view term) {
     if (text.empty()) {
         return 0;
@@ -138,7 +140,8 @@ std::vector<MPMediaEntity> SearchRanking::sortedResults(std::vector<MPMediaEntit
     hits.reserve(entities.size());
     for (std::uint32_t place = 0; place < names.size(); ++place) {
         const std::string& sortKey = sortKeys_.find(names[place])->second;
-        hits.push_back({prefixOf(sortKey), &sortKey, place, flagging.flags(names[place], sortKey)});
+        hits.push_back(
+            {sortKeyPrefix(sortKey), &sortKey, place, flagging.flags(names[place], sortKey)});
     }
     hits = mergeSorted(std::move(hits), [&](const Hit& left, const Hit& right) {
         return compareHits(left, right, names);

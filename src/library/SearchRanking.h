@@ -20,6 +20,11 @@ inline constexpr std::uint8_t exactFlag = 1U;
 inline constexpr std::uint8_t prefixFlag = 2U;
 inline constexpr std::uint8_t containsFlag = 4U;
 std::uint8_t searchFlags(std::string_view text, std::string_view term);
+/// The last two of them.
+std::uint8_t caseSensitiveFlags(std::string_view text, std::string_view term);
+
+/// The first bytes of a sort key as a number, so that most comparisons touch no string.
+std::uint64_t sortKeyPrefix(std::string_view key);
 
 class SearchRanking {
   public:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "platform/foundation/SearchFolding.h"
 #include "recording/MPMediaItem+Nerinda.h"
@@ -72,6 +73,14 @@ FoldedTerm::FoldedTerm(std::string_view term) {
             return;
         }
     }
+}
+
+FoldedTerm FoldedTerm::whole(std::string_view term) {
+    FoldedTerm folded;
+    if (std::string part = foldedForSearch(term); !part.empty()) {
+        folded.parts_.push_back(std::move(part));
+    }
+    return folded;
 }
 
 bool FoldedTerm::isInFolded(std::string_view folded) const {

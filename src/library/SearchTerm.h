@@ -27,9 +27,13 @@ class FoldedTerm {
     bool isIn(std::string_view text) const;
     /// Of a text that went through foldedForSearch().
     bool isInFolded(std::string_view folded) const;
+    /// Empty when the term can't be found in any text.
+    const std::vector<std::string>& parts() const { return parts_; }
+    /// The whole term as one part, whatever blanks are in it.
+    static FoldedTerm whole(std::string_view term);
 
   private:
-    /// Empty when the term can't be found in any text.
+    FoldedTerm() = default;
     std::vector<std::string> parts_;
 };
 

@@ -14,7 +14,8 @@ using Names = std::vector<std::string>;
 
 class SearchEdges : public testing::Test {
   protected:
-    static Names titles(const std::vector<MPMediaEntity>& entities) {
+    template <class Entities>
+    static Names titles(const Entities& entities) {
         Names found;
         for (const MPMediaEntity& entity : entities) {
             found.push_back(RVMetadataManager::titleForMediaEntity(entity, std::nullopt)

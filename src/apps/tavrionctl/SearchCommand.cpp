@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "apps/tavrionctl/EntityRows.h"
 #include "apps/tavrionctl/Session.h"
 #include "library/LibrarySearch.h"
@@ -17,7 +19,7 @@ EntityRow rowOf(const MPMediaEntity& entity) {
             RVMetadataManager::sortPropertyForMediaEntity(entity, RVSortTypeAlphabetical)};
 }
 
-void writeList(JsonWriter& json, const char* name, const std::vector<MPMediaEntity>& hits) {
+void writeList(JsonWriter& json, const char* name, const FoundEntities& hits) {
     json.key(name).beginArray();
     for (const MPMediaEntity& hit : hits) {
         writeRow(json, rowOf(hit));
@@ -42,9 +44,10 @@ void printResults(const SearchResults& results, bool showsAll) {
         const SearchSectionHeader header = headerOfSection(*section.identifier);
         fmt::print("{}{}\n", isFirst ? "" : "\n", header.title);
         isFirst = false;
-        const auto& rows = showsAll ? *resultsForTag(results, header.buttonTag) : section.rows;
-        for (const MPMediaEntity& entity : rows) {
-            fmt::print("{}\n", lineOf(rowOf(entity), abilities));
+        const FoundEntities& hits = *resultsForTag(results, header.buttonTag);
+        const auto shown = std::min(hits.size(), showsAll ? hits.size() : LibrarySearch::rowLimit);
+        for (std::size_t place = 0; place < shown; ++place) {
+            fmt::print("{}\n", lineOf(rowOf(hits[place]), abilities));
         }
         if (!showsAll && !header.isButtonHidden) {
             fmt::print("{:>5}  {}: --all\n", "", header.buttonTitle);

@@ -179,6 +179,39 @@ std::int32_t toUTF16(std::string_view text, std::vector<UChar>& units) {
     return length;
 }
 
+/// Makes sort keys by one collator; its buffers grow to the longest text and stay so.
+class KeyMaker {
+  public:
+    explicit KeyMaker(const icu::Collator& collator) : collator_(collator) {}
+
+    /// Valid until the next call.
+    std::string_view keyOf(std::string_view text) {
+        const std::int32_t length = toUTF16(text, units_);
+        std::int32_t size = write(length);
+        if (static_cast<std::size_t>(size) > key_.size()) {
+            key_.resize(static_cast<std::size_t>(size) * 2);
+            size = write(length);
+        }
+        // Without the zero at its end.
+        return std::string_view(key_).substr(0, static_cast<std::size_t>(std::max(size - 1, 0)));
+    }
+
+  private:
+    std::int32_t write(std::int32_t length) {
+        return collator_.getSortKey(units_.data(), length,
+                                    reinterpret_cast<std::uint8_t*>(key_.data()),
+                                    static_cast<std::int32_t>(key_.size()));
+    }
+
+    const icu::Collator& collator_;
+    std::vector<UChar> units_ = std::vector<UChar>(64);
+    std::string key_ = std::string(256, '\0');
+};
+
+std::uint32_t hashOf(std::string_view bytes) {
+    return static_cast<std::uint32_t>(std::hash<std::string_view>()(bytes));
+}
+
 }  // namespace
 
 NSComparisonResult localizedStandardCompare(std::string_view a, std::string_view b) {
@@ -207,22 +240,21 @@ NSComparisonResult localizedCaseInsensitiveCompare(std::string_view a, std::stri
 std::vector<std::string> collationKeys(const std::vector<std::string_view>& texts) {
     std::vector<std::string> keys;
     keys.reserve(texts.size());
-    const icu::Collator& collator = *currentCollators().order;
-    std::vector<UChar> units(64);
-    std::vector<std::uint8_t> key(256);
+    KeyMaker maker(*currentCollators().order);
     for (const std::string_view text : texts) {
-        const std::int32_t length = toUTF16(text, units);
-        auto size = collator.getSortKey(units.data(), length, key.data(),
-                                        static_cast<std::int32_t>(key.size()));
-        if (static_cast<std::size_t>(size) > key.size()) {
-            key.resize(static_cast<std::size_t>(size) * 2);
-            size = collator.getSortKey(units.data(), length, key.data(),
-                                       static_cast<std::int32_t>(key.size()));
-        }
-        keys.emplace_back(key.begin(),
-                          key.begin() + std::max(size - 1, 0));  // without the zero at its end
+        keys.emplace_back(maker.keyOf(text));
     }
     return keys;
+}
+
+std::vector<CaselessHashes> caselessHashes(const std::vector<std::string_view>& texts) {
+    std::vector<CaselessHashes> hashes;
+    hashes.reserve(texts.size());
+    KeyMaker maker(*currentCollators().digitByDigit);
+    for (const std::string_view text : texts) {
+        hashes.push_back({hashOf(foldedForCase(text)), hashOf(maker.keyOf(text))});
+    }
+    return hashes;
 }
 
 namespace Entended {

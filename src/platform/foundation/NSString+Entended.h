@@ -4,6 +4,7 @@
 // sequences read as U+FFFD.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,18 @@ NSComparisonResult localizedStandardCompare(std::string_view a, std::string_view
 /// Locale-aware, without case. Can be `same` for different strings, so that a sort by it needs a
 /// second rule or must be stable.
 NSComparisonResult localizedCaseInsensitiveCompare(std::string_view a, std::string_view b);
+
+/// Two texts can only be the same to localizedCaseInsensitiveCompare where one of their two hashes
+/// is the same.
+struct CaselessHashes {
+    std::uint32_t letters = 0;
+    std::uint32_t collation = 0;
+    bool mayBeSame(const CaselessHashes& other) const {
+        return letters == other.letters || collation == other.collation;
+    }
+};
+/// One call for many texts, as below.
+std::vector<CaselessHashes> caselessHashes(const std::vector<std::string_view>& texts);
 
 /// Bytes whose byte order is the order of localizedStandardCompare up to its tie-breaks (equal
 /// keys: compare the texts). One call for many texts, because opening the collator costs more than

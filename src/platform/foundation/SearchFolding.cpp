@@ -5,6 +5,7 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "platform/foundation/IcuText.h"
 #include "platform/foundation/NSCalendar.h"
@@ -66,20 +67,29 @@ icu::UnicodeString caselessLetters(std::string_view text) {
     return normalized(icu::Normalizer2::getNFDInstance(status), letters, status);
 }
 
-}  // namespace
-
-std::string foldedForSearch(std::string_view text) {
+/// ASCII has no marks and one form only, so both foldings come to the same; absent for any other
+/// text, and where the locale has its own i.
+std::optional<std::string> foldedPlainText(std::string_view text) {
     const bool isPlain = std::all_of(text.begin(), text.end(), [](char byte) {
         return static_cast<unsigned char>(byte) < 0x80;
     });
-    const std::uint32_t folding = foldingOfLocale();
-    if (isPlain && folding == U_FOLD_CASE_DEFAULT) {
-        std::string folded(text);
-        for (char& byte : folded) {
-            byte = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-        }
-        return folded;
+    if (!isPlain || foldingOfLocale() != U_FOLD_CASE_DEFAULT) {
+        return std::nullopt;
     }
+    std::string folded(text);
+    for (char& byte : folded) {
+        byte = byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+    }
+    return folded;
+}
+
+}  // namespace
+
+std::string foldedForSearch(std::string_view text) {
+    if (auto folded = foldedPlainText(text)) {
+        return *std::move(folded);
+    }
+    const std::uint32_t folding = foldingOfLocale();
     icu::UnicodeString letters = withoutMarks(unicodeText(text));
     letters.foldCase(folding);
     UErrorCode status = U_ZERO_ERROR;
@@ -93,6 +103,9 @@ bool localizedStandardContainsString(std::string_view haystack, std::string_view
 }
 
 std::string foldedForCase(std::string_view text) {
+    if (auto folded = foldedPlainText(text)) {
+        return *std::move(folded);
+    }
     return utf8Text(caselessLetters(text));
 }
 

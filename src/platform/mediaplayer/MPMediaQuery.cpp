@@ -176,9 +176,7 @@ std::vector<MPMediaItemCollection> MPMediaQuery::collections() const {
     std::vector<MPMediaItemCollection> collections;
     if (!kind) {
         for (const std::uint32_t position : positions) {
-            collections.push_back(collection(snapshot, {position},
-                                             snapshot->songs()[position].persistentID,
-                                             MPMediaItemPropertyPersistentID));
+            collections.push_back(collectionOf(snapshot, {position}));
         }
         return collections;
     }
@@ -186,13 +184,20 @@ std::vector<MPMediaItemCollection> MPMediaQuery::collections() const {
         if (kind->group == SongGroup::album) {
             sortByDiscAndTrack(*snapshot, group);
         }
-        const std::uint64_t persistentID =
-            snapshot->songs()[group.front()]
-                .groupPersistentIDs[static_cast<std::size_t>(kind->group)];
-        collections.push_back(
-            collection(snapshot, group, persistentID, kind->persistentIDProperty));
+        collections.push_back(collectionOf(snapshot, group));
     }
     return collections;
+}
+
+MPMediaItemCollection MPMediaQuery::collectionOf(
+    const Snapshot& snapshot, const std::vector<std::uint32_t>& positions) const {
+    const SongRecord& first = snapshot->songs()[positions.front()];
+    const auto kind = kindOfGrouping(grouping_);
+    return kind ? collection(snapshot, positions,
+                             first.groupPersistentIDs[static_cast<std::size_t>(kind->group)],
+                             kind->persistentIDProperty)
+                : collection(snapshot, positions, first.persistentID,
+                             MPMediaItemPropertyPersistentID);
 }
 
 std::vector<MPMediaItemCollection> MPMediaQuery::playlists(const Snapshot& snapshot) const {

@@ -67,6 +67,10 @@ class MPMediaQuery {
     /// form one album for each album artist, songs without an artist one nameless collection, the
     /// last; songs without a genre or a composer are in no collection of these.
     std::vector<MPMediaItemCollection> collections() const;
+    /// The collection that these songs of a snapshot form under the query's grouping, for callers
+    /// that found it by themselves. There is at least one song; not for playlists.
+    MPMediaItemCollection collectionOf(const std::shared_ptr<const MediaSnapshot>& snapshot,
+                                       const std::vector<std::uint32_t>& positions) const;
 
   private:
     explicit MPMediaQuery(MPMediaGrouping grouping) : grouping_(grouping) {}
