@@ -17,7 +17,20 @@ std::vector<MPMediaEntity> listOf(const BrowseChoices& choices) {
                                            choices.reverse);
 }
 
+/// Empty tiles: they only tell the places apart until their values are worked out.
+std::vector<RVStatisticReference> freshStatistics() {
+    std::vector<RVStatisticReference> statistics;
+    for (std::uint64_t index = 0; index < RVBrowseCollectionViewController::statisticCount;
+         ++index) {
+        statistics.push_back(std::make_shared<const RVStatistic>());
+    }
+    return statistics;
+}
+
 }  // namespace
+
+RVBrowseCollectionViewController::RVBrowseCollectionViewController(BrowseScreen& screen)
+    : screen_(screen), search_(*this, dataSourceTaskQueue_) {}
 
 std::shared_ptr<RVBrowseCollectionViewController> RVBrowseCollectionViewController::make(
     BrowseScreen& screen) {
@@ -42,32 +55,35 @@ void RVBrowseCollectionViewController::viewDidLoad() {
 }
 
 void RVBrowseCollectionViewController::updateDataSource() {
-    dataSourceTaskQueue_->async([weak = weak_from_this(), choices = choices_] {
-        BrowseSnapshot found;
-        for (std::uint64_t index = 0; index < statisticCount; ++index) {
-            found.statistics.push_back(std::make_shared<const RVStatistic>());
-        }
-        if (auto list = listOf(choices); !list.empty()) {
-            found.list = std::move(list);
-        }
-        Port<MainQueue>::current().async([weak, found = std::move(found)]() mutable {
-            if (const auto self = weak.lock()) {
-                self->publish(std::move(found), true);
-                self->showOnboardingTooltips();
+    dataSourceTaskQueue_->async(
+        [weak = weak_from_this(), choices = choices_, results = queryResults_] {
+            results->list = listOf(choices);
+            BrowseSnapshot found{freshStatistics(), std::nullopt};
+            if (!results->list.empty()) {
+                found.list = results->list;
             }
+            Port<MainQueue>::current().async([weak, found = std::move(found)]() mutable {
+                if (const auto self = weak.lock()) {
+                    self->publish(std::move(found), true);
+                    self->showOnboardingTooltips();
+                }
+            });
         });
-    });
 }
 
 void RVBrowseCollectionViewController::sortDataSourceWithAnimation(bool animated) {
-    dataSourceTaskQueue_->async([weak = weak_from_this(), choices = choices_, animated] {
-        Port<MainQueue>::current().async([weak, list = listOf(choices), animated]() mutable {
-            if (const auto self = weak.lock()) {
-                self->publish({self->snapshot_->statistics, std::move(list)}, animated);
-                self->screen_.refreshRankValues();
-            }
+    dataSourceTaskQueue_->async(
+        [weak = weak_from_this(), choices = choices_, animated, results = queryResults_] {
+            results->list = listOf(choices);
+            Port<MainQueue>::current().async([weak, list = results->list, animated]() mutable {
+                if (const auto self = weak.lock()) {
+                    self->publish(
+                        {self->snapshot_->statistics, std::move(list), self->snapshot_->search},
+                        animated);
+                    self->screen_.refreshRankValues();
+                }
+            });
         });
-    });
 }
 
 void RVBrowseCollectionViewController::publish(BrowseSnapshot snapshot, bool animated) {
@@ -76,8 +92,9 @@ void RVBrowseCollectionViewController::publish(BrowseSnapshot snapshot, bool ani
 }
 
 std::optional<std::size_t> RVBrowseCollectionViewController::rankAtIndex(std::size_t index) const {
-    return RVMetadataManager::sortTypeIsRanked(choices_.sortType) ? std::optional(index + 1)
-                                                                  : std::nullopt;
+    return !isSearchActive() && RVMetadataManager::sortTypeIsRanked(choices_.sortType)
+               ? std::optional(index + 1)
+               : std::nullopt;
 }
 
 NSAttributedString RVBrowseCollectionViewController::propertyOfEntity(
@@ -95,13 +112,56 @@ void RVBrowseCollectionViewController::loadStatistic(
 
 void RVBrowseCollectionViewController::loadRow(
     const MPMediaEntity& entity, std::function<void(UIImage, NSAttributedString)> loaded) {
-    imageHandlingQueue_->async([entity, sortType = choices_.sortType, loaded = std::move(loaded)] {
+    const RVSortType shown = isSearchActive() ? RVSortTypeAlphabetical : choices_.sortType;
+    imageHandlingQueue_->async([entity, sortType = shown, loaded = std::move(loaded)] {
         Port<MainQueue>::current().async(
             [loaded, artwork = RVMetadataManager::artworkForEntity(entity),
              property = RVMetadataManager::sortPropertyForMediaEntity(entity, sortType)] {
                 loaded(artwork, property);
             });
     });
+}
+
+void RVBrowseCollectionViewController::searchBarTextDidBeginEditing() {
+    screen_.scrollToTop();
+    search_.searchBarTextDidBeginEditing();
+}
+
+void RVBrowseCollectionViewController::updateSearchResultsForSearchController(
+    std::string_view searchBarText) {
+    search_.updateSearchResultsForSearchController(searchBarText);
+}
+
+void RVBrowseCollectionViewController::searchBarCancelButtonClicked() {
+    search_.searchBarCancelButtonClicked();
+}
+
+std::optional<BrowseSearch::AllResults> RVBrowseCollectionViewController::showAllResults(
+    std::uint64_t actionButtonTag) const {
+    return search_.showAllResults(actionButtonTag);
+}
+
+bool RVBrowseCollectionViewController::isSearchActive() const {
+    return search_.state() != BrowseSearch::State::idle;
+}
+
+Work RVBrowseCollectionViewController::withoutStatistics() {
+    dataSourceTaskQueue_->assertCurrent();
+    // What the lists' queue made before is on view by then.
+    return [this] { publish({{}, snapshot_->list, snapshot_->search}, true); };
+}
+
+Work RVBrowseCollectionViewController::libraryAgain() {
+    dataSourceTaskQueue_->assertCurrent();
+    return [this, library = BrowseSnapshot{freshStatistics(), queryResults_->list}] {
+        screen_.setLayout(BrowseLayout::library);
+        publish(library, true);
+    };
+}
+
+void RVBrowseCollectionViewController::showSearch(const SearchSnapshot& sections) {
+    publish({{}, std::nullopt, sections}, true);
+    screen_.setLayout(BrowseLayout::search);
 }
 
 void RVBrowseCollectionViewController::showOnboardingTooltips() {

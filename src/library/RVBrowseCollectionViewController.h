@@ -17,6 +17,7 @@
 #include "kit/NSAttributedString.h"
 #include "kit/UIMenu.h"
 #include "library/BrowseChoices.h"
+#include "library/BrowseSearch.h"
 #include "library/RVStatistic.h"
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/dispatch/TimerService.h"
@@ -30,15 +31,24 @@ struct BrowseSnapshot {
     /// Eight empty tiles, which only tell the places apart; new ones mean that all are worked out
     /// anew.
     std::vector<RVStatisticReference> statistics;
-    /// Absent while the list has no section of its own: an empty library at the first look.
+    /// Absent while the list has no section of its own: an empty library at the first look, and
+    /// while hits are on view.
     std::optional<std::vector<MPMediaEntity>> list;
+    /// The hits of a search, in place of everything else.
+    SearchSnapshot search = {};
 };
+
+enum class BrowseLayout { library, search };
 
 /// The page, seen from its logic. Called on the main queue.
 class BrowseScreen {
   public:
     virtual ~BrowseScreen() = default;
     virtual void applySnapshot(const BrowseSnapshot& snapshot, bool animated) = 0;
+    /// Animated, together with the snapshot that is applied in the same turn.
+    virtual void setLayout(BrowseLayout layout) = 0;
+    /// Animated, as far as the search bar above lets it.
+    virtual void scrollToTop() = 0;
     /// The visible rows show other values and ranks.
     virtual void refreshRankValues() = 0;
     /// The titles and menus of the two buttons are others.
@@ -51,7 +61,8 @@ class BrowseScreen {
 };
 
 class RVBrowseCollectionViewController
-    : public std::enable_shared_from_this<RVBrowseCollectionViewController> {
+    : public std::enable_shared_from_this<RVBrowseCollectionViewController>,
+      private BrowseSearch::Page {
   public:
     static constexpr std::uint64_t statisticCount = 8;
     static constexpr const char* onboardingKey = "OnboardingGroupings";
@@ -69,7 +80,16 @@ class RVBrowseCollectionViewController
     /// The list alone.
     void sortDataSourceWithAnimation(bool animated);
 
-    /// The rank at a place of the list, when its sort shows ranks.
+    void searchBarTextDidBeginEditing();
+    /// With the text of the search bar, at each change.
+    void updateSearchResultsForSearchController(std::string_view searchBarText);
+    void searchBarCancelButtonClicked();
+    /// Where the button of a section of hits leads; absent for a tag that belongs to no list.
+    std::optional<BrowseSearch::AllResults> showAllResults(std::uint64_t actionButtonTag) const;
+    /// From the first touch of the search bar until it is cancelled.
+    bool isSearchActive() const;
+
+    /// The rank at a place of the list, when its sort shows ranks and nobody searches.
     std::optional<std::size_t> rankAtIndex(std::size_t index) const;
     /// What stands at the right of a row. Walks the row's songs.
     NSAttributedString propertyOfEntity(const MPMediaEntity& entity) const;
@@ -92,7 +112,15 @@ class RVBrowseCollectionViewController
     static std::size_t indexForGrouping(MPMediaGrouping grouping);
 
   private:
-    explicit RVBrowseCollectionViewController(BrowseScreen& screen) : screen_(screen) {}
+    /// The list as it was found last. Of the lists' queue.
+    struct QueryResults {
+        std::vector<MPMediaEntity> list;
+    };
+
+    explicit RVBrowseCollectionViewController(BrowseScreen& screen);
+    Work withoutStatistics() override;
+    Work libraryAgain() override;
+    void showSearch(const SearchSnapshot& sections) override;
     void chooseGrouping(std::size_t index);
     void chooseSort(RVSortType sortType);
     void publish(BrowseSnapshot snapshot, bool animated);
@@ -108,8 +136,11 @@ class RVBrowseCollectionViewController
         DispatchQueue::serial("statHandlingQueue");
     const std::shared_ptr<DispatchQueue> imageHandlingQueue_ =
         DispatchQueue::serial("imageHandlingQueue");
+    const std::shared_ptr<QueryResults> queryResults_ = std::make_shared<QueryResults>();
     NSUserDefaults::Observation compilations_;
     DispatchTimer tooltip_;
+    /// Goes first: it waits for the work that looks at this page.
+    BrowseSearch search_;
 };
 
 }  // namespace tavrion

@@ -31,6 +31,8 @@ class RecordingScreen final : public BrowseScreen {
         snapshots.push_back(snapshot);
         wasAnimated = animated;
     }
+    void setLayout(BrowseLayout layout) override { layouts.push_back(layout); }
+    void scrollToTop() override { ++scrolls; }
     void refreshRankValues() override { ++rankRefreshes; }
     void controlsDidChange() override { ++controlChanges; }
     bool isGroupingButtonKnown() const override { return knowsGroupingButton; }
@@ -42,6 +44,8 @@ class RecordingScreen final : public BrowseScreen {
 
     std::vector<BrowseSnapshot> snapshots;
     Names tooltips;
+    std::vector<BrowseLayout> layouts;
+    int scrolls = 0;
     int rankRefreshes = 0;
     int controlChanges = 0;
     bool knowsGroupingButton = true;
@@ -275,6 +279,155 @@ TEST_F(Browse, TilesAndRowsArriveOnTheMainQueue) {
                          });
     mainQueue_->runUntilIdle();
     EXPECT_EQ(arrived, (Names{"Songs", "Favorited", "Plays"}));
+}
+
+class BrowseWhileSearching : public Browse {
+  protected:
+    void begin() {
+        controller_->searchBarTextDidBeginEditing();
+        mainQueue_->runUntilIdle();
+    }
+    void type(std::string_view text) {
+        controller_->updateSearchResultsForSearchController(text);
+        mainQueue_->runUntilIdle();
+    }
+    void cancel() {
+        controller_->searchBarCancelButtonClicked();
+        mainQueue_->runUntilIdle();
+    }
+    /// The right-hand value that a row gets which comes into view now.
+    std::string valueOfRow(const MPMediaEntity& entity) {
+        std::string value;
+        controller_->loadRow(entity, [&](const UIImage&, const NSAttributedString& text) {
+            value = text.textWithoutAttachments();
+        });
+        mainQueue_->runUntilIdle();
+        return value;
+    }
+};
+
+TEST_F(BrowseWhileSearching, BeginningTakesTheStatisticsOffAndLeavesTheList) {
+    publishThreeSongs();
+    load();
+    begin();
+    EXPECT_EQ(screen_.scrolls, 1);
+    EXPECT_TRUE(controller_->snapshot().statistics.empty());
+    EXPECT_EQ(titles(), (Names{"A", "B", "C"}));
+    EXPECT_TRUE(screen_.wasAnimated);
+    EXPECT_TRUE(screen_.layouts.empty()) << "the layout of the library stays";
+}
+
+TEST_F(BrowseWhileSearching, HitsStandInPlaceOfEverythingInALayoutThatIsSetAnew) {
+    publishThreeSongs();
+    load();
+    begin();
+    type("A");
+    const BrowseSnapshot& shown = controller_->snapshot();
+    EXPECT_TRUE(shown.statistics.empty());
+    EXPECT_FALSE(shown.list);
+    ASSERT_FALSE(shown.search.empty());
+    EXPECT_EQ(shown.search.front().identifier->title, "Artists");
+    type("B");
+    ASSERT_EQ(controller_->snapshot().search.size(), 2U) << "an album and its songs";
+    EXPECT_EQ(screen_.layouts, (std::vector{BrowseLayout::search, BrowseLayout::search}));
+}
+
+TEST_F(BrowseWhileSearching, ATermOfBlanksOnlyAndAnEmptiedBarChangeNothingOnView) {
+    publishThreeSongs();
+    load();
+    begin();
+    const std::size_t before = screen_.snapshots.size();
+    type(" \n");
+    EXPECT_EQ(screen_.snapshots.size(), before);
+    type("B");
+    type("");
+    EXPECT_EQ(screen_.snapshots.size(), before + 1);
+    EXPECT_FALSE(controller_->snapshot().search.empty());
+}
+
+TEST_F(BrowseWhileSearching, CancelBringsTheListBackInItsOldOrderWithFreshTiles) {
+    publishThreeSongs();
+    load();
+    chooseSort(RVSortTypePlayCount);
+    const auto tile = controller_->snapshot().statistics.front();
+    begin();
+    type("C");
+    library_.publish({{.title = "Z"}});
+    cancel();
+    EXPECT_EQ(titles(), (Names{"B", "A", "C"})) << "not found anew";
+    ASSERT_EQ(controller_->snapshot().statistics.size(), 8U);
+    EXPECT_NE(controller_->snapshot().statistics.front(), tile);
+    EXPECT_TRUE(controller_->snapshot().search.empty());
+    EXPECT_EQ(screen_.layouts.back(), BrowseLayout::library);
+    EXPECT_TRUE(controller_->showAllResults(4)->entities.empty()) << "the hits are forgotten";
+}
+
+TEST_F(BrowseWhileSearching, AfterACancelAnEmptyLibraryHasItsSection) {
+    load();
+    EXPECT_FALSE(controller_->snapshot().list);
+    begin();
+    EXPECT_FALSE(controller_->snapshot().list);
+    cancel();
+    ASSERT_TRUE(controller_->snapshot().list);
+    EXPECT_TRUE(controller_->snapshot().list->empty());
+}
+
+TEST_F(BrowseWhileSearching, RowsHaveNoRankAndTheValueOfTheAlphabet) {
+    publishThreeSongs();
+    load();
+    chooseSort(RVSortTypePlayCount);
+    const MPMediaEntity song = library_.song("B");
+    EXPECT_EQ(controller_->rankAtIndex(0), 1U);
+    EXPECT_EQ(valueOfRow(song), "7x");
+    begin();
+    EXPECT_TRUE(controller_->isSearchActive());
+    EXPECT_EQ(controller_->rankAtIndex(0), std::nullopt);
+    EXPECT_EQ(valueOfRow(song), "Album");
+    cancel();
+    EXPECT_EQ(controller_->rankAtIndex(0), 1U);
+    EXPECT_EQ(valueOfRow(song), "7x");
+}
+
+TEST_F(BrowseWhileSearching, SeeAllHasEveryHitUnderTheTextAsTyped) {
+    std::vector<TestSong> songs;
+    for (int number = 1; number <= 7; ++number) {
+        songs.push_back({.title = "Wave " + std::to_string(number)});
+    }
+    library_.publish(songs);
+    load();
+    begin();
+    type(" wave ");
+    EXPECT_EQ(controller_->snapshot().search.front().rows.size(), 5U);
+    const auto all = controller_->showAllResults(4);
+    ASSERT_TRUE(all);
+    EXPECT_EQ(all->title, " wave ");
+    EXPECT_EQ(all->entities.size(), 7U);
+    EXPECT_FALSE(controller_->showAllResults(1));
+}
+
+TEST_F(BrowseWhileSearching, TypingFastShowsTheLastTermAlone) {
+    publishThreeSongs();
+    load();
+    begin();
+    const std::size_t before = screen_.snapshots.size();
+    for (const char* text : {"A", "B", "nowhere"}) {
+        controller_->updateSearchResultsForSearchController(text);
+    }
+    mainQueue_->runUntilIdle();
+    ASSERT_EQ(screen_.snapshots.size(), before + 1);
+    EXPECT_TRUE(controller_->snapshot().search.empty());
+    EXPECT_FALSE(controller_->snapshot().list);
+}
+
+TEST_F(BrowseWhileSearching, AScreenThatGoesMeanwhileIsShownNothing) {
+    publishThreeSongs();
+    load();
+    const std::size_t before = screen_.snapshots.size();
+    controller_->searchBarTextDidBeginEditing();
+    controller_->updateSearchResultsForSearchController("A");
+    controller_.reset();
+    mainQueue_->runUntilIdle();
+    EXPECT_EQ(screen_.snapshots.size(), before);
 }
 
 TEST_F(Browse, WorkOfAScreenThatHasGoneIsDropped) {
