@@ -48,20 +48,24 @@ std::vector<std::vector<std::uint32_t>> cutIntoGroups(const MediaSnapshot& snaps
     const auto rank = [&](std::uint32_t position) {
         return snapshot.songs()[position].groupRanks[static_cast<std::size_t>(group)];
     };
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> ranked;
+    std::vector<std::uint32_t> sizes;
+    for (const std::uint32_t position : positions) {
+        const std::uint32_t own = rank(position);
+        if (own != SongRecord::noGroup) {
+            sizes.resize(std::max<std::size_t>(sizes.size(), own + std::size_t{1}));
+            ++sizes[own];
+        }
+    }
+    std::vector<std::vector<std::uint32_t>> groups(sizes.size());
+    for (std::size_t own = 0; own < groups.size(); ++own) {
+        groups[own].reserve(sizes[own]);
+    }
     for (const std::uint32_t position : positions) {
         if (rank(position) != SongRecord::noGroup) {
-            ranked.emplace_back(rank(position), position);
+            groups[rank(position)].push_back(position);
         }
     }
-    std::sort(ranked.begin(), ranked.end());
-    std::vector<std::vector<std::uint32_t>> groups;
-    for (std::size_t i = 0; i < ranked.size(); ++i) {
-        if (i == 0 || ranked[i].first != ranked[i - 1].first) {
-            groups.emplace_back();
-        }
-        groups.back().push_back(ranked[i].second);
-    }
+    std::erase_if(groups, [](const auto& members) { return members.empty(); });
     return groups;
 }
 
