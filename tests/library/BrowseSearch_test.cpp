@@ -111,6 +111,7 @@ TEST_F(BrowseSearchTest, HitsThatAreReadyAreDroppedWhenTheNextKeyComesFirst) {
 
 TEST_F(BrowseSearchTest, AfterCancelTheTilesAreNewAndTheResultsGone) {
     search_->searchBarTextDidBeginEditing();
+    settle();
     type("a");
     settle();
     EXPECT_EQ(search_->results()->songs.size(), 3U);

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
 #include "platform/mediaplayer/sources/sample/SampleSource.h"
 #include "recording/MPMediaItem+Nerinda.h"
@@ -26,6 +27,23 @@ Result<std::unique_ptr<Session>> Session::open(const Options& options) {
         new Session(options, std::move(directory).value(), std::move(defaults).value()));
 }
 
+namespace {
+
+/// Where the translations were installed, unless the user has them elsewhere.
+const char* translationFolder() {
+    const char* chosen = std::getenv("TEXTDOMAINDIR");
+    return chosen != nullptr && *chosen != '\0' ? chosen : TAVRION_LOCALE_DIRECTORY;
+}
+
+/// Before there is a queue: the languages are a setting of the whole process.
+Regional regionWithTranslations() {
+    Regional region = Regional::fromEnvironment();
+    bindTranslations(translationFolder(), region.locale());
+    return region;
+}
+
+}  // namespace
+
 std::unique_ptr<Clock> Session::clockFor(const Options& options) {
     if (options.now) {
         return std::make_unique<FixedClock>(*options.now);
@@ -37,7 +55,7 @@ Session::Session(Options options, DataDirectory directory, std::unique_ptr<NSUse
     : options_(std::move(options)),
       directory_(std::move(directory)),
       clock_(clockFor(options_)),
-      region_(Regional::fromEnvironment()),
+      region_(regionWithTranslations()),
       defaults_(std::move(defaults)),
       mainQueue_(MainQueue::make()),
       timers_(clock_->standsStill()),

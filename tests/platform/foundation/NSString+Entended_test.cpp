@@ -144,6 +144,24 @@ TEST(LocalizedCaseInsensitiveCompare, DigitsAreSignsAndAccentsAndPunctuationCoun
     EXPECT_EQ(caselessRelation("", "a"), '<');
 }
 
+TEST(CaselessHashes, TextsThatCompareAsTheSameMayBeTheSame) {
+    const std::vector<std::string_view> texts{
+        "a",       "A", "ＡＢＣ", "abc", "①",       "1", "あ", "ア", "é",       "E\u0301", "Straße",
+        "STRASSE", "ﬁ", "fi",     "İ",   "i\u0307", "ı", "I",  "i",  "a\u00AD", "",        "file2"};
+    for (const char* locale : {"en_US", "tr_TR", "da_DK", "ja_JP"}) {
+        const InLocale plugged(locale);
+        const std::vector<CaselessHashes> hashes = caselessHashes(texts);
+        for (std::size_t a = 0; a < texts.size(); ++a) {
+            for (std::size_t b = 0; b < texts.size(); ++b) {
+                const bool areSame =
+                    localizedCaseInsensitiveCompare(texts[a], texts[b]) == NSComparisonResult::same;
+                EXPECT_EQ(hashes[a].mayBeSame(hashes[b]), areSame)
+                    << locale << ": " << texts[a] << ", " << texts[b];
+            }
+        }
+    }
+}
+
 TEST(LocalizedStandardCompare, DifferentStringsAreNeverTheSame) {
     const InLocale plugged("en_US");
     expectOrder("en_US", {"\xEF\xBC\xA1", "A", '>'});
