@@ -181,19 +181,20 @@ TEST_F(LibrarySearchTest, AFoundAlbumKnowsTheQueryThatFoundIt) {
     }
 }
 
-// A number with zeros in front in one script meets the same number in another: these three have no
-// order that each pair agrees to.
+// Numbers of one value in several scripts, with zeros in front of some: their names are put in
+// order by zeros where both have these in plain digits and by width elsewhere, and that goes in
+// circles.
 TEST_F(LibrarySearchTest, NamesThatTheAlphabetPutsInNoOrderAreMergedAsTheyCome) {
+    const std::vector<std::string> numbers{"1", "01", "001", "１", "０１", "١", "٠١"};
+    RandomLibrary random(2);
     std::vector<TestSong> songs;
-    for (int round = 0; round < 20; ++round) {
-        for (const char* title : {"01 １ x", "1 １ x", "１ 01 x", "１ 1 x", "１ １ x", "001 1 x",
-                                  "1 01 x", "0１ 1 x"}) {
-            songs.push_back({.title = title});
-        }
+    for (int count = 0; count < 400; ++count) {
+        const auto any = [&] { return numbers[random.below(7)]; };
+        songs.push_back({.title = any() + " x " + any() + " x " + any()});
     }
     MediaLibraryFixture library(songs);
     LibrarySearch search;
-    for (const char* term : {"x", "1", "１ x"}) {
+    for (const char* term : {"x", "1", "01 x"}) {
         ASSERT_NO_FATAL_FAILURE(compare(search, term));
     }
 }
