@@ -117,7 +117,17 @@ class ShowSample(unittest.TestCase):
     def test_it_prints_the_commands_that_it_shows(self):
         commands = [line for line in self.shown().splitlines() if line.startswith("$ ")]
         self.assertEqual(commands, ["$ export TAVRION_DATA_DIR=" + self.folder.replace(" ", "\\ ") + "/data",
-                                    "$ tavrionctl library status", "$ tavrionctl scan", "$ tavrionctl plays | head"])
+                                    "$ tavrionctl library status", "$ tavrionctl scan",
+                                    "$ tavrionctl history --range past-month | head -n 20",
+                                    "$ tavrionctl trending --range past-month | head -n 10",
+                                    "$ tavrionctl browse --tiles"])
+
+    def test_it_shows_the_history_as_a_chart_and_what_was_played_most(self):
+        shown = self.shown()
+        history, _, rest = shown.partition("$ tavrionctl history")[2].partition("$ tavrionctl trending")
+        self.assertIn("Minutes Listened", history)
+        self.assertRegex(history, r"(?m)^[0-9,]+ min [|\u2524]")
+        self.assertRegex(rest, r"(?m)^ +1  .*[0-9]+x")
 
     def test_a_folder_of_somebody_else_is_left_alone(self):
         os.makedirs(self.folder)
