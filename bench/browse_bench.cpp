@@ -69,6 +69,7 @@ std::string peerQuery(const Grouping& grouping, const Sort& sort) {
 }
 
 void peerBrowse(benchmark::State& state, const Grouping& grouping, const Sort& sort) {
+    const LibraryEnvironment environment(false);
     library_peer* peer = greatPeer();
     const std::string query = peerQuery(grouping, sort);
     for (auto step : state) {

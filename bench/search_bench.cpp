@@ -48,6 +48,7 @@ void keystroke(benchmark::State& state, const Term& term) {
 }
 
 void peerKeystroke(benchmark::State& state, const Term& term) {
+    const LibraryEnvironment environment(false);
     library_peer* peer = greatPeer();
     const std::string pattern = fmt::format("%{}%", term.text);
     for (auto step : state) {
