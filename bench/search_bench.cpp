@@ -9,7 +9,7 @@
 #include <array>
 
 #include "bench/GreatLibrary.h"
-#include "library/LibrarySearch.h"
+#include "library/search/LibrarySearch.h"
 
 namespace tavrion::bench {
 namespace {

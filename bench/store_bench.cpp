@@ -9,9 +9,9 @@
 
 #include "bench/BenchEnvironment.h"
 #include "bench/Fixtures.h"
-#include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
 #include "recording/PlayEvent.h"
 #include "recording/PlayTotals.h"
+#include "sources/musicxml/MusicXmlSource.h"
 
 namespace tavrion::bench {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "platform/foundation/NSCalendar.h"
 #include "platform/mediaplayer/MediaSnapshot.h"
-#include "platform/mediaplayer/sources/musicxml/MusicXmlParser.h"
+#include "sources/musicxml/MusicXmlParser.h"
 
 namespace {
 

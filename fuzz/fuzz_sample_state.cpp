@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "fuzz/Require.h"
-#include "platform/mediaplayer/sources/sample/SampleState.h"
+#include "sources/sample/SampleState.h"
 
 using tavrion::SampleState;
 using tavrion::fuzz::require;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "library/SearchTerm.h"
+#include "library/search/SearchTerm.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/dispatch/NSOperationQueue.h"
 #include "platform/foundation/Mutex.h"

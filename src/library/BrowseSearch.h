@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "library/LibrarySearch.h"
+#include "library/search/LibrarySearch.h"
 #include "platform/dispatch/DispatchQueue.h"
 
 namespace tavrion {

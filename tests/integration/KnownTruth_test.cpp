@@ -10,7 +10,7 @@
 #include <memory>
 #include <sstream>
 
-#include "tests/RealData.h"
+#include "tests/support/RealData.h"
 #include "tests/support/RecordingEnvironment.h"
 #include "tests/support/TenYearHistory.h"
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
-#include "tests/RealData.h"
+#include "sources/musicxml/MusicXmlSource.h"
+#include "tests/support/RealData.h"
 #include "tests/support/RecordingEnvironment.h"
 
 namespace tavrion {

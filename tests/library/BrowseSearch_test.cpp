@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "library/SearchTerm.h"
+#include "library/search/SearchTerm.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/testing/MediaLibraryFixture.h"

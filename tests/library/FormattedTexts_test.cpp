@@ -9,8 +9,8 @@
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/testing/ManualClock.h"
-#include "tests/ExpectedTexts.h"
 #include "tests/platform/foundation/ZoneText.h"
+#include "tests/support/ExpectedTexts.h"
 
 namespace tavrion {
 namespace {

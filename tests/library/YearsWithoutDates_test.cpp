@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-#include "library/LibrarySearch.h"
 #include "library/RVMetadataManager.h"
 #include "library/RVQueryManager+Results.h"
 #include "library/RVQueryManager+Statistics.h"
-#include "library/SearchTerm.h"
+#include "library/search/LibrarySearch.h"
+#include "library/search/SearchTerm.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/testing/ManualClock.h"
 #include "platform/testing/MediaLibraryFixture.h"

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <map>
 
-#include "tests/RealData.h"
+#include "tests/support/RealData.h"
 #include "tests/support/RecordingEnvironment.h"
 #include "timeviews/TrendingRanking.h"
 

@@ -43,8 +43,10 @@ class ArrowsTest(unittest.TestCase):
             "platform/sqlite/Database.cpp": '#include <sqlite3.h>\n#include "platform/dispatch/Queue.h"\n',
             "platform/coredata/Context.h": '#include "platform/dispatch/Queue.h"\n',
             "platform/mediaplayer/Source.h": '#include "platform/dispatch/Queue.h"\n',
-            "platform/mediaplayer/sources/musicxml/Reader.cpp":
-                '#include <expat.h>\n#include "platform/mediaplayer/Source.h"\n',
+            "sources/musicxml/Reader.h": "",
+            "sources/musicxml/Reader.cpp":
+                '#include <expat.h>\n#include "platform/mediaplayer/Source.h"\n#include "sources/musicxml/Reader.h"\n',
+            "session/Session.cpp": '#include "sources/musicxml/Reader.h"\n',
             "platform/testing/Clock.h": '#include "platform/coredata/Context.h"\n',
             "recording/Scan.h": '#include "platform/coredata/Context.h"\n#include "recording/Port.h"\n',
             "recording/Port.h": "",
@@ -58,8 +60,8 @@ class ArrowsTest(unittest.TestCase):
         })
 
     def test_an_upward_arrow_between_floors(self):
-        floors = ["platform/foundation", "kit", "recording", "library", "timeviews", "awards", "persistence", "shell",
-                  "apps/tavrionctl"]
+        floors = ["platform/foundation", "kit", "sources/mpd", "recording", "library", "timeviews", "awards",
+                  "persistence", "shell", "session", "apps/tavrionctl"]
         for lower, upper in zip(floors, floors[1:]):
             with self.subTest(lower=lower):
                 self.assert_finds({f"{lower}/Low.h": f'\n#include "{upper}/High.h"\n', f"{upper}/High.h": ""},
@@ -67,14 +69,24 @@ class ArrowsTest(unittest.TestCase):
 
     def test_an_upward_or_sideways_arrow_between_rooms_of_the_platform(self):
         pairs = [("foundation", "dispatch"), ("dispatch", "sqlite"), ("sqlite", "coredata"), ("coredata", "cloudkit"),
-                 ("dispatch", "mediaplayer"), ("mediaplayer", "mediaplayer/sources/mpd"),
-                 ("mediaplayer/sources/mpd", "mediaplayer/sources/musicxml"), ("coredata", "mediaplayer"),
+                 ("dispatch", "mediaplayer"), ("coredata", "mediaplayer"),
                  ("mediaplayer", "sqlite")]
         for lower, upper in pairs:
             with self.subTest(lower=lower, upper=upper):
                 self.assert_finds(
                     {f"platform/{lower}/Low.h": f'#include "platform/{upper}/High.h"\n', f"platform/{upper}/High.h": ""},
                     (f"platform/{lower}/Low.h:1", f"platform/{upper} does not lie below platform/{lower}"))
+
+    def test_only_those_who_choose_a_library_name_its_source(self):
+        for folder in ("recording", "library", "shell"):
+            with self.subTest(folder=folder):
+                self.assert_finds({f"{folder}/A.cpp": '#include "sources/mpd/Source.h"\n', "sources/mpd/Source.h": ""},
+                                  (f"{folder}/A.cpp:1", "only the floors that choose a library"))
+
+    def test_one_player_knows_no_other(self):
+        self.assert_finds({"sources/mpd/A.cpp": '#include "sources/musicxml/B.h"\n#include "sources/C.h"\n',
+                           "sources/musicxml/B.h": "", "sources/C.h": ""},
+                          ("sources/mpd/A.cpp:1", "sources/musicxml is another player's folder"))
 
     def test_the_product_never_includes_the_testing_room(self):
         for folder in ("platform/coredata", "recording", "apps/tavrionctl"):
@@ -133,7 +145,7 @@ class ArrowsTest(unittest.TestCase):
     def test_a_wrapped_library_outside_its_room(self):
         rooms = {"sqlite3.h": "platform/sqlite", "unicode/ucol.h": "platform/foundation",
                  "plist/plist.h": "platform/foundation", "libintl.h": "platform/foundation",
-                 "expat.h": "platform/mediaplayer/sources/musicxml"}
+                 "expat.h": "sources/musicxml"}
         for header, room in rooms.items():
             for spelling in (f"<{header}>", f'"{header}"'):
                 with self.subTest(spelling=spelling):

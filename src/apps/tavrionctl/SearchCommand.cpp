@@ -6,9 +6,9 @@
 
 #include "apps/tavrionctl/EntityRows.h"
 #include "apps/tavrionctl/Session.h"
-#include "library/LibrarySearch.h"
 #include "library/RVMetadataManager.h"
-#include "library/SearchTerm.h"
+#include "library/search/LibrarySearch.h"
+#include "library/search/SearchTerm.h"
 
 namespace tavrion::ctl {
 namespace {

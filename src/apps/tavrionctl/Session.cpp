@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "platform/foundation/NSLocalizedString.h"
-#include "platform/mediaplayer/sources/musicxml/MusicXmlSource.h"
-#include "platform/mediaplayer/sources/sample/SampleSource.h"
 #include "recording/MPMediaItem+Nerinda.h"
+#include "sources/musicxml/MusicXmlSource.h"
+#include "sources/sample/SampleSource.h"
 
 namespace tavrion::ctl {
 

@@ -7,8 +7,8 @@
 #include "platform/foundation/NSDateComponentsFormatter.h"
 #include "platform/foundation/NSDateFormatter.h"
 #include "platform/foundation/NSNumberFormatter.h"
-#include "tests/ExpectedTexts.h"
 #include "tests/platform/foundation/ZoneText.h"
+#include "tests/support/ExpectedTexts.h"
 
 namespace tavrion {
 namespace {

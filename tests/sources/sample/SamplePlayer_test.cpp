@@ -1,0 +1,214 @@
+#include "sources/sample/SamplePlayer.h"
+
+#include "tests/sources/sample/SampleFixture.h"
+#include "tests/support/TestFolder.h"
+
+namespace tavrion {
+namespace {
+
+using PlaybackState = SamplePlayer::PlaybackState;
+
+class SamplePlayerTest : public SampleTest {
+  protected:
+    std::uint64_t idOf(std::uint32_t song) const { return catalogue.persistentIDOfSong(song); }
+    double durationOf(std::uint32_t song) const { return catalogue.durationOfSong(song); }
+    /// As another process would find it.
+    SamplePlayer::Status status() const { return SamplePlayer(file, catalogue).status().value(); }
+    std::vector<SampleEnding> endings() const {
+        const SampleState state = file.read().value();
+        std::vector<SampleEnding> all = state.endings;
+        const SampleProgress progress = progressOf(state.queue, catalogue, clock.now());
+        all.insert(all.end(), progress.endings.begin(), progress.endings.end());
+        return all;
+    }
+    void setQueue(const std::vector<std::uint64_t>& songs) {
+        ASSERT_TRUE(SamplePlayer(file, catalogue).setQueue(songs));
+    }
+    void play() { ASSERT_TRUE(SamplePlayer(file, catalogue).play()); }
+    void pause() { ASSERT_TRUE(SamplePlayer(file, catalogue).pause()); }
+    void skip() { ASSERT_TRUE(SamplePlayer(file, catalogue).skipToNextItem()); }
+
+    const TestFolder folder;
+    const SampleCatalogue catalogue{1, 100};
+    const SampleStateFile file{folder.path() / "state.json"};
+    // Songs that are in the library at the fixture's instant.
+    static constexpr std::uint32_t first = 40;
+    static constexpr std::uint32_t second = 50;
+    static constexpr std::uint32_t third = 60;
+};
+
+TEST_F(SamplePlayerTest, IsStoppedUntilSomethingIsQueuedAndWaitsToBePlayed) {
+    EXPECT_EQ(status().state, PlaybackState::stopped);
+    EXPECT_EQ(status().song, std::nullopt);
+    play();
+    EXPECT_EQ(status().state, PlaybackState::stopped);
+    setQueue({idOf(first), idOf(second)});
+    EXPECT_EQ(status().state, PlaybackState::paused);
+    EXPECT_EQ(status().song, idOf(first));
+    clock.advance(1000);
+    EXPECT_EQ(status().position, 0);
+    EXPECT_TRUE(endings().empty());
+}
+
+TEST_F(SamplePlayerTest, PlaysByTheClockAlone) {
+    setQueue({idOf(first), idOf(second), idOf(third)});
+    play();
+    const NSDate start = clock.now();
+    clock.advance(30);
+    EXPECT_EQ(status().state, PlaybackState::playing);
+    EXPECT_EQ(status().song, idOf(first));
+    EXPECT_DOUBLE_EQ(status().position, 30);
+    EXPECT_TRUE(endings().empty());
+    clock.advance(durationOf(first));
+    EXPECT_EQ(status().song, idOf(second));
+    EXPECT_NEAR(status().position, 30, 1e-6);
+    const NSDate firstEnd = start.dateByAddingTimeInterval(durationOf(first));
+    EXPECT_EQ(endings(), (std::vector<SampleEnding>{{idOf(first), firstEnd, true}}));
+    clock.advance(86400);
+    EXPECT_EQ(status().state, PlaybackState::stopped);
+    const NSDate secondEnd = firstEnd.dateByAddingTimeInterval(durationOf(second));
+    const NSDate thirdEnd = secondEnd.dateByAddingTimeInterval(durationOf(third));
+    EXPECT_EQ(endings(), (std::vector<SampleEnding>{{idOf(first), firstEnd, true},
+                                                    {idOf(second), secondEnd, true},
+                                                    {idOf(third), thirdEnd, true}}));
+}
+
+TEST_F(SamplePlayerTest, ASongHasEndedAtTheVeryInstantOfItsEnd) {
+    setQueue({idOf(first), idOf(second)});
+    play();
+    const NSDate end = clock.now().dateByAddingTimeInterval(durationOf(first));
+    clock.set(end.dateByAddingTimeInterval(-0.001));
+    EXPECT_EQ(status().song, idOf(first));
+    EXPECT_TRUE(endings().empty());
+    clock.set(end);
+    EXPECT_EQ(status().song, idOf(second));
+    EXPECT_EQ(status().position, 0);
+    EXPECT_EQ(endings().size(), 1U);
+}
+
+TEST_F(SamplePlayerTest, APauseStandsStillAndGoesOnWhereItWas) {
+    setQueue({idOf(first)});
+    play();
+    clock.advance(20);
+    pause();
+    clock.advance(5000);
+    EXPECT_EQ(status().state, PlaybackState::paused);
+    EXPECT_DOUBLE_EQ(status().position, 20);
+    play();
+    const NSDate resumed = clock.now();
+    clock.advance(durationOf(first));
+    EXPECT_EQ(status().state, PlaybackState::stopped);
+    ASSERT_EQ(endings().size(), 1U);
+    EXPECT_NEAR(endings()[0].date.timeIntervalSinceDate(resumed), durationOf(first) - 20, 1e-6);
+}
+
+TEST_F(SamplePlayerTest, PlayingWhatPlaysChangesNothing) {
+    setQueue({idOf(first)});
+    play();
+    clock.advance(20);
+    play();
+    clock.advance(20);
+    EXPECT_NEAR(status().position, 40, 1e-6);
+}
+
+TEST_F(SamplePlayerTest, SkippingCountsTheSongAsLeft) {
+    setQueue({idOf(first), idOf(second)});
+    play();
+    clock.advance(10);
+    skip();
+    EXPECT_EQ(status().song, idOf(second));
+    EXPECT_EQ(status().state, PlaybackState::playing);
+    EXPECT_EQ(endings(), (std::vector<SampleEnding>{{idOf(first), clock.now(), false}}));
+    clock.advance(5);
+    EXPECT_NEAR(status().position, 5, 1e-6);
+    skip();
+    EXPECT_EQ(status().state, PlaybackState::stopped);
+    skip();
+    EXPECT_EQ(endings().size(), 2U);
+}
+
+TEST_F(SamplePlayerTest, APausedSongIsSkippedWithoutPlayingTheNext) {
+    setQueue({idOf(first), idOf(second)});
+    skip();
+    EXPECT_EQ(status().state, PlaybackState::paused);
+    EXPECT_EQ(status().song, idOf(second));
+}
+
+TEST_F(SamplePlayerTest, ANewQueueKeepsWhatWasHeard) {
+    setQueue({idOf(first), idOf(second)});
+    play();
+    clock.advance(durationOf(first) + 1);
+    setQueue({idOf(third)});
+    EXPECT_EQ(status().state, PlaybackState::paused);
+    EXPECT_EQ(status().song, idOf(third));
+    ASSERT_EQ(endings().size(), 1U);
+    EXPECT_EQ(endings()[0].song, idOf(first));
+}
+
+TEST_F(SamplePlayerTest, TheSameSongMayBeQueuedAgain) {
+    setQueue({idOf(first), idOf(first)});
+    play();
+    clock.advance(3 * durationOf(first));
+    EXPECT_EQ(endings().size(), 2U);
+}
+
+TEST_F(SamplePlayerTest, SongsThatAreNotThereAreLeftOut) {
+    setQueue({12345, idOf(first), idOf(catalogue.songCount() - 1)});
+    EXPECT_EQ(file.read().value().queue.songs, std::vector<std::uint64_t>{idOf(first)});
+    setQueue({12345});
+    EXPECT_EQ(status().state, PlaybackState::stopped);
+}
+
+TEST_F(SamplePlayerTest, SongsOfAnotherLibraryInTheQueueArePassedOver) {
+    ASSERT_TRUE(file.change([&](SampleState& state) {
+        state.queue.songs = {12345, idOf(first), 777};
+        state.queue.playingSince = clock.now();
+    }));
+    clock.advance(durationOf(first) + 5);
+    EXPECT_EQ(status().state, PlaybackState::stopped);
+    EXPECT_EQ(endings().size(), 1U);
+}
+
+TEST_F(SamplePlayerTest, BeforeItBeganToPlayItStandsWhereItWas) {
+    setQueue({idOf(first)});
+    play();
+    clock.advance(-3600);
+    EXPECT_EQ(status().state, PlaybackState::playing);
+    EXPECT_EQ(status().position, 0);
+    EXPECT_TRUE(endings().empty());
+}
+
+TEST_F(SamplePlayerTest, WhatIsKeptIsTheSameHoweverOftenItIsLookedAt) {
+    setQueue({idOf(first), idOf(second), idOf(third)});
+    play();
+    for (int i = 0; i < 40; ++i) {
+        clock.advance(7);
+        play();
+    }
+    const std::vector<SampleEnding> often = endings();
+    clock.advance(-40 * 7);
+    ASSERT_TRUE(file.change([](SampleState& state) { state = SampleState(); }));
+    setQueue({idOf(first), idOf(second), idOf(third)});
+    play();
+    clock.advance(40 * 7);
+    const std::vector<SampleEnding> once = endings();
+    ASSERT_EQ(often.size(), once.size());
+    for (std::size_t i = 0; i < once.size(); ++i) {
+        EXPECT_EQ(often[i].song, once[i].song);
+        EXPECT_NEAR(often[i].date.timeIntervalSinceDate(once[i].date), 0, 1e-4);
+    }
+}
+
+TEST_F(SamplePlayerTest, ABrokenFileIsTold) {
+    ASSERT_TRUE(file.change([](SampleState& state) { state.likedStates[1] = 2; }));
+    std::filesystem::resize_file(file.path(), 5);
+    SamplePlayer player(file, catalogue);
+    EXPECT_FALSE(player.status());
+    EXPECT_FALSE(player.setQueue({idOf(first)}));
+    EXPECT_FALSE(player.play());
+    EXPECT_FALSE(player.pause());
+    EXPECT_FALSE(player.skipToNextItem());
+}
+
+}  // namespace
+}  // namespace tavrion
