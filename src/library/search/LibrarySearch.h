@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "library/search/FoundEntities.h"
+#include "kit/FoundEntities.h"
 #include "library/search/SearchIndex.h"
 #include "library/search/SearchRanking.h"
 #include "platform/mediaplayer/MPMediaEntity.h"

@@ -1,4 +1,4 @@
-#include "library/search/FoundEntities.h"
+#include "kit/FoundEntities.h"
 
 #include <algorithm>
 
