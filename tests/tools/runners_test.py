@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs tools/over-sources, tools/fuzz and tools/lint in made-up trees, with stand-ins for compiler and fuzz targets."""
+"""Runs tools/tidy, tools/fuzz and tools/lint in made-up trees, with stand-ins for clang-tidy and fuzz targets."""
 
 import json
 import os
@@ -41,50 +41,89 @@ class Tree(unittest.TestCase):
         return self.run_command(os.path.join(self.root, "tools", self.tool), *words)
 
 
-class OverSourcesTest(Tree):
-    tool = "over-sources"
+class TidyTest(Tree):
+    tool = "tidy"
 
     def setUp(self):
         super().setUp()
-        # Complains about a source that holds the word "wrong", and shows with which words it was called.
-        self.write("compiler", '#!/bin/sh\necho "$@" >> calls\nfor word; do source=$word; done\n'
-                   'for word; do case $word in *.cpp) source=$word;; esac; done\n'
+        # Complains about a source that holds the word "wrong", and keeps a list of what it was asked to look at.
+        self.write("bin/clang-tidy", '#!/bin/sh\n[ "$1" = --version ] && { echo 14; exit; }\n'
+                   'for word; do source=$word; done\necho "$source" >> calls\n'
                    'if grep -q wrong "$source"; then echo "$source: it is wrong"; exit 1; fi\n', executable=True)
-        self.write("src/A.cpp", "right\n")
-        self.write("src/deep/B.cpp", "right\n")
+        self.write(".clang-tidy", "Checks: all\n")
+        self.write("src/A.cpp", '#include "deep/B.h"\n#include <vector>\n')
+        self.write("src/deep/B.cpp", '#include "C.h"\n')
+        self.write("src/deep/B.h", '#  include "deep/D.h"\n')
+        self.write("src/deep/C.h", "")
+        self.write("src/deep/D.h", "")
 
-    def commands(self, *sources):
+    def commands(self, *sources, flags="-Wall"):
         entries = [{"directory": self.root, "file": source,
-                    "command": f"./compiler -Wall -MD -MT x.o -MF x.d -o x.o -c {source}"} for source in sources]
+                    "command": f"clang++ {flags} -I{self.root}/src -I/usr/include -o x.o -c {source}"} for source in sources]
         self.write("build/compile_commands.json", json.dumps(entries))
+
+    def look(self, *folders):
+        """Runs it, and gives the result and the sources that clang-tidy was asked to look at."""
+        calls = os.path.join(self.root, "calls")
+        if os.path.exists(calls):
+            os.remove(calls)
+        path = os.path.join(self.root, "bin") + os.pathsep + os.environ["PATH"]
+        result = self.run_command("env", f"PATH={path}", os.path.join(self.root, "tools/tidy"), "build", *(folders or ["src"]))
+        if not os.path.exists(calls):
+            return result, []
+        with open(calls, encoding="utf-8") as file:
+            return result, sorted(os.path.relpath(line, self.root) for line in file.read().splitlines())
 
     def test_clean_sources_pass_and_each_is_looked_at(self):
         self.commands("src/A.cpp", "src/deep/B.cpp")
-        result = self.run_tool("syntax", "build", "src")
+        result, seen = self.look()
         self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
-        with open(os.path.join(self.root, "calls"), encoding="utf-8") as file:
-            calls = sorted(file.read().splitlines())
-        self.assertEqual(calls, ["-Wall src/A.cpp -fsyntax-only", "-Wall src/deep/B.cpp -fsyntax-only"])
+        self.assertEqual(seen, ["src/A.cpp", "src/deep/B.cpp"])
 
-    def test_a_finding_fails_and_is_shown(self):
+    def test_what_was_clean_is_looked_at_again_only_when_something_changed(self):
+        self.commands("src/A.cpp", "src/deep/B.cpp")
+        self.look()
+        changes = {
+            "nothing": (lambda: None, []),
+            "its text": (lambda: self.write("src/A.cpp", '#include "deep/B.h"\n'), ["src/A.cpp"]),
+            "a header": (lambda: self.write("src/deep/C.h", "int c;\n"), ["src/deep/B.cpp"]),
+            "a header of a header": (lambda: self.write("src/deep/D.h", "int d;\n"), ["src/A.cpp"]),
+            "a header that is found elsewhere now": (lambda: self.write("src/deep/deep/D.h", ""), ["src/A.cpp"]),
+            "the checks": (lambda: self.write(".clang-tidy", "Checks: few\n"), ["src/A.cpp", "src/deep/B.cpp"]),
+            "the call": (lambda: self.commands("src/A.cpp", "src/deep/B.cpp", flags="-Wextra"),
+                         ["src/A.cpp", "src/deep/B.cpp"]),
+        }
+        for name, (change, expected) in changes.items():
+            with self.subTest(change=name):
+                change()
+                result, seen = self.look()
+                self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+                self.assertEqual(seen, expected)
+                self.assertIn(f"2 files, {len(expected)} of them new or changed", result.stdout)
+
+    def test_a_finding_fails_and_is_shown_again_until_it_is_mended(self):
         self.commands("src/A.cpp", "src/deep/B.cpp")
         self.write("src/deep/B.cpp", "wrong\n")
-        result = self.run_tool("syntax", "build", "src")
-        self.assertEqual(result.returncode, 1)
-        self.assertIn("src/deep/B.cpp: it is wrong", result.stdout)
+        for _ in range(2):
+            result, seen = self.look()
+            self.assertEqual(result.returncode, 1)
+            self.assertIn("src/deep/B.cpp: it is wrong", result.stdout)
+            self.assertIn("src/deep/B.cpp", seen)
+        self.write("src/deep/B.cpp", "right\n")
+        self.assertEqual(self.look()[0].returncode, 0)
 
     def test_a_source_that_no_target_compiles_fails(self):
         self.commands("src/A.cpp")
-        result = self.run_tool("syntax", "build", "src")
+        result, _ = self.look()
         self.assertEqual(result.returncode, 1)
         self.assertIn("src/deep/B.cpp:1: no target of build compiles this file", result.stdout)
 
     def test_nothing_to_check_is_an_error(self):
         self.commands("src/A.cpp")
-        self.assertEqual(self.run_tool("syntax", "build", "tools").returncode, 2)
+        self.assertEqual(self.look("tools")[0].returncode, 2)
 
     def test_a_build_directory_that_is_not_configured_is_an_error(self):
-        result = self.run_tool("syntax", "build", "src")
+        result, _ = self.look()
         self.assertEqual(result.returncode, 2)
         self.assertIn("configure it first", result.stderr)
 
