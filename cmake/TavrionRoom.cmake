@@ -66,9 +66,13 @@ function(tavrion_room name)
   endif()
 endfunction()
 
-# tavrion_tests(name FOLDER path... LINKS target...): one test executable for all .cpp of the folders.
+# tavrion_tests(name FOLDER path... LINKS target... [COST number]): one test executable for all .cpp of the folders. Tests of
+# a higher cost start earlier, so that no long one is left for the end.
 function(tavrion_tests name)
-  cmake_parse_arguments(T "" "" "FOLDER;LINKS" ${ARGN})
+  cmake_parse_arguments(T "" "COST" "FOLDER;LINKS" ${ARGN})
+  if(NOT T_COST)
+    set(T_COST 0)
+  endif()
   tavrion_sources(sources tests ${T_FOLDER})
   if(NOT sources)
     return()
@@ -77,7 +81,7 @@ function(tavrion_tests name)
   target_include_directories(${name}_tests PRIVATE "${CMAKE_SOURCE_DIR}")
   target_link_libraries(${name}_tests PRIVATE ${T_LINKS} tavrion_testing GTest::gtest GTest::gmock GTest::gtest_main)
   tavrion_use_precompiled(${name}_tests tavrion_test_headers)
-  gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 COST ${T_COST})
 endfunction()
 
 # tavrion_fuzz(name LINKS target...): the fuzz target name of fuzz/<name>.cpp; its corpus is fuzz/corpus/<name>/.
@@ -101,5 +105,5 @@ endfunction()
 # tavrion_script_test(name script argument...): a test that is a Python script of its own.
 function(tavrion_script_test name script)
   add_test(NAME ${name} COMMAND Python3::Interpreter "${CMAKE_SOURCE_DIR}/${script}" ${ARGN})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 COST 30 ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1")
 endfunction()
