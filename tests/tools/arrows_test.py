@@ -153,6 +153,12 @@ class ArrowsTest(unittest.TestCase):
                                       ("platform/coredata/A.cpp:1", f"belongs to {room}"))
             self.assert_clean({f"{room}/A.cpp": f"#include <{header}>\n"})
 
+    def test_a_library_wrapped_by_one_file(self):
+        wrapper = "apps/tavrionctl/CommandSyntax.cpp"
+        self.assert_clean({wrapper: "#include <CLI/CLI.hpp>\n"})
+        self.assert_finds({"apps/tavrionctl/CommandSyntax.h": "#include <CLI/App.hpp>\n"},
+                          ("apps/tavrionctl/CommandSyntax.h:1", f"belongs to {wrapper}"))
+
     def test_an_include_that_leads_nowhere(self):
         self.assert_finds({"recording/A.cpp": '#include "recording/A.h"\n#  include <platform/foundation/NoDate.h>\n'},
                           ("recording/A.cpp:1", "there is no such file"), ("recording/A.cpp:2", "there is no such file"))

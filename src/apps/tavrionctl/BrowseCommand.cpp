@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 
@@ -216,18 +215,18 @@ void printStatistics() {
 
 }  // namespace
 
-void BrowseCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand(
+void BrowseCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command(
         "browse", "List the library; without options as it was last chosen on the screen");
-    CLI::Option* group =
-        described_->add_option("--group", group_, fmt::format("{}", fmt::join(groupNames, ", ")));
-    CLI::Option* sort =
-        described_->add_option("--sort", sort_, fmt::format("{}", fmt::join(sortNames, ", ")));
-    CLI::Option* reverse = described_->add_flag("--reverse", reverse_, "The other way round");
-    described_->add_flag("--tiles", tiles_, "The eight statistics of the library instead")
-        ->excludes(group)
-        ->excludes(sort)
-        ->excludes(reverse);
+    const OptionSyntax group =
+        described_.text("--group", group_, fmt::format("{}", fmt::join(groupNames, ", ")));
+    const OptionSyntax sort =
+        described_.text("--sort", sort_, fmt::format("{}", fmt::join(sortNames, ", ")));
+    const OptionSyntax reverse = described_.flag("--reverse", reverse_, "The other way round");
+    described_.flag("--tiles", tiles_, "The eight statistics of the library instead")
+        .excludes(group)
+        .excludes(sort)
+        .excludes(reverse);
 }
 
 Outcome BrowseCommand::execute(Session& session) {

@@ -3,15 +3,12 @@
 // Queue: the main thread.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "apps/tavrionctl/CommandSyntax.h"
 #include "apps/tavrionctl/Options.h"
-
-namespace CLI {
-class App;
-}
 
 namespace tavrion::ctl {
 
@@ -22,13 +19,13 @@ class Command {
     virtual ~Command() = default;
 
     /// Adds the command below `parent`.
-    virtual void describe(CLI::App& parent) = 0;
+    virtual void describe(const CommandSyntax& parent) = 0;
     /// Whether the command line names this command. After parsing.
-    bool isChosen() const;
+    bool isChosen() const { return described_.isChosen(); }
     virtual Outcome execute(Session& session) = 0;
 
   protected:
-    CLI::App* described_ = nullptr;
+    CommandSyntax described_;
 };
 
 /// Every command, with its group.

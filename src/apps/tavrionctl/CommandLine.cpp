@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 
@@ -10,27 +9,38 @@
 namespace tavrion::ctl {
 namespace {
 
-void describeGlobalOptions(CLI::App& app, Options& options) {
-    app.set_version_flag("--version", "tavrionctl " TAVRION_VERSION);
-    app.add_option(
-           "--data-dir", options.dataDirectory,
-           "Where the data lies (default: TAVRION_DATA_DIR, else tavrion in the user's data home)")
-        ->type_name("DIR");
-    app.add_option_function<std::string>(
-           "--now",
-           [&options](const std::string& text) {
-               options.now = dateFromIsoText(text);
-               if (!options.now) {
-                   throw CLI::ValidationError("--now",
-                                              "'" + text +
-                                                  "' is not an instant; write it like "
-                                                  "2026-03-01T12:00:00Z or with an offset");
-               }
-           },
-           "Let the clock stand at this instant (ISO 8601 with offset or Z)")
-        ->type_name("INSTANT");
-    app.add_flag("--json", options.json, "Print one JSON value instead of text");
-    app.add_flag("--quiet", options.quiet, "Print no messages but errors");
+void describeGlobalOptions(const CommandSyntax& program, Options& options) {
+    program
+        .text(
+            "--data-dir", options.dataDirectory,
+            "Where the data lies (default: TAVRION_DATA_DIR, else tavrion in the user's data home)")
+        .valueName("DIR");
+    const auto takeNow = [&options](const std::string& text) {
+        options.now = dateFromIsoText(text);
+        return options.now ? std::nullopt
+                           : std::optional("'" + text +
+                                           "' is not an instant; write it like "
+                                           "2026-03-01T12:00:00Z or with an offset");
+    };
+    program
+        .taken("--now", takeNow, "Let the clock stand at this instant (ISO 8601 with offset or Z)")
+        .valueName("INSTANT");
+    program.flag("--json", options.json, "Print one JSON value instead of text");
+    program.flag("--quiet", options.quiet, "Print no messages but errors");
+}
+
+void describeCommands(const CommandSyntax& program, const std::vector<CommandGroup>& groups) {
+    program.wantsCommand();
+    for (const CommandGroup& group : groups) {
+        CommandSyntax parent = program;
+        if (!group.name.empty()) {
+            parent = program.command(group.name, group.help);
+            parent.wantsCommand();
+        }
+        for (const auto& command : group.commands) {
+            command->describe(parent);
+        }
+    }
 }
 
 Outcome runChosen(std::vector<CommandGroup>& groups, const Options& options) {
@@ -59,34 +69,20 @@ Outcome checkedOutput(Outcome outcome) {
 
 }  // namespace
 
-bool Command::isChosen() const {
-    return described_ != nullptr && described_->parsed();
-}
-
 int runCommandLine(int argumentCount, const char* const* arguments) {
-    CLI::App app("Keeps the listening history that a music library forgets", "tavrionctl");
-    app.require_subcommand(1);
-    app.fallthrough();
+    CommandLineSyntax syntax("tavrionctl",
+                             "Keeps the listening history that a music library forgets",
+                             "tavrionctl " TAVRION_VERSION);
     Options options;
-    describeGlobalOptions(app, options);
     std::vector<CommandGroup> groups = allCommands();
-    for (CommandGroup& group : groups) {
-        CLI::App* parent = &app;
-        if (!group.name.empty()) {
-            parent = app.add_subcommand(group.name, group.help);
-            parent->require_subcommand(1);
-        }
-        for (const auto& command : group.commands) {
-            command->describe(*parent);
-        }
+    describeGlobalOptions(syntax.program(), options);
+    describeCommands(syntax.program(), groups);
+    const CommandLineSyntax::Parsed parsed = syntax.parse(argumentCount, arguments);
+    if (parsed.isAnswered) {
+        return Outcome::done;
     }
-    try {
-        app.parse(argumentCount, arguments);
-    } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
-            return app.exit(error);
-        }
-        fmt::print(stderr, "tavrionctl: {}; see tavrionctl --help\n", error.what());
+    if (parsed.fault) {
+        fmt::print(stderr, "tavrionctl: {}; see tavrionctl --help\n", *parsed.fault);
         return Outcome::wrongUsage;
     }
     const Outcome outcome = checkedOutput(runChosen(groups, options));

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
-
 #include "apps/tavrionctl/DefaultsValue.h"
 #include "apps/tavrionctl/JsonWriter.h"
 #include "apps/tavrionctl/Session.h"
@@ -23,9 +21,9 @@ void printValue(const Value& value) {
 
 }  // namespace
 
-void DefaultsReadCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("read", "Print one value, or all");
-    described_->add_option("KEY", key_, "The key; without it all of them");
+void DefaultsReadCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("read", "Print one value, or all");
+    described_.text("KEY", key_, "The key; without it all of them");
 }
 
 Outcome DefaultsReadCommand::execute(Session& session) {
@@ -47,17 +45,16 @@ Outcome DefaultsReadCommand::execute(Session& session) {
     return {};
 }
 
-void DefaultsWriteCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("write",
-                                       "KEY TYPE VALUE: store a value; TYPE is -bool, -int, -date, "
-                                       "-string, -array, -data (base64) or -dict (JSON)");
+void DefaultsWriteCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("write",
+                                "KEY TYPE VALUE: store a value; TYPE is -bool, -int, -date, "
+                                "-string, -array, -data (base64) or -dict (JSON)");
     // The types look like options and are none, so that nothing here may be taken for one.
-    described_->fallthrough(false);
-    described_->prefix_command();
+    described_.takesAllWords();
 }
 
 Outcome DefaultsWriteCommand::execute(Session& session) {
-    const std::vector<std::string> arguments = described_->remaining();
+    const std::vector<std::string> arguments = described_.allWords();
     constexpr std::size_t beforeValue = 2;
     if (arguments.size() < beforeValue) {
         return Outcome::usage("defaults write wants KEY TYPE VALUE");
@@ -79,9 +76,9 @@ Outcome DefaultsWriteCommand::execute(Session& session) {
     return synchronized(session);
 }
 
-void DefaultsDeleteCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("delete", "Remove a value");
-    described_->add_option("KEY", key_, "The key")->required();
+void DefaultsDeleteCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("delete", "Remove a value");
+    described_.text("KEY", key_, "The key").required();
 }
 
 Outcome DefaultsDeleteCommand::execute(Session& session) {

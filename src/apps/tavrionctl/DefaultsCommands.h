@@ -7,7 +7,7 @@ namespace tavrion::ctl {
 
 class DefaultsReadCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:
@@ -16,13 +16,13 @@ class DefaultsReadCommand final : public Command {
 
 class DefaultsWriteCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 };
 
 class DefaultsDeleteCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:

@@ -204,15 +204,14 @@ void printPage(const Page& page) {
 
 }  // namespace
 
-void EntityCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("entity", "Show one song, album, artist, genre or playlist");
-    described_->add_option("KIND", kind_, std::string("What it is: ") + entityKinds)->required();
-    described_->add_option("NAME", search_.name, "What it is called")->required();
-    described_->add_option("--artist", search_.artist, "Whose song or album it is");
-    described_->add_option("--id", persistentID_,
-                           "Its persistentID, where several have the same name");
-    described_->add_option("--sort", sort_,
-                           "Sort one list, for this time: SECTION:TYPE or SECTION:TYPE:reverse");
+void EntityCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("entity", "Show one song, album, artist, genre or playlist");
+    described_.text("KIND", kind_, std::string("What it is: ") + entityKinds).required();
+    described_.text("NAME", search_.name, "What it is called").required();
+    described_.text("--artist", search_.artist, "Whose song or album it is");
+    described_.text("--id", persistentID_, "Its persistentID, where several have the same name");
+    described_.text("--sort", sort_,
+                    "Sort one list, for this time: SECTION:TYPE or SECTION:TYPE:reverse");
 }
 
 Outcome EntityCommand::execute(Session& session) {

@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
-
 #include "apps/tavrionctl/JsonWriter.h"
 #include "apps/tavrionctl/RecordCommands.h"
 #include "apps/tavrionctl/Session.h"
@@ -44,8 +42,8 @@ void writeHistory(JsonWriter& json, PlaybackHistory history, std::size_t plays, 
 
 }  // namespace
 
-void HistoriesCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("histories", "List every song record");
+void HistoriesCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("histories", "List every song record");
 }
 
 Outcome HistoriesCommand::execute(Session& session) {

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
-
 #include "apps/tavrionctl/HistoryText.h"
 #include "apps/tavrionctl/JsonWriter.h"
 #include "apps/tavrionctl/PlayRows.h"
@@ -149,12 +147,12 @@ Outcome chooseBar(std::int64_t bar, HistoryPage& page, Session& session,
 
 }  // namespace
 
-void HistoryCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand(
+void HistoryCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command(
         "history", "Show what was played in a range: totals, a chart, and the plays by days");
-    described_->add_option("--range", range_, rangeHelp);
-    described_->add_option("--bar", bar_, "Only the day or month of this bar, counted from 0")
-        ->type_name("X");
+    described_.text("--range", range_, rangeHelp);
+    described_.number("--bar", bar_, "Only the day or month of this bar, counted from 0")
+        .valueName("X");
 }
 
 Outcome HistoryCommand::execute(Session& session) {

@@ -12,7 +12,7 @@ namespace tavrion::ctl {
 
 class HistoryCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <filesystem>
 #include <map>
@@ -123,11 +122,11 @@ std::string lastingLocation(const SourceRegistry::Kind* kind, const std::string&
 
 }  // namespace
 
-void LibraryUseCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("use", "Choose the music library and read it once");
-    described_->add_option("KIND", kind_, "music-xml, or sample to try the program")->required();
-    described_->add_option("LOCATION", location_,
-                           "For music-xml the exported file; for sample the number of songs");
+void LibraryUseCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("use", "Choose the music library and read it once");
+    described_.text("KIND", kind_, "music-xml, or sample to try the program").required();
+    described_.text("LOCATION", location_,
+                    "For music-xml the exported file; for sample the number of songs");
 }
 
 Outcome LibraryUseCommand::guardExistingRecords(Session& session, const std::string& kind,
@@ -189,8 +188,8 @@ Outcome LibraryUseCommand::execute(Session& session) {
     return {};
 }
 
-void LibraryStatusCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("status", "Say which music library is chosen");
+void LibraryStatusCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("status", "Say which music library is chosen");
 }
 
 Outcome LibraryStatusCommand::execute(Session& session) {
@@ -209,10 +208,10 @@ Outcome LibraryStatusCommand::execute(Session& session) {
     return {};
 }
 
-void LibrarySongsCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("songs", "List the songs with every property that is read");
-    described_->add_flag("--non-library", withNonLibrarySongs_,
-                         "Also songs that were played but not added");
+void LibrarySongsCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("songs", "List the songs with every property that is read");
+    described_.flag("--non-library", withNonLibrarySongs_,
+                    "Also songs that were played but not added");
 }
 
 Outcome LibrarySongsCommand::execute(Session& session) {
@@ -251,8 +250,8 @@ Outcome LibrarySongsCommand::execute(Session& session) {
     return {};
 }
 
-void LibraryForgetCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand("forget", "Choose no music library; records stay");
+void LibraryForgetCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("forget", "Choose no music library; records stay");
 }
 
 Outcome LibraryForgetCommand::execute(Session& session) {

@@ -7,7 +7,7 @@ namespace tavrion::ctl {
 
 class LibraryUseCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:
@@ -20,13 +20,13 @@ class LibraryUseCommand final : public Command {
 
 class LibraryStatusCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 };
 
 class LibrarySongsCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:
@@ -35,7 +35,7 @@ class LibrarySongsCommand final : public Command {
 
 class LibraryForgetCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 };
 

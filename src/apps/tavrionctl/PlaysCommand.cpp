@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <limits>
 
 #include "apps/tavrionctl/JsonWriter.h"
@@ -54,11 +53,11 @@ void printPlay(const PlayRow& play) {
 
 }  // namespace
 
-void PlaysCommand::describe(CLI::App& parent) {
+void PlaysCommand::describe(const CommandSyntax& parent) {
     described_ =
-        parent.add_subcommand("plays", "List every dated play, newest first; * marks an estimate");
-    described_->add_option("--range", range_, rangeHelp);
-    described_->add_option("--song", song_, "Only plays of this song record (an id of histories)");
+        parent.command("plays", "List every dated play, newest first; * marks an estimate");
+    described_.text("--range", range_, rangeHelp);
+    described_.text("--song", song_, "Only plays of this song record (an id of histories)");
 }
 
 Outcome PlaysCommand::execute(Session& session) {

@@ -7,7 +7,7 @@ namespace tavrion::ctl {
 
 class PlaysCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:
@@ -17,7 +17,7 @@ class PlaysCommand final : public Command {
 
 class HistoriesCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 };
 

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
 
@@ -100,22 +99,21 @@ void writeReport(Session& session, const ScanReport& report, NSDate since) {
 
 }  // namespace
 
-void ScanCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand(
-        "scan", "Read the library and record what was played since the last scan");
+void ScanCommand::describe(const CommandSyntax& parent) {
+    described_ =
+        parent.command("scan", "Read the library and record what was played since the last scan");
     described_
-        ->add_option("--since", since_,
-                     "Which songs are looked at: rule (the last two days, or back to the "
-                     "installation after a gap), installation, or all")
-        ->check(CLI::IsMember({"rule", "installation", "all"}));
-    described_->add_flag(
-        "--restore", restore_,
-        "Take the installation back to the start of this year and look at all songs");
+        .text("--since", since_,
+              "Which songs are looked at: rule (the last two days, or back to the "
+              "installation after a gap), installation, or all")
+        .oneOf({"rule", "installation", "all"});
+    described_.flag("--restore", restore_,
+                    "Take the installation back to the start of this year and look at all songs");
     described_
-        ->add_option("--suspects", suspects_,
-                     "Estimates of songs with five or more new plays: keep-all, "
-                     "keep-most-recent, or ask (on a terminal, else keep-all)")
-        ->check(CLI::IsMember({"keep-all", "keep-most-recent", "ask"}));
+        .text("--suspects", suspects_,
+              "Estimates of songs with five or more new plays: keep-all, "
+              "keep-most-recent, or ask (on a terminal, else keep-all)")
+        .oneOf({"keep-all", "keep-most-recent", "ask"});
 }
 
 NSDate ScanCommand::sinceDate() const {

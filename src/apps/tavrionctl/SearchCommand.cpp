@@ -57,13 +57,13 @@ void printResults(const SearchResults& results, bool showsAll) {
 
 }  // namespace
 
-void SearchCommand::describe(CLI::App& parent) {
-    described_ = parent.add_subcommand(
+void SearchCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command(
         "search",
         "Find artists, albums, songs and playlists; capitals as in the library rank best");
-    described_->add_option("TERM", term_, "What to look for; a title may have its words anywhere")
-        ->required();
-    described_->add_flag("--all", showsAll_, "Print every hit, not the first five of each kind");
+    described_.text("TERM", term_, "What to look for; a title may have its words anywhere")
+        .required();
+    described_.flag("--all", showsAll_, "Print every hit, not the first five of each kind");
 }
 
 Outcome SearchCommand::execute(Session& session) {

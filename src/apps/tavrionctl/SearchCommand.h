@@ -9,7 +9,7 @@ namespace tavrion::ctl {
 
 class SearchCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:

@@ -71,13 +71,12 @@ void printText(const TrendingSnapshot& ranking, bool byTime) {
 
 }  // namespace
 
-void TrendingCommand::describe(CLI::App& parent) {
-    described_ =
-        parent.add_subcommand("trending", "Rank songs and collections by what was played most");
-    described_->add_option("--range", range_, rangeHelp);
-    described_->add_option("--group", group_, "artists, albums or genres")
-        ->check(CLI::IsMember({"artists", "albums", "genres"}));
-    described_->add_option("--by", by_, "plays or time")->check(CLI::IsMember({"plays", "time"}));
+void TrendingCommand::describe(const CommandSyntax& parent) {
+    described_ = parent.command("trending", "Rank songs and collections by what was played most");
+    described_.text("--range", range_, rangeHelp);
+    described_.text("--group", group_, "artists, albums or genres")
+        .oneOf({"artists", "albums", "genres"});
+    described_.text("--by", by_, "plays or time").oneOf({"plays", "time"});
 }
 
 Outcome TrendingCommand::execute(Session& session) {

@@ -7,7 +7,7 @@ namespace tavrion::ctl {
 
 class TrendingCommand final : public Command {
   public:
-    void describe(CLI::App& parent) override;
+    void describe(const CommandSyntax& parent) override;
     Outcome execute(Session& session) override;
 
   private:
