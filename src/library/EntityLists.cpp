@@ -108,18 +108,12 @@ EntitySnapshot EntityLists::fullBuild(const SortOfSection& sortOfSection) {
 }
 
 Entities EntityLists::inFirstOrder(Entities songs, const EntitySort& sort) const {
-    if (sort.type != RVSortTypeAlphabetical || entity_.playlist()) {
-        return songs;
-    }
-    if (entity_.groupingType() != MPMediaGrouping::album) {
-        return sortedByTitle(std::move(songs), true);
-    }
-    // An album's own order is that of its tracks, though its query tells songs by their titles.
-    songs = sortedByDiscAndTrack(std::move(songs));
-    if (sort.reverse) {
-        std::reverse(songs.begin(), songs.end());
-    }
-    return songs;
+    // Albums and playlists have an order of their own, which their queries give.
+    const bool hasOwnOrder =
+        entity_.playlist().has_value() || entity_.groupingType() == MPMediaGrouping::album;
+    return sort.type == RVSortTypeAlphabetical && !hasOwnOrder
+               ? sortedByTitle(std::move(songs), true)
+               : songs;
 }
 
 Entities EntityLists::reloadedList(EntitySection section, const EntitySort& sort) {

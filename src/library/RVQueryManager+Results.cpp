@@ -107,8 +107,18 @@ std::vector<MPMediaEntity> sortedSongs(Songs songs, RVSortType sortType, bool re
             return sortedBy(std::move(songs), reverse,
                             [&](const MPMediaItem& song) { return releaseKeys(song); });
         default:
-            return asTheyCome(std::move(songs), sortType == RVSortTypeAlphabetical && reverse);
+            return asTheyCome(std::move(songs), false);
     }
+}
+
+/// The query's songs, each once. Read backwards, a song of a playlist that holds it twice comes
+/// where it is met first that way.
+Songs songsOf(const MPMediaQuery& query, RVSortType sortType, bool reverse) {
+    Songs songs = query.items();
+    if (sortType == RVSortTypeAlphabetical && reverse) {
+        std::reverse(songs.begin(), songs.end());
+    }
+    return withoutDuplicates(std::move(songs));
 }
 
 template <class NameOfCollection>
@@ -197,7 +207,7 @@ std::vector<MPMediaEntity> resultsForQuery(MPMediaQuery* query, MPMediaGrouping 
     MPMediaQuery music = defaultQuery();
     MPMediaQuery& asked = query == nullptr ? music : *query;
     if (groupType == MPMediaGrouping::title) {
-        return sortedSongs(withoutDuplicates(asked.items()), sortType, reverse);
+        return sortedSongs(songsOf(asked, sortType, reverse), sortType, reverse);
     }
     return sortedCollections(collectionsOf(asked, groupType), groupType, sortType, reverse);
 }

@@ -129,6 +129,23 @@ TEST_F(EntityEdges, AnAlbumReversedIsReadBackwardsUntilItIsReloaded) {
               (Names{"Zebra", "Mole", "Apple"}));
 }
 
+TEST_F(EntityEdges, anAlbumWithoutTrackNumbersReversedIsItsMirror) {
+    library_.publish({{.title = "Mole"}, {.title = "Apple"}, {.title = "Zebra"}});
+    EXPECT_EQ(builtNames(first(album)), (Names{"Apple", "Mole", "Zebra"}));
+    choose(EntitySection::songs, RVSortTypeAlphabetical, true);
+    EXPECT_EQ(builtNames(first(album)), (Names{"Zebra", "Mole", "Apple"}));
+}
+
+TEST_F(EntityEdges, anAlbumsSongsOfEqualCountsStayInTrackOrder) {
+    publishAlbum();
+    choose(EntitySection::songs, RVSortTypeLastPlayed);
+    EXPECT_EQ(builtNames(first(album)), (Names{"Zebra", "Mole", "Apple"}));
+    choose(EntitySection::songs, RVSortTypeLastPlayed, true);
+    EXPECT_EQ(builtNames(first(album)), (Names{"Zebra", "Mole", "Apple"}));
+    EXPECT_EQ(reloaded(first(album), RVSortTypeDateAdded, false),
+              (Names{"Zebra", "Mole", "Apple"}));
+}
+
 TEST_F(EntityEdges, APlaylistKeepsItsOrderUntilItIsReloaded) {
     publishAlbum();
     const MPMediaEntity mix = first(MPMediaQuery::playlistsQuery(), playlist);

@@ -309,6 +309,34 @@ TEST_F(RVQueryManagerResults, ASongThatAPlaylistHoldsTwiceKeepsItsFirstPlace) {
     EXPECT_EQ(names(RVQueryManager::resultsForQuery(&query, songs, 1, false)), (Names{"b", "a"}));
 }
 
+TEST_F(RVQueryManagerResults, aSongThatAPlaylistHoldsTwiceKeepsItsFirstPlaceBackwardsToo) {
+    library_.publish({{.title = "a", .persistentID = 1},
+                      {.title = "b", .persistentID = 2},
+                      {.title = "c", .persistentID = 3}},
+                     {{.name = "P", .persistentID = 10, .songs = {1, 2, 3, 1}}});
+    MPMediaQuery query = MPMediaQuery::playlistsQuery();
+    // The list is read backwards first: a, c, b, a.
+    EXPECT_EQ(names(RVQueryManager::resultsForQuery(&query, songs, 0, true)),
+              (Names{"a", "c", "b"}));
+}
+
+TEST_F(RVQueryManagerResults, anAlbumsSongsKeepTheAlbumsOrderForTiesInEverySort) {
+    library_.publish({{.title = "a", .track = 3, .disc = 1},
+                      {.title = "b", .track = 1, .disc = 2},
+                      {.title = "c", .track = 1, .disc = 1},
+                      {.title = "d", .playCount = 1, .track = 2, .disc = 1}});
+    MPMediaQuery query = MPMediaQuery::albumsQuery().collections().at(0).itemsQuery();
+    const auto ordered = [&](RVSortType sortType, bool reverse) {
+        return names(RVQueryManager::resultsForQuery(&query, songs, sortType, reverse));
+    };
+    EXPECT_EQ(ordered(0, false), (Names{"c", "d", "a", "b"}));
+    EXPECT_EQ(ordered(0, true), (Names{"b", "a", "d", "c"}));
+    EXPECT_EQ(ordered(1, false), (Names{"d", "c", "a", "b"}));
+    EXPECT_EQ(ordered(1, true), (Names{"c", "a", "b", "d"}));
+    EXPECT_EQ(ordered(2, false), (Names{"c", "d", "a", "b"}));
+    EXPECT_EQ(ordered(99, true), (Names{"c", "d", "a", "b"}));
+}
+
 TEST_F(RVQueryManagerResults, AnEmptyLibraryGivesAnEmptyList) {
     for (std::int64_t group = 0; group <= 6; ++group) {
         for (RVSortType sort = 0; sort <= 6; ++sort) {

@@ -78,6 +78,16 @@ void sortByDiscAndTrack(const MediaSnapshot& snapshot, std::vector<std::uint32_t
               [&](std::uint32_t a, std::uint32_t b) { return place(a) < place(b); });
 }
 
+/// Whether the filters let one album through at most.
+bool isOfOneAlbum(const std::vector<MPMediaPropertyPredicate>& predicates) {
+    return std::any_of(
+        predicates.begin(), predicates.end(), [](const MPMediaPropertyPredicate& predicate) {
+            return predicate.property() == MPMediaItemPropertyAlbumPersistentID &&
+                   predicate.comparisonType() == MPMediaPredicateComparison::equalTo &&
+                   predicate.value().get<std::int64_t>() != nullptr;
+        });
+}
+
 std::vector<MPMediaItem> itemsAt(const Snapshot& snapshot,
                                  const std::vector<std::uint32_t>& positions) {
     std::vector<MPMediaItem> items;
@@ -160,7 +170,11 @@ std::vector<MPMediaItem> MPMediaQuery::items() const {
     const Snapshot snapshot = MPMediaLibrary::defaultMediaLibrary().snapshot();
     if (grouping_ != MPMediaGrouping::playlist) {
         const SongFilter filter(snapshot, predicates_, includesNonLibrary_, false);
-        return itemsAt(snapshot, filter.matches());
+        std::vector<std::uint32_t> positions = filter.matches();
+        if (grouping_ == MPMediaGrouping::album && isOfOneAlbum(predicates_)) {
+            sortByDiscAndTrack(*snapshot, positions);
+        }
+        return itemsAt(snapshot, positions);
     }
     std::vector<std::uint32_t> positions;
     for (const auto& [playlist, songs] : playlistsOf(snapshot, predicates_, includesNonLibrary_)) {

@@ -61,7 +61,8 @@ class MPMediaQuery {
     void setValueForKey(const Value& value, std::string_view key);
     bool includesNonLibraryEntities() const { return includesNonLibrary_; }
 
-    /// The songs, in library order; for playlists, those of each playlist in turn.
+    /// The songs, in library order; those of one album by disc and track, and then as the library
+    /// has them; for playlists, those of each playlist in turn.
     std::vector<MPMediaItem> items() const;
     /// The groups that have a song, or the playlists, also empty ones. Songs without an album title
     /// form one album for each album artist, songs without an artist one nameless collection, the

@@ -48,6 +48,19 @@ TEST(MPMediaQuery, GivesSongsInLibraryOrder) {
                 ElementsAre("apple", "Track 2", "Track 10"));
 }
 
+TEST(MPMediaQuery, givesTheSongsOfOneAlbumInTheAlbumsOrder) {
+    const MediaLibraryFixture fixture({{.title = "a", .track = 2, .disc = 1},
+                                       {.title = "b", .track = 1, .disc = 2},
+                                       {.title = "c", .track = 1, .disc = 1},
+                                       {.title = "d", .albumTitle = "Other", .track = 1}});
+    const MPMediaQuery albums = MPMediaQuery::albumsQuery();
+    EXPECT_THAT(titles(albums.items()), ElementsAre("a", "b", "c", "d"));
+    MPMediaQuery album = albums.collections().at(0).itemsQuery();
+    EXPECT_THAT(titles(album.items()), ElementsAre("c", "a", "b"));
+    album.setGroupingType(MPMediaGrouping::title);
+    EXPECT_THAT(titles(album.items()), ElementsAre("a", "b", "c"));
+}
+
 TEST(MPMediaQuery, ReadsTheLibraryAnewEachTime) {
     MediaLibraryFixture fixture({{.title = "old"}});
     const MPMediaQuery query = MPMediaQuery::songsQuery();
