@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "library/search/SearchRanking.h"
 #include "library/search/SearchTerm.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/mediaplayer/MPMediaQuery.h"
@@ -173,8 +174,8 @@ SearchResults LibrarySearch::results(std::string_view term) {
     for (MPMediaItemCollection& playlist : playlistQuery.collections()) {
         playlists.emplace_back(std::move(playlist));
     }
-    found.playlists = FoundEntities(
-        ranking_.sortedResults(std::move(playlists), MPMediaPlaylistPropertyName, term));
+    found.playlists =
+        FoundEntities(sortedResults(std::move(playlists), MPMediaPlaylistPropertyName, term));
     return found;
 }
 

@@ -13,7 +13,6 @@
 
 #include "kit/FoundEntities.h"
 #include "library/search/SearchIndex.h"
-#include "library/search/SearchRanking.h"
 #include "platform/mediaplayer/MPMediaEntity.h"
 
 namespace tavrion {
@@ -62,7 +61,6 @@ class LibrarySearch {
   private:
     const std::shared_ptr<const SearchIndex>& currentIndex();
 
-    SearchRanking ranking_;
     /// Made anew when the library, the locale or the setting for compilations is another.
     std::shared_ptr<const SearchIndex> index_;
 };

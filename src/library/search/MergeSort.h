@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -17,22 +18,30 @@
 
 namespace tavrion {
 
+/// One merge of two neighbours, each in order, into `merged`, which has room for both.
 /// `compare(left, right)` gives an NSComparisonResult; `right` goes first where it says descending.
+template <class T, class Compare>
+void mergeNeighbours(std::span<T> values, std::size_t middle, std::span<T> merged,
+                     const Compare& compare) {
+    std::size_t left = 0;
+    std::size_t right = middle;
+    for (std::size_t out = 0; out < values.size(); ++out) {
+        const bool takesRight =
+            left == middle || (right < values.size() && compare(values[left], values[right]) ==
+                                                            NSComparisonResult::descending);
+        merged[out] = std::move(takesRight ? values[right++] : values[left++]);
+    }
+}
+
+/// Neighbours of one value, then of two, of four and so on are merged.
 template <class T, class Compare>
 std::vector<T> mergeSorted(std::vector<T> values, const Compare& compare) {
     std::vector<T> merged(values.size());
     for (std::size_t width = 1; width < values.size(); width *= 2) {
         for (std::size_t start = 0; start < values.size(); start += 2 * width) {
-            const std::size_t middle = std::min(start + width, values.size());
-            const std::size_t end = std::min(middle + width, values.size());
-            std::size_t left = start;
-            std::size_t right = middle;
-            for (std::size_t out = start; out < end; ++out) {
-                const bool takesRight =
-                    left == middle || (right < end && compare(values[left], values[right]) ==
-                                                          NSComparisonResult::descending);
-                merged[out] = std::move(takesRight ? values[right++] : values[left++]);
-            }
+            const std::size_t count = std::min(2 * width, values.size() - start);
+            mergeNeighbours(std::span(values).subspan(start, count), std::min(width, count),
+                            std::span(merged).subspan(start, count), compare);
         }
         std::swap(values, merged);
     }

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "library/search/MergeSort.h"
-#include "library/search/SearchRanking.h"
 
 namespace tavrion {
 
@@ -13,6 +12,16 @@ namespace {
 
 /// Of more names than this with one sort key not every pair is looked at; they count as unordered.
 constexpr std::size_t mostNamesOfOneKey = 300;
+
+/// The first bytes of a sort key as a number, so that most comparisons touch no string.
+std::uint64_t sortKeyPrefix(std::string_view key) {
+    std::uint64_t prefix = 0;
+    for (std::size_t i = 0; i < sizeof(prefix); ++i) {
+        const auto byte = i < key.size() ? static_cast<unsigned char>(key[i]) : 0U;
+        prefix = (prefix << 8U) | byte;
+    }
+    return prefix;
+}
 
 NSComparisonResult compareNames(std::string_view a, std::string_view b) {
     return a == b ? NSComparisonResult::same
@@ -120,13 +129,8 @@ std::vector<std::uint32_t> SearchNames::ranked(const std::vector<std::uint32_t>&
 std::vector<std::uint32_t> SearchNames::rankedByComparing(const std::vector<std::uint32_t>& places,
                                                           std::string_view term) const {
     return mergeSorted(places, [&](std::uint32_t a, std::uint32_t b) {
-        const unsigned left = searchFlags(names_[a], term);
-        const unsigned right = searchFlags(names_[b], term);
-        if ((left & ~right) != 0) {
-            return NSComparisonResult::ascending;
-        }
-        return (right & ~left) != 0 ? NSComparisonResult::descending
-                                    : compareNames(names_[a], names_[b]);
+        return compareHits(searchFlags(names_[a], term), searchFlags(names_[b], term),
+                           [&] { return compareNames(names_[a], names_[b]); });
     });
 }
 

@@ -21,8 +21,8 @@ class SearchNames {
     explicit SearchNames(std::vector<std::string_view> names);
 
     std::size_t size() const { return names_.size(); }
-    /// The places in the order in which SearchRanking puts entities of these names that come in
-    /// that order. The term is not empty.
+    /// The places, which come as they were found, in the order of SearchOrder.h. The term is not
+    /// empty.
     std::vector<std::uint32_t> ranked(const std::vector<std::uint32_t>& places,
                                       std::string_view term) const;
 

@@ -5,7 +5,7 @@
 #include <bit>
 #include <span>
 
-#include "library/search/SearchRanking.h"
+#include "library/search/MergeSort.h"
 
 namespace tavrion {
 
@@ -84,22 +84,14 @@ void sortAgreed(Hits hits, Hits scratch) {
     }
 }
 
-bool rightGoesFirst(const RankedHit& left, const RankedHit& right) {
-    if ((left.flags & ~right.flags) != 0) {
-        return false;
-    }
-    return (right.flags & ~left.flags) != 0 || right.alphabetRank < left.alphabetRank;
-}
-
-void merge(Hits hits, std::size_t middle, Hits scratch) {
-    std::size_t left = 0;
-    std::size_t right = middle;
-    for (RankedHit& out : scratch) {
-        const bool takesRight =
-            left == middle || (right < hits.size() && rightGoesFirst(hits[left], hits[right]));
-        out = takesRight ? hits[right++] : hits[left++];
-    }
-    std::copy(scratch.begin(), scratch.end(), hits.begin());
+NSComparisonResult compare(const RankedHit& left, const RankedHit& right) {
+    return compareHits(left.flags, right.flags, [&] {
+        if (left.alphabetRank == right.alphabetRank) {
+            return NSComparisonResult::same;
+        }
+        return left.alphabetRank < right.alphabetRank ? NSComparisonResult::ascending
+                                                      : NSComparisonResult::descending;
+    });
 }
 
 /// The merges of mergeSorted() as a tree: its last one is of the greatest power of two that leaves
@@ -116,10 +108,28 @@ void sortAsMerged(Hits hits, Hits scratch) {
     const std::size_t middle = std::bit_floor(hits.size() - 1);
     sortAsMerged(hits.first(middle), scratch.first(middle));
     sortAsMerged(hits.subspan(middle), scratch.subspan(middle));
-    merge(hits, middle, scratch);
+    mergeNeighbours(hits, middle, scratch, compare);
+    std::copy(scratch.begin(), scratch.end(), hits.begin());
 }
 
 }  // namespace
+
+std::uint8_t caseSensitiveFlags(std::string_view text, std::string_view term) {
+    if (text.empty()) {
+        return 0;
+    }
+    const bool isPrefix = text.starts_with(term);
+    const bool contains = isPrefix || text.find(term) != std::string_view::npos;
+    return static_cast<std::uint8_t>((isPrefix ? prefixFlag : 0) | (contains ? containsFlag : 0));
+}
+
+std::uint8_t searchFlags(std::string_view text, std::string_view term) {
+    if (text.empty()) {
+        return 0;
+    }
+    const bool isExact = localizedCaseInsensitiveCompare(text, term) == NSComparisonResult::same;
+    return static_cast<std::uint8_t>((isExact ? exactFlag : 0) | caseSensitiveFlags(text, term));
+}
 
 std::vector<RankedHit> inSearchOrder(std::vector<RankedHit> hits) {
     std::vector<RankedHit> scratch(hits.size());

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "library/search/MergeSort.h"
-#include "library/search/SearchRanking.h"
+#include "library/search/SearchOrder.h"
 #include "library/search/SearchTerm.h"
 #include "platform/foundation/NSString+Entended.h"
 #include "platform/mediaplayer/MPMediaQuery.h"

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "library/search/MergeSort.h"
+#include "library/search/SearchOrder.h"
 #include "library/search/SearchTerm.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/mediaplayer/MPMediaQuery.h"
@@ -30,7 +31,7 @@ class SearchRankingTest : public testing::Test {
             entities.emplace_back(MPMediaItem(snapshot, *snapshot->positionOfPersistentID(id)));
         }
         Names found;
-        for (const MPMediaEntity& entity : ranking_.sortedResults(entities, "title", term)) {
+        for (const MPMediaEntity& entity : sortedResults(entities, "title", term)) {
             found.push_back(stringOfEntity(entity, "title"));
         }
         return found;
@@ -39,7 +40,6 @@ class SearchRankingTest : public testing::Test {
     std::unique_ptr<NSUserDefaults> defaults_ = NSUserDefaults::inMemory();
     Port<NSUserDefaults>::Plug plug_{*defaults_};
     MediaLibraryFixture library_;
-    SearchRanking ranking_;
 };
 
 TEST_F(SearchRankingTest, ExactIgnoresCaseAndTheOthersDoNot) {
@@ -122,7 +122,7 @@ TEST_F(SearchRankingTest, APlaylistIsAskedForItsOwnName) {
     for (const auto& playlist : MPMediaQuery::playlistsQuery().collections()) {
         playlists.emplace_back(playlist);
     }
-    const auto found = ranking_.sortedResults(playlists, "name", "x");
+    const auto found = sortedResults(playlists, "name", "x");
     EXPECT_EQ(stringOfEntity(found[0], "name"), "apple");
     EXPECT_EQ(stringOfEntity(found[1], "name"), "zebra");
 }
@@ -133,10 +133,10 @@ TEST_F(SearchRankingTest, SplitCompilationsAreRankedByTheirTracksArtist) {
          {.title = "b", .artist = "Yes", .albumArtist = "Yes"}});
     const std::vector<MPMediaEntity> songs{library_.song("a"), library_.song("b")};
     EXPECT_EQ(stringOfEntity(songs[0], "artistSearchKey"), "Various");
-    EXPECT_EQ(ranking_.sortedResults(songs, "artistSearchKey", "Yes").front(), songs[1]);
+    EXPECT_EQ(sortedResults(songs, "artistSearchKey", "Yes").front(), songs[1]);
     defaults_->setObject("BrowseShouldSplitCompilations", true);
     EXPECT_EQ(stringOfEntity(songs[0], "artistSearchKey"), "Zed");
-    EXPECT_EQ(ranking_.sortedResults(songs, "artistSearchKey", "Zed").front(), songs[0]);
+    EXPECT_EQ(sortedResults(songs, "artistSearchKey", "Zed").front(), songs[0]);
 }
 
 TEST_F(SearchRankingTest, ThePartsOfATermAreFoundInAnyOrder) {
