@@ -16,14 +16,11 @@
 
 namespace tavrion::RVQueryManager {
 
-/// Whether the artists of compilations stand beside the album artists in the list of artists.
-inline constexpr const char* splitCompilationsKey = "BrowseShouldSplitCompilations";
-
-/// The entities of the query, each once, at its first place. An entity's rank is its place plus
-/// one. The natural order is A to Z, and highest, latest or longest first; `reverse` turns it
-/// round. Entities of the same value stay in the query's order either way, and one without a value
-/// counts as smaller than any. The query is changed: it keeps the grouping and the filters that
-/// the list needed.
+/// The entities of the query, each once, at its first place in the list as it is given. An entity's
+/// rank is its place plus one. The natural order is A to Z, and highest, latest or longest first;
+/// `reverse` turns it round. Entities of the same value stay in the query's order either way, and
+/// one without a value counts as smaller than any. The query is changed: it keeps the grouping and
+/// the filters that the list needed.
 std::vector<MPMediaEntity> resultsForQuery(MPMediaQuery* query, MPMediaGrouping groupType,
                                            RVSortType sortType, bool reverse);
 

@@ -211,7 +211,7 @@ std::optional<NSDate> sortReleaseKey(const MPMediaItem& item) {
 
 std::optional<std::string> artistSearchKey(const MPMediaItem& item) {
     const bool byTrack = item.isCompilation() && NSUserDefaults::standardUserDefaults().boolForKey(
-                                                     "BrowseShouldSplitCompilations");
+                                                     RVQueryManager::splitCompilationsKey);
     const std::optional<std::string_view> artist = byTrack ? item.artist() : item.albumArtist();
     return artist ? std::optional<std::string>(*artist) : std::nullopt;
 }

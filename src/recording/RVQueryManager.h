@@ -7,6 +7,10 @@
 
 namespace tavrion::RVQueryManager {
 
+/// The user default that says whether songs of compilations stand under their own artists instead
+/// of one album artist.
+inline constexpr const char* splitCompilationsKey = "BrowseShouldSplitCompilations";
+
 /// A new query for all songs whose media type is music.
 MPMediaQuery defaultQuery();
 
