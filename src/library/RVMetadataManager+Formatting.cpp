@@ -140,6 +140,10 @@ std::string RVMetadataManager::formattedWholeCount(std::int64_t number) {
     return formatterFor(NSNumberFormatterStyle::decimal, 0).stringFromNumber(number);
 }
 
+std::string RVMetadataManager::formattedPlays(std::uint64_t count) {
+    return stringWithFormat(NSLocalizedString("%lux"), {count});
+}
+
 std::string RVMetadataManager::formattedPercentage(double number) {
     return formatterFor(NSNumberFormatterStyle::percent, 1).stringFromNumber(number);
 }

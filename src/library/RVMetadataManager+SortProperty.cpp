@@ -102,7 +102,7 @@ std::string textOf(const SortedValues& values, RVSortType sortType) {
     }
     switch (sortType) {
         case RVSortTypePlayCount:
-            return stringWithFormat(NSLocalizedString("%lux"), {values.playCount()});
+            return RVMetadataManager::formattedPlays(values.playCount());
         case RVSortTypeLastPlayed:
             return RVMetadataManager::formattedDate(values.latest(&MPMediaItem::lastPlayedDate),
                                                     false);

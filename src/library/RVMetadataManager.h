@@ -69,6 +69,8 @@ class RVMetadataManager {
     static std::string formattedCount(Integer number) {
         return formattedWholeCount(static_cast<std::int64_t>(number));
     }
+    /// How often something was played: "12x".
+    static std::string formattedPlays(std::uint64_t count);
     /// Of a fraction: 0.25 is 25%.
     static std::string formattedPercentage(double number);
     /// A time listened, in minutes or, expanded, in its two largest units.

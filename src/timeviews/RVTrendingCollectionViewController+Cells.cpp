@@ -1,6 +1,4 @@
 // The rows of the ranking, the buttons above them and how they are arranged.
-#include <fmt/format.h>
-
 #include <array>
 
 #include "library/RVMetadataManager.h"
@@ -32,7 +30,7 @@ NSAttributedString propertyOf(const RVTrendingEntity& row) {
         defaults().integerForKey(TrendingDefaults::weightedRankFormat) == TrendingDefaults::byTime;
     return RVMetadataManager::attributedString(
         byTime ? RVMetadataManager::formattedDuration(row.playDuration)
-               : fmt::format("{}x", row.playCount),
+               : RVMetadataManager::formattedPlays(row.playCount),
         UIImage::systemImageNamed(byTime ? "stopwatch" : "play.fill",
                                   {.scale = UIImageSymbolScale::small}));
 }

@@ -2,6 +2,7 @@
 """Gives the built tavrionctl (its path is the first argument) a translation and reads what it prints."""
 
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -16,6 +17,9 @@ msgstr "Titel"
 
 msgid "See All (%lu)"
 msgstr "Alle %lu zeigen"
+
+msgid "%lux"
+msgstr "%lu-mal"
 '''
 
 
@@ -42,6 +46,16 @@ class Translations(unittest.TestCase):
         told = self.search(LC_ALL="de_DE.UTF-8", TEXTDOMAINDIR=os.path.join(self.folder, "locale"))
         self.assertRegex(told, r"(?m)^Titel$")
         self.assertRegex(told, r"Alle \d+ zeigen")
+
+    def test_play_counts_are_in_the_language_too(self):
+        german = {"LC_ALL": "de_DE.UTF-8", "TEXTDOMAINDIR": os.path.join(self.folder, "locale")}
+        self.search(**german)
+        self.ask("--now", "2026-03-01T12:00:00Z", "scan", "--since", "all", **german)
+        for command in (["library", "songs"], ["trending", "--range", "lifetime", "--by", "plays"],
+                        ["browse", "--sort", "play-count"]):
+            told = self.ask("--now", "2026-03-01T12:00:00Z", *command, **german)
+            self.assertTrue(re.search(r"\d+-mal", told), command)
+            self.assertFalse(re.search(r"\d+x(\s|$)", told), command)
 
     def test_another_language_has_the_texts_as_they_are(self):
         told = self.search(LC_ALL="C", TEXTDOMAINDIR=os.path.join(self.folder, "locale"))

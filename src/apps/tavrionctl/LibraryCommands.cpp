@@ -10,6 +10,7 @@
 #include "apps/tavrionctl/JsonWriter.h"
 #include "apps/tavrionctl/Session.h"
 #include "apps/tavrionctl/TextTable.h"
+#include "library/RVMetadataManager.h"
 #include "recording/RVQueryManager.h"
 
 namespace tavrion::ctl {
@@ -226,7 +227,7 @@ Outcome LibrarySongsCommand::execute(Session& session) {
             fmt::print("{}  {}  {}  {:>6}\n", fitted(song.title().value_or("—"), 40),
                        fitted(song.artist().value_or("—"), 28),
                        fitted(song.albumTitle().value_or("—"), 28),
-                       fmt::format("{}x", song.playCount()));
+                       RVMetadataManager::formattedPlays(song.playCount()));
         }
         return {};
     }

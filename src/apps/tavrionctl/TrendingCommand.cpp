@@ -51,7 +51,7 @@ void printRows(const std::vector<TrendingRow>& rows, bool byTime) {
     std::size_t rank = 0;
     for (const TrendingRow& row : rows) {
         const std::string number = byTime ? RVMetadataManager::formattedDuration(row->playDuration)
-                                          : fmt::format("{}x", row->playCount);
+                                          : RVMetadataManager::formattedPlays(row->playCount);
         std::string line = fmt::format("{:>3}  {}  {:>9}", ++rank,
                                        fitted(titleOf(row->entity), titleWidth), number);
         if (const std::string artist = artistOf(row->entity); !artist.empty()) {
