@@ -2,58 +2,30 @@
 
 #include <algorithm>
 #include <charconv>
-#include <nlohmann/json.hpp>
 
 #include "apps/tavrionctl/JsonWriter.h"
+#include "platform/foundation/JsonText.h"
 
 namespace tavrion::ctl {
 namespace {
 
-/// The value that a piece of JSON stands for; null has none.
-Value valueOfJson(const nlohmann::json& json) {
-    if (json.is_boolean()) {
-        return json.get<bool>();
+/// A list has no holes. A member that is null is left out.
+bool hasHole(const Value& value) {
+    if (const auto* array = value.get<Value::Array>()) {
+        return std::any_of(array->begin(), array->end(),
+                           [](const Value& each) { return each.isAbsent() || hasHole(each); });
     }
-    if (json.is_number_integer()) {
-        return json.get<std::int64_t>();
-    }
-    if (json.is_number()) {
-        return json.get<double>();
-    }
-    if (json.is_string()) {
-        return json.get<std::string>();
-    }
-    if (json.is_array()) {
-        Value::Array array;
-        for (const nlohmann::json& element : json) {
-            array.push_back(valueOfJson(element));
-        }
-        return array;
-    }
-    if (json.is_object()) {
-        Value::Dictionary dictionary;
-        for (const auto& [name, element] : json.items()) {
-            dictionary[name] = valueOfJson(element);
-        }
-        return dictionary;
-    }
-    return {};
+    const auto* dictionary = value.get<Value::Dictionary>();
+    return dictionary != nullptr &&
+           std::any_of(dictionary->begin(), dictionary->end(),
+                       [](const auto& member) { return hasHole(member.second); });
 }
 
-/// More than anybody writes; all that goes down into a value does so by recursion.
-constexpr int deepestLevel = 100;
-
-/// Whether a file of defaults can hold the value.
-bool isStorable(const nlohmann::json& json, int level) {
-    return level <= deepestLevel &&
-           std::all_of(json.begin(), json.end(), [&](const nlohmann::json& each) {
-               const bool isHole = json.is_array() && each.is_null();
-               return !isHole && (!each.is_structured() || isStorable(each, level + 1));
-           });
-}
-
-std::optional<Value> storableValueOfJson(const nlohmann::json& json) {
-    return isStorable(json, 1) ? std::optional(valueOfJson(json)) : std::nullopt;
+/// The JSON value of that text, where it is one of type T and a file of defaults can hold it.
+template <class T>
+std::optional<Value> storableValue(const std::string& text) {
+    std::optional<Value> value = JsonText::valueOf(text);
+    return value && value->get<T>() != nullptr && !hasHole(*value) ? value : std::nullopt;
 }
 
 std::optional<Value> boolOf(const std::string& text) {
@@ -75,8 +47,7 @@ std::optional<Value> integerOf(const std::string& text) {
 
 std::optional<Value> arrayOf(const std::vector<std::string>& texts) {
     if (texts.size() == 1 && texts.front().starts_with('[')) {
-        const nlohmann::json json = nlohmann::json::parse(texts.front(), nullptr, false);
-        return json.is_array() ? storableValueOfJson(json) : std::nullopt;
+        return storableValue<Value::Array>(texts.front());
     }
     return Value(Value::Array(texts.begin(), texts.end()));
 }
@@ -109,8 +80,7 @@ std::optional<Value> defaultsValue(const std::string& type, const std::vector<st
         return bytes ? std::optional(Value(NSData{std::move(*bytes)})) : std::nullopt;
     }
     if (type == "-dict") {
-        const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
-        return json.is_object() ? storableValueOfJson(json) : std::nullopt;
+        return storableValue<Value::Dictionary>(text);
     }
     return std::nullopt;
 }

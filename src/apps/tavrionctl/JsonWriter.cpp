@@ -80,13 +80,13 @@ JsonWriter& JsonWriter::boolean(bool value) {
 
 JsonWriter& JsonWriter::integer(std::int64_t value) {
     separate();
-    fmt::format_to(std::back_inserter(buffer_), "{}", value);
+    buffer_ += fmt::format_int(value).c_str();
     return *this;
 }
 
 JsonWriter& JsonWriter::unsignedInteger(std::uint64_t value) {
     separate();
-    fmt::format_to(std::back_inserter(buffer_), "{}", value);
+    buffer_ += fmt::format_int(value).c_str();
     return *this;
 }
 
@@ -95,7 +95,7 @@ JsonWriter& JsonWriter::number(double value) {
         return null();
     }
     separate();
-    fmt::format_to(std::back_inserter(buffer_), "{:.17g}", value);
+    buffer_ += fmt::format("{:.17g}", value);
     return *this;
 }
 
@@ -156,7 +156,7 @@ void JsonWriter::appendEscaped(std::string_view text) {
             buffer_ += c;
             ++i;
         } else if (static_cast<unsigned char>(c) < 0x20) {
-            fmt::format_to(std::back_inserter(buffer_), "\\u{:04x}", static_cast<unsigned>(c));
+            buffer_ += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
             ++i;
         } else if (const std::size_t length = characterLength(text, i); length > 0) {
             buffer_.append(text, i, length);

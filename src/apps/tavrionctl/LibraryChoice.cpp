@@ -3,34 +3,45 @@
 #include <fmt/format.h>
 
 #include <fstream>
-#include <nlohmann/json.hpp>
 
 #include "apps/tavrionctl/DataDirectory.h"
+#include "platform/foundation/JsonText.h"
 
 namespace tavrion::ctl {
+namespace {
+
+const std::string* textOfMember(const Value& value, const char* name) {
+    const auto* members = value.get<Value::Dictionary>();
+    const auto found =
+        members != nullptr ? members->find(name) : Value::Dictionary::const_iterator();
+    return members != nullptr && found != members->end() ? found->second.get<std::string>()
+                                                         : nullptr;
+}
+
+}  // namespace
 
 Result<std::optional<LibraryChoice>> readLibraryChoice(const std::filesystem::path& file) {
     std::ifstream stream(file);
     if (!stream) {
         return std::optional<LibraryChoice>();
     }
-    const nlohmann::json json = nlohmann::json::parse(stream, nullptr, false);
-    if (!json.is_object() || !json.contains("kind") || !json["kind"].is_string() ||
-        !json.contains("location") || !json["location"].is_string()) {
+    const std::string text(std::istreambuf_iterator<char>(stream), {});
+    const Value choice = JsonText::valueOf(text).value_or(Value());
+    const auto* kind = textOfMember(choice, "kind");
+    const auto* location = textOfMember(choice, "location");
+    if (kind == nullptr || location == nullptr) {
         return NSError{
             fmt::format("{}: the choice of the library can't be read; choose it again with "
                         "tavrionctl library use KIND LOCATION",
                         file.string()),
             {}};
     }
-    return std::optional<LibraryChoice>(
-        {json["kind"].get<std::string>(), json["location"].get<std::string>()});
+    return std::optional<LibraryChoice>({*kind, *location});
 }
 
 Result<void> writeLibraryChoice(const std::filesystem::path& file, const LibraryChoice& choice) {
-    const nlohmann::json json = {{"kind", choice.kind}, {"location", choice.location}};
-    return replaceFile(file,
-                       json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n");
+    const Value::Dictionary members{{"kind", choice.kind}, {"location", choice.location}};
+    return replaceFile(file, JsonText::textOf(members, 2) + "\n");
 }
 
 }  // namespace tavrion::ctl

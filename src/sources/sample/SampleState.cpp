@@ -3,34 +3,36 @@
 #include <fmt/format.h>
 
 #include <charconv>
-#include <nlohmann/json.hpp>
+
+#include "platform/foundation/JsonText.h"
 
 namespace tavrion {
 
 namespace {
 
-using nlohmann::json;
+using Array = Value::Array;
+using Dictionary = Value::Dictionary;
 
-constexpr int formatNumber = 1;
+constexpr std::int64_t formatNumber = 1;
 
 std::string textOfID(std::uint64_t persistentID) {
     return fmt::format("{:016X}", persistentID);
 }
 
-json jsonOf(const std::vector<std::uint64_t>& songs) {
-    json list = json::array();
+Array listOf(const std::vector<std::uint64_t>& songs) {
+    Array list;
     for (const std::uint64_t song : songs) {
-        list.push_back(textOfID(song));
+        list.emplace_back(textOfID(song));
     }
     return list;
 }
 
-json jsonOf(const SampleQueue& queue) {
+Dictionary membersOf(const SampleQueue& queue) {
     const std::optional<NSDate> since = queue.playingSince;
-    return {{"songs", jsonOf(queue.songs)},
+    return {{"songs", listOf(queue.songs)},
             {"index", queue.index},
             {"position", queue.position},
-            {"playingSince", since ? json(since->timeIntervalSinceReferenceDate()) : json()}};
+            {"playingSince", since ? Value(since->timeIntervalSinceReferenceDate()) : Value()}};
 }
 
 /// Reads the members of a document; after the first one that is not as it was written nothing else
@@ -39,118 +41,136 @@ class SampleStateReader {
   public:
     std::string fault;
 
-    /// The member of that name if it is of that type, else null.
-    const json* member(const json& object, const char* name, bool (json::*isType)() const) {
-        const auto found = object.find(name);
-        if (found == object.end() || !((*found).*isType)()) {
-            return fail(fmt::format("\"{}\" is missing or not what it should be", name));
+    SampleState state(const Value& document);
+
+  private:
+    /// The member of that name if there is one, else null.
+    static const Value* find(const Value& object, const char* name) {
+        const auto* members = object.get<Dictionary>();
+        if (members == nullptr) {
+            return nullptr;
         }
-        return &*found;
+        const auto found = members->find(name);
+        return found != members->end() ? &found->second : nullptr;
     }
-    std::uint64_t identifier(const json& value) {
+    /// The member of that name if it is of that type, else null.
+    template <class T>
+    const T* member(const Value& object, const char* name) {
+        const Value* found = find(object, name);
+        const T* value = found != nullptr ? found->get<T>() : nullptr;
+        if (value == nullptr) {
+            failAt(name);
+        }
+        return value;
+    }
+    double number(const Value& object, const char* name) {
+        const Value* found = find(object, name);
+        if (const auto* whole = found != nullptr ? found->get<std::int64_t>() : nullptr) {
+            return static_cast<double>(*whole);
+        }
+        const auto* number = member<double>(object, name);
+        return number != nullptr ? *number : 0;
+    }
+    std::uint64_t identifier(const std::string& text) {
         std::uint64_t number = 0;
-        const std::string text = value.is_string() ? value.get<std::string>() : std::string();
         const char* const end = text.data() + text.size();
         if (text.size() != 16 || std::from_chars(text.data(), end, number, 16).ptr != end) {
             fail("a persistent identifier is not 16 hexadecimal digits");
         }
         return number;
     }
-    std::vector<std::uint64_t> songs(const json& object) {
+    std::vector<std::uint64_t> songs(const Value& object) {
         std::vector<std::uint64_t> list;
-        if (const json* found = member(object, "songs", &json::is_array)) {
-            for (const json& song : *found) {
-                list.push_back(identifier(song));
+        if (const auto* found = member<Array>(object, "songs")) {
+            for (const Value& song : *found) {
+                const auto* text = song.get<std::string>();
+                list.push_back(identifier(text != nullptr ? *text : ""));
             }
         }
         return list;
     }
-    double number(const json& object, const char* name) {
-        const json* found = member(object, name, &json::is_number);
-        return found != nullptr ? found->get<double>() : 0;
+    void failAt(const char* name) {
+        fail(fmt::format("\"{}\" is missing or not what it should be", name));
     }
-    SampleState state(const json& document);
-
-  private:
-    std::nullptr_t fail(std::string text) {
+    void fail(std::string text) {
         if (fault.empty()) {
             fault = std::move(text);
         }
-        return nullptr;
     }
-    void readLikes(const json& document, SampleState& state);
-    void readPlaylists(const json& document, SampleState& state);
-    void readEndings(const json& document, SampleState& state);
-    void readQueue(const json& document, SampleState& state);
+    void readLikes(const Value& document, SampleState& state);
+    void readPlaylists(const Value& document, SampleState& state);
+    void readEndings(const Value& document, SampleState& state);
+    void readQueue(const Value& document, SampleState& state);
 };
 
-void SampleStateReader::readLikes(const json& document, SampleState& state) {
-    const json* likes = member(document, "likedStates", &json::is_object);
+void SampleStateReader::readLikes(const Value& document, SampleState& state) {
+    const auto* likes = member<Dictionary>(document, "likedStates");
     if (likes == nullptr) {
         return;
     }
-    for (const auto& [song, liked] : likes->items()) {
-        if (!liked.is_number_unsigned() || liked.get<std::uint64_t>() > 3) {
+    for (const auto& [song, liked] : *likes) {
+        const auto* number = liked.get<std::int64_t>();
+        if (number == nullptr || *number < 0 || *number > 3) {
             fail("a liked state is not a number from 0 to 3");
             return;
         }
-        state.likedStates[identifier(song)] = liked.get<std::uint32_t>();
+        state.likedStates[identifier(song)] = static_cast<std::uint32_t>(*number);
     }
 }
 
-void SampleStateReader::readPlaylists(const json& document, SampleState& state) {
-    const json* playlists = member(document, "playlists", &json::is_array);
+void SampleStateReader::readPlaylists(const Value& document, SampleState& state) {
+    const auto* playlists = member<Array>(document, "playlists");
     for (std::size_t i = 0; playlists != nullptr && i < playlists->size(); ++i) {
-        const json& entry = (*playlists)[i];
-        const json* name = member(entry, "name", &json::is_string);
-        const json* persistentID = member(entry, "persistentID", &json::is_string);
+        const Value& entry = (*playlists)[i];
+        const auto* name = member<std::string>(entry, "name");
+        const auto* persistentID = member<std::string>(entry, "persistentID");
         if (name != nullptr && persistentID != nullptr) {
-            state.playlists.push_back(
-                {identifier(*persistentID), name->get<std::string>(), songs(entry)});
+            state.playlists.push_back({identifier(*persistentID), *name, songs(entry)});
         }
     }
 }
 
-void SampleStateReader::readEndings(const json& document, SampleState& state) {
-    const json* endings = member(document, "played", &json::is_array);
+void SampleStateReader::readEndings(const Value& document, SampleState& state) {
+    const auto* endings = member<Array>(document, "played");
     for (std::size_t i = 0; endings != nullptr && i < endings->size(); ++i) {
-        const json& entry = (*endings)[i];
-        const json* song = member(entry, "song", &json::is_string);
-        const json* isWhole = member(entry, "whole", &json::is_boolean);
+        const Value& entry = (*endings)[i];
+        const auto* song = member<std::string>(entry, "song");
+        const auto* isWhole = member<bool>(entry, "whole");
         const double date = number(entry, "date");
         if (song != nullptr && isWhole != nullptr) {
             state.endings.push_back({identifier(*song),
                                      NSDate::dateWithTimeIntervalSinceReferenceDate(date),
-                                     isWhole->get<bool>()});
+                                     *isWhole});
         }
     }
 }
 
-void SampleStateReader::readQueue(const json& document, SampleState& state) {
-    const json* queue = member(document, "player", &json::is_object);
-    if (queue == nullptr) {
+void SampleStateReader::readQueue(const Value& document, SampleState& state) {
+    if (member<Dictionary>(document, "player") == nullptr) {
         return;
     }
-    state.queue.songs = songs(*queue);
-    state.queue.position = number(*queue, "position");
-    const json* index = member(*queue, "index", &json::is_number_unsigned);
-    state.queue.index = index != nullptr ? index->get<std::size_t>() : 0;
+    const Value& queue = *find(document, "player");
+    state.queue.songs = songs(queue);
+    state.queue.position = number(queue, "position");
+    const auto* index = member<std::int64_t>(queue, "index");
+    state.queue.index = index != nullptr ? static_cast<std::size_t>(*index) : 0;
     if (state.queue.index > state.queue.songs.size() || state.queue.position < 0) {
         fail("the player stands outside of its queue");
     }
-    if (queue->contains("playingSince") && !queue->at("playingSince").is_null()) {
+    const Value* since = find(queue, "playingSince");
+    if (since != nullptr && !since->isAbsent()) {
         state.queue.playingSince =
-            NSDate::dateWithTimeIntervalSinceReferenceDate(number(*queue, "playingSince"));
+            NSDate::dateWithTimeIntervalSinceReferenceDate(number(queue, "playingSince"));
     }
 }
 
-SampleState SampleStateReader::state(const json& document) {
+SampleState SampleStateReader::state(const Value& document) {
     SampleState state;
-    if (!document.is_object()) {
+    if (document.get<Dictionary>() == nullptr) {
         fail("it is not JSON");
         return state;
     }
-    const json* format = member(document, "format", &json::is_number_integer);
+    const auto* format = member<std::int64_t>(document, "format");
     if (format == nullptr || *format != formatNumber) {
         fail("it was written by another version of the program");
         return state;
@@ -165,31 +185,33 @@ SampleState SampleStateReader::state(const json& document) {
 }  // namespace
 
 std::string SampleState::text() const {
-    json document = {{"format", formatNumber},
-                     {"likedStates", json::object()},
-                     {"playlists", json::array()},
-                     {"played", json::array()},
-                     {"player", jsonOf(queue)}};
+    Dictionary likes;
     for (const auto& [song, likedState] : likedStates) {
-        document["likedStates"][textOfID(song)] = likedState;
+        likes[textOfID(song)] = static_cast<std::int64_t>(likedState);
     }
+    Array lists;
     for (const SampleUserPlaylist& playlist : playlists) {
-        document["playlists"].push_back({{"persistentID", textOfID(playlist.persistentID)},
-                                         {"name", playlist.name},
-                                         {"songs", jsonOf(playlist.songs)}});
+        lists.emplace_back(Dictionary{{"persistentID", textOfID(playlist.persistentID)},
+                                      {"name", playlist.name},
+                                      {"songs", listOf(playlist.songs)}});
     }
+    Array played;
     for (const SampleEnding& ending : endings) {
-        document["played"].push_back({{"song", textOfID(ending.song)},
-                                      {"date", ending.date.timeIntervalSinceReferenceDate()},
-                                      {"whole", ending.isWhole}});
+        played.emplace_back(Dictionary{{"song", textOfID(ending.song)},
+                                       {"date", ending.date.timeIntervalSinceReferenceDate()},
+                                       {"whole", ending.isWhole}});
     }
-    return document.dump(1, ' ', false, json::error_handler_t::replace) + "\n";
+    const Dictionary document{{"format", formatNumber},
+                              {"likedStates", std::move(likes)},
+                              {"playlists", std::move(lists)},
+                              {"played", std::move(played)},
+                              {"player", membersOf(queue)}};
+    return JsonText::textOf(document, 1) + "\n";
 }
 
 Result<SampleState> SampleState::fromText(std::string_view text) {
     SampleStateReader reader;
-    const json document = json::parse(text, nullptr, false);
-    SampleState state = reader.state(document);
+    SampleState state = reader.state(JsonText::valueOf(text).value_or(Value()));
     if (!reader.fault.empty()) {
         return NSError{reader.fault, {}};
     }
