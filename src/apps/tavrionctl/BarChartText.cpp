@@ -140,24 +140,7 @@ class Drawing {
     };
 
     /// Every so-manieth label, in the middle below its bar.
-    std::vector<Label> labelsAt(std::size_t step) const {
-        const std::size_t count = chart_.values.size();
-        std::vector<Label> labels;
-        for (std::size_t bar = first_; bar < count; ++bar) {
-            if ((chart_.labelsFromLast ? count - 1 - bar : bar) % step != 0) {
-                continue;
-            }
-            Label label{0, chart_.label(bar)};
-            const std::size_t width = displayWidth(label.text);
-            const std::size_t middle = 2 * (bar - first_) * pitch_ + barWidth_;
-            label.column = middle > width ? (middle - width) / 2 : 0;
-            label.column = std::min(label.column, plot_ > width ? plot_ - width : 0);
-            if (width > 0 && width <= plot_) {
-                labels.push_back(std::move(label));
-            }
-        }
-        return labels;
-    }
+    std::vector<Label> labelsAt(std::size_t step) const;
     static bool fit(const std::vector<Label>& labels) {
         for (std::size_t i = 1; i < labels.size(); ++i) {
             if (labels[i].column < labels[i - 1].end() + gapBetweenLabels) {
@@ -166,22 +149,7 @@ class Drawing {
         }
         return true;
     }
-    std::vector<Label> labels() const {
-        // No label is shorter than this, so that closer ones need not be looked at.
-        constexpr std::size_t shortest = 3 + gapBetweenLabels;
-        for (std::size_t step = 1; step < shown_; ++step) {
-            const bool isAllowed = chart_.labelSteps.empty() ||
-                                   std::find(chart_.labelSteps.begin(), chart_.labelSteps.end(),
-                                             step) != chart_.labelSteps.end();
-            if (!isAllowed || step * pitch_ < shortest) {
-                continue;
-            }
-            if (std::vector<Label> found = labelsAt(step); fit(found)) {
-                return found;
-            }
-        }
-        return labelsAt(shown_);
-    }
+    std::vector<Label> labels() const;
     std::string lineOfLabels() const {
         std::string line(gutter_, ' ');
         std::size_t column = 0;
@@ -204,6 +172,42 @@ class Drawing {
     std::size_t pitch_ = 1;
     std::size_t barWidth_ = 1;
 };
+
+std::vector<Drawing::Label> Drawing::labelsAt(std::size_t step) const {
+    const std::size_t count = chart_.values.size();
+    std::vector<Label> labels;
+    for (std::size_t bar = first_; bar < count; ++bar) {
+        if ((chart_.labelsFromLast ? count - 1 - bar : bar) % step != 0) {
+            continue;
+        }
+        Label label{0, chart_.label(bar)};
+        const std::size_t width = displayWidth(label.text);
+        const std::size_t middle = 2 * (bar - first_) * pitch_ + barWidth_;
+        label.column = middle > width ? (middle - width) / 2 : 0;
+        label.column = std::min(label.column, plot_ > width ? plot_ - width : 0);
+        if (width > 0 && width <= plot_) {
+            labels.push_back(std::move(label));
+        }
+    }
+    return labels;
+}
+
+std::vector<Drawing::Label> Drawing::labels() const {
+    // No label is shorter than this, so that closer ones need not be looked at.
+    constexpr std::size_t shortest = 3 + gapBetweenLabels;
+    for (std::size_t step = 1; step < shown_; ++step) {
+        const bool isAllowed = chart_.labelSteps.empty() ||
+                               std::find(chart_.labelSteps.begin(), chart_.labelSteps.end(),
+                                         step) != chart_.labelSteps.end();
+        if (!isAllowed || step * pitch_ < shortest) {
+            continue;
+        }
+        if (std::vector<Label> found = labelsAt(step); fit(found)) {
+            return found;
+        }
+    }
+    return labelsAt(shown_);
+}
 
 }  // namespace
 

@@ -56,42 +56,7 @@ class TableFolding {
         return nextInsert_ < inserts_.size() && (bound == 0 || inserts_[nextInsert_] < bound);
     }
 
-    void foldLeaf(const std::shared_ptr<const TableLeaf>& leaf, RecordCounter bound) {
-        const bool inserting = insertsBefore(bound);
-        const bool deleting = countBefore(nextDelete_, deletes_.cend(), bound) > 0;
-        const std::size_t updating = countBefore(nextUpdate_, updates_.cend(), bound);
-        if (!inserting && !deleting && updating == 0) {
-            writer_.share(leaf);
-            return;
-        }
-        const std::shared_ptr<const TableLeaf> current =
-            updating > 0 ? updatedLeaf(leaf, updating) : leaf;
-        if (!inserting && !deleting) {
-            writer_.share(current);
-            return;
-        }
-        std::size_t copied = 0;
-        for (std::size_t row = 0; row < current->size(); ++row) {
-            const RecordCounter record = (*current->records)[row];
-            const bool insertsHere = insertsBefore(record);
-            const bool deletesHere = isNextDelete(record);
-            if (insertsHere || deletesHere) {
-                writer_.addRange(*current, copied, row);
-                copied = deletesHere ? row + 1 : row;
-            }
-            if (insertsHere) {
-                insertBefore(record);
-            }
-            if (deletesHere) {
-                noteRemoved(*current, row);
-            }
-        }
-        writer_.addRange(*current, copied, current->size());
-        if (bound != 0) {
-            insertBefore(bound);
-            nextDelete_ = std::lower_bound(nextDelete_, deletes_.cend(), bound);
-        }
-    }
+    void foldLeaf(const std::shared_ptr<const TableLeaf>& leaf, RecordCounter bound);
 
     /// Moves past deletions of records that are not there.
     bool isNextDelete(RecordCounter record) {
@@ -101,31 +66,7 @@ class TableFolding {
 
     /// The leaf with the next `count` updates; columns without a change are shared.
     std::shared_ptr<const TableLeaf> updatedLeaf(const std::shared_ptr<const TableLeaf>& leaf,
-                                                 std::size_t count) {
-        std::vector<std::vector<std::pair<std::size_t, const Field*>>> changed(
-            leaf->columns.size());
-        const std::vector<RecordCounter>& records = *leaf->records;
-        for (; count > 0; --count, ++nextUpdate_) {
-            const auto found = std::lower_bound(records.begin(), records.end(), *nextUpdate_);
-            if (found == records.end() || *found != *nextUpdate_) {
-                continue;
-            }
-            const auto row = static_cast<std::size_t>(found - records.begin());
-            const RowUpdate& update = changes_.update(*nextUpdate_);
-            for (const auto& [property, field] : update) {
-                changed[property].emplace_back(row, &field);
-            }
-            noteChangedKeys(*leaf, row, update);
-        }
-        auto next = std::make_shared<TableLeaf>(*leaf);
-        for (std::size_t property = 0; property < changed.size(); ++property) {
-            if (!changed[property].empty()) {
-                next->columns[property] =
-                    changedColumn(*leaf->columns[property], changed[property]);
-            }
-        }
-        return next;
-    }
+                                                 std::size_t count);
 
     static std::shared_ptr<const Column> changedColumn(
         const Column& column, const std::vector<std::pair<std::size_t, const Field*>>& changed) {
@@ -163,30 +104,7 @@ class TableFolding {
         }
     }
 
-    void noteChangedKeys(const TableLeaf& leaf, std::size_t row, const RowUpdate& update) {
-        const auto before = [&](PropertyIndex property) { return leaf.columns[property]->at(row); };
-        const auto after = [&](PropertyIndex property) {
-            const auto changed = std::find_if(update.begin(), update.end(), [&](const auto& entry) {
-                return entry.first == property;
-            });
-            return changed != update.end() ? viewOf(changed->second) : before(property);
-        };
-        const RecordCounter record = (*leaf.records)[row];
-        for (std::size_t i = 0; i < entity_.indexes.size(); ++i) {
-            const std::optional<std::uint64_t> old =
-                IndexKeys::ofRecord(entity_.indexes[i], before);
-            const std::optional<std::uint64_t> now = IndexKeys::ofRecord(entity_.indexes[i], after);
-            if (old == now) {
-                continue;
-            }
-            if (old) {
-                removed_[i].push_back({*old, record});
-            }
-            if (now) {
-                added_[i].push_back({*now, record});
-            }
-        }
-    }
+    void noteChangedKeys(const TableLeaf& leaf, std::size_t row, const RowUpdate& update);
 
     const NSEntityDescription& entity_;
     const TableVersion& base_;
@@ -202,6 +120,93 @@ class TableFolding {
     IndexEntries removed_;
     IndexEntries added_;
 };
+
+void TableFolding::foldLeaf(const std::shared_ptr<const TableLeaf>& leaf, RecordCounter bound) {
+    const bool inserting = insertsBefore(bound);
+    const bool deleting = countBefore(nextDelete_, deletes_.cend(), bound) > 0;
+    const std::size_t updating = countBefore(nextUpdate_, updates_.cend(), bound);
+    if (!inserting && !deleting && updating == 0) {
+        writer_.share(leaf);
+        return;
+    }
+    const std::shared_ptr<const TableLeaf> current =
+        updating > 0 ? updatedLeaf(leaf, updating) : leaf;
+    if (!inserting && !deleting) {
+        writer_.share(current);
+        return;
+    }
+    std::size_t copied = 0;
+    for (std::size_t row = 0; row < current->size(); ++row) {
+        const RecordCounter record = (*current->records)[row];
+        const bool insertsHere = insertsBefore(record);
+        const bool deletesHere = isNextDelete(record);
+        if (insertsHere || deletesHere) {
+            writer_.addRange(*current, copied, row);
+            copied = deletesHere ? row + 1 : row;
+        }
+        if (insertsHere) {
+            insertBefore(record);
+        }
+        if (deletesHere) {
+            noteRemoved(*current, row);
+        }
+    }
+    writer_.addRange(*current, copied, current->size());
+    if (bound != 0) {
+        insertBefore(bound);
+        nextDelete_ = std::lower_bound(nextDelete_, deletes_.cend(), bound);
+    }
+}
+
+std::shared_ptr<const TableLeaf> TableFolding::updatedLeaf(
+    const std::shared_ptr<const TableLeaf>& leaf, std::size_t count) {
+    std::vector<std::vector<std::pair<std::size_t, const Field*>>> changed(leaf->columns.size());
+    const std::vector<RecordCounter>& records = *leaf->records;
+    for (; count > 0; --count, ++nextUpdate_) {
+        const auto found = std::lower_bound(records.begin(), records.end(), *nextUpdate_);
+        if (found == records.end() || *found != *nextUpdate_) {
+            continue;
+        }
+        const auto row = static_cast<std::size_t>(found - records.begin());
+        const RowUpdate& update = changes_.update(*nextUpdate_);
+        for (const auto& [property, field] : update) {
+            changed[property].emplace_back(row, &field);
+        }
+        noteChangedKeys(*leaf, row, update);
+    }
+    auto next = std::make_shared<TableLeaf>(*leaf);
+    for (std::size_t property = 0; property < changed.size(); ++property) {
+        if (!changed[property].empty()) {
+            next->columns[property] = changedColumn(*leaf->columns[property], changed[property]);
+        }
+    }
+    return next;
+}
+
+void TableFolding::noteChangedKeys(const TableLeaf& leaf, std::size_t row,
+                                   const RowUpdate& update) {
+    const auto before = [&](PropertyIndex property) { return leaf.columns[property]->at(row); };
+    const auto after = [&](PropertyIndex property) {
+        const auto changed = std::find_if(update.begin(), update.end(), [&](const auto& entry) {
+            return entry.first == property;
+        });
+        return changed != update.end() ? viewOf(changed->second) : before(property);
+    };
+    const RecordCounter record = (*leaf.records)[row];
+    for (std::size_t i = 0; i < entity_.indexes.size(); ++i) {
+        const std::optional<std::uint64_t> old = IndexKeys::ofRecord(entity_.indexes[i], before);
+        const std::optional<std::uint64_t> now = IndexKeys::ofRecord(entity_.indexes[i], after);
+        if (old == now) {
+            continue;
+        }
+        if (old) {
+            removed_[i].push_back({*old, record});
+        }
+        if (now) {
+            added_[i].push_back({*now, record});
+        }
+    }
+}
 
 }  // namespace
 

@@ -67,6 +67,23 @@ void appendValue(Column& column, const SQLiteStatement& row, int place) {
     }
 }
 
+std::vector<std::shared_ptr<const SortedIndex>> indexesOf(const NSEntityDescription& entity,
+                                                          const TableVersion& table) {
+    IndexEntries keys(entity.indexes.size());
+    for (std::vector<SortedIndex::Entry>& entries : keys) {
+        entries.reserve(table.size());
+    }
+    for (const auto& leaf : table.leaves()) {
+        collectKeys(entity, *leaf, keys);
+    }
+    std::vector<std::shared_ptr<const SortedIndex>> indexes;
+    indexes.reserve(keys.size());
+    for (std::vector<SortedIndex::Entry>& entries : keys) {
+        indexes.push_back(SortedIndex::build(std::move(entries)));
+    }
+    return indexes;
+}
+
 }  // namespace
 
 Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
@@ -196,19 +213,7 @@ Result<void> NSPersistentStore::loadEntity(
         writer.endRow();
     }
     auto table = std::make_shared<TableVersion>(writer.finish());
-    IndexEntries keys(entity.indexes.size());
-    for (std::vector<SortedIndex::Entry>& entries : keys) {
-        entries.reserve(table->size());
-    }
-    for (const auto& leaf : table->leaves()) {
-        collectKeys(entity, *leaf, keys);
-    }
-    std::vector<std::shared_ptr<const SortedIndex>> indexes;
-    indexes.reserve(keys.size());
-    for (std::vector<SortedIndex::Entry>& entries : keys) {
-        indexes.push_back(SortedIndex::build(std::move(entries)));
-    }
-    table->setIndexes(std::move(indexes));
+    table->setIndexes(indexesOf(entity, *table));
     tables[index] = std::move(table);
     const Result<bool> hasCounter = counter.value().step();
     if (!hasCounter) {

@@ -13,25 +13,12 @@
 
 namespace tavrion {
 
-/// The file system that SQLite sees, over the true one.
-class FaultyDisk::FileSystem {
+namespace {
+
+/// Which operations fail, and how.
+class DiskFault {
   public:
-    FileSystem() : real_(sqlite3_vfs_find(nullptr)), shown_(*real_) {
-        shown_.pNext = nullptr;
-        shown_.zName = "faulty";
-        shown_.pAppData = this;
-        shown_.szOsFile = static_cast<int>(sizeof(File)) + real_->szOsFile;
-        shown_.xOpen = open;
-        shown_.xDelete = remove;
-        const int code = sqlite3_vfs_register(&shown_, 1);
-        precondition(code == SQLITE_OK, "SQLite takes another file system");
-    }
-    ~FileSystem() {
-        sqlite3_vfs_unregister(&shown_);
-        sqlite3_vfs_register(real_, 1);
-    }
-    FileSystem(const FileSystem&) = delete;
-    FileSystem& operator=(const FileSystem&) = delete;
+    enum class Operation { write, sync, truncate, remove, map };
 
     void arm(std::size_t operations, DiskError error, bool forGood) {
         MutexLock lock(mutex_);
@@ -49,24 +36,6 @@ class FaultyDisk::FileSystem {
         MutexLock lock(mutex_);
         return failed_;
     }
-
-  private:
-    enum class Operation { write, sync, truncate, remove, map };
-
-    /// What SQLite holds of an open file. Behind it lies the true one.
-    struct File {
-        sqlite3_file base;
-        FileSystem* owner;
-        const char* name;
-
-        static File& of(sqlite3_file* file) { return *reinterpret_cast<File*>(file); }
-        static sqlite3_file* real(sqlite3_file* file) {
-            return reinterpret_cast<sqlite3_file*>(reinterpret_cast<char*>(file) + sizeof(File));
-        }
-        static const sqlite3_io_methods& call(sqlite3_file* file) { return *real(file)->pMethods; }
-    };
-
-    static FileSystem& of(sqlite3_vfs* shown) { return *static_cast<FileSystem*>(shown->pAppData); }
 
     /// The code with which the operation fails; SQLITE_OK lets it through.
     int failure(Operation operation, const char* file) {
@@ -89,6 +58,8 @@ class FaultyDisk::FileSystem {
         errno = error_ == DiskError::noSpace ? ENOSPC : EIO;
         return codeOf(operation);
     }
+
+  private:
     int codeOf(Operation operation) const TAVRION_REQUIRES(mutex_) {
         switch (operation) {
             case Operation::write:
@@ -121,6 +92,56 @@ class FaultyDisk::FileSystem {
         return "";
     }
 
+    mutable Mutex mutex_;
+    bool armed_ TAVRION_GUARDED_BY(mutex_) = false;
+    std::size_t left_ TAVRION_GUARDED_BY(mutex_) = 0;
+    DiskError error_ TAVRION_GUARDED_BY(mutex_) = DiskError::noSpace;
+    bool forGood_ TAVRION_GUARDED_BY(mutex_) = false;
+    std::string failed_ TAVRION_GUARDED_BY(mutex_);
+};
+
+}  // namespace
+
+/// The file system that SQLite sees, over the true one.
+class FaultyDisk::FileSystem {
+  public:
+    FileSystem() : real_(sqlite3_vfs_find(nullptr)), shown_(*real_) {
+        shown_.pNext = nullptr;
+        shown_.zName = "faulty";
+        shown_.pAppData = this;
+        shown_.szOsFile = static_cast<int>(sizeof(File)) + real_->szOsFile;
+        shown_.xOpen = open;
+        shown_.xDelete = remove;
+        const int code = sqlite3_vfs_register(&shown_, 1);
+        precondition(code == SQLITE_OK, "SQLite takes another file system");
+    }
+    ~FileSystem() {
+        sqlite3_vfs_unregister(&shown_);
+        sqlite3_vfs_register(real_, 1);
+    }
+    FileSystem(const FileSystem&) = delete;
+    FileSystem& operator=(const FileSystem&) = delete;
+
+    DiskFault& fault() { return fault_; }
+
+  private:
+    using Operation = DiskFault::Operation;
+
+    /// What SQLite holds of an open file. Behind it lies the true one.
+    struct File {
+        sqlite3_file base;
+        FileSystem* owner;
+        const char* name;
+
+        static File& of(sqlite3_file* file) { return *reinterpret_cast<File*>(file); }
+        static sqlite3_file* real(sqlite3_file* file) {
+            return reinterpret_cast<sqlite3_file*>(reinterpret_cast<char*>(file) + sizeof(File));
+        }
+        static const sqlite3_io_methods& call(sqlite3_file* file) { return *real(file)->pMethods; }
+    };
+
+    static FileSystem& of(sqlite3_vfs* shown) { return *static_cast<FileSystem*>(shown->pAppData); }
+
     static int open(sqlite3_vfs* shown, sqlite3_filename name, sqlite3_file* file, int flags,
                     int* outFlags) {
         FileSystem& owner = of(shown);
@@ -135,28 +156,30 @@ class FaultyDisk::FileSystem {
     }
     static int remove(sqlite3_vfs* shown, const char* name, int syncFolder) {
         FileSystem& owner = of(shown);
-        const int code = owner.failure(Operation::remove, name);
+        const int code = owner.fault_.failure(Operation::remove, name);
         return code != SQLITE_OK ? code : owner.real_->xDelete(owner.real_, name, syncFolder);
     }
 
     static int write(sqlite3_file* file, const void* bytes, int length, sqlite3_int64 offset) {
-        const int code = File::of(file).owner->failure(Operation::write, File::of(file).name);
+        const int code =
+            File::of(file).owner->fault_.failure(Operation::write, File::of(file).name);
         const int written = code == SQLITE_OK ? length : length / 2;
         const int done = File::call(file).xWrite(File::real(file), bytes, written, offset);
         return code != SQLITE_OK ? code : done;
     }
     static int truncate(sqlite3_file* file, sqlite3_int64 size) {
-        const int code = File::of(file).owner->failure(Operation::truncate, File::of(file).name);
+        const int code =
+            File::of(file).owner->fault_.failure(Operation::truncate, File::of(file).name);
         return code != SQLITE_OK ? code : File::call(file).xTruncate(File::real(file), size);
     }
     static int sync(sqlite3_file* file, int flags) {
-        const int code = File::of(file).owner->failure(Operation::sync, File::of(file).name);
+        const int code = File::of(file).owner->fault_.failure(Operation::sync, File::of(file).name);
         return code != SQLITE_OK ? code : File::call(file).xSync(File::real(file), flags);
     }
     static int map(sqlite3_file* file, int region, int size, int extends, void volatile** memory) {
-        const int code = extends != 0
-                             ? File::of(file).owner->failure(Operation::map, File::of(file).name)
-                             : SQLITE_OK;
+        const int code =
+            extends != 0 ? File::of(file).owner->fault_.failure(Operation::map, File::of(file).name)
+                         : SQLITE_OK;
         return code != SQLITE_OK
                    ? code
                    : File::call(file).xShmMap(File::real(file), region, size, extends, memory);
@@ -211,28 +234,23 @@ class FaultyDisk::FileSystem {
 
     sqlite3_vfs* const real_;
     sqlite3_vfs shown_;
-    mutable Mutex mutex_;
-    bool armed_ TAVRION_GUARDED_BY(mutex_) = false;
-    std::size_t left_ TAVRION_GUARDED_BY(mutex_) = 0;
-    DiskError error_ TAVRION_GUARDED_BY(mutex_) = DiskError::noSpace;
-    bool forGood_ TAVRION_GUARDED_BY(mutex_) = false;
-    std::string failed_ TAVRION_GUARDED_BY(mutex_);
+    DiskFault fault_;
 };
 
 FaultyDisk::FaultyDisk() : fileSystem_(std::make_unique<FileSystem>()) {}
 FaultyDisk::~FaultyDisk() = default;
 
 void FaultyDisk::failAfter(std::size_t operations, DiskError error, bool forGood) {
-    fileSystem_->arm(operations, error, forGood);
+    fileSystem_->fault().arm(operations, error, forGood);
 }
 void FaultyDisk::repair() {
-    fileSystem_->disarm();
+    fileSystem_->fault().disarm();
 }
 bool FaultyDisk::hasFailed() const {
-    return !fileSystem_->failed().empty();
+    return !fileSystem_->fault().failed().empty();
 }
 std::string FaultyDisk::failedOperation() const {
-    return fileSystem_->failed();
+    return fileSystem_->fault().failed();
 }
 
 }  // namespace tavrion
