@@ -12,16 +12,18 @@ TOOLS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "to
 
 
 class Tree(unittest.TestCase):
-    """A project root of its own, with a copy of one tool."""
+    """A project root of its own, with a copy of one tool and of those it calls."""
 
     tool = ""
+    called = ()
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.root = os.path.realpath(folder.name)
         os.makedirs(os.path.join(self.root, "tools"))
-        shutil.copy(os.path.join(TOOLS, self.tool), os.path.join(self.root, "tools", self.tool))
+        for tool in (self.tool, *self.called):
+            shutil.copy(os.path.join(TOOLS, tool), os.path.join(self.root, "tools", tool))
 
     def write(self, path, text, executable=False):
         full = os.path.join(self.root, path)
@@ -179,6 +181,7 @@ class FuzzTest(Tree):
 
 class LintTest(Tree):
     tool = "lint"
+    called = ("bodies",)
 
     def setUp(self):
         super().setUp()
@@ -186,10 +189,10 @@ class LintTest(Tree):
         self.write("src/A.qml", "Item {}\n" * 300)
         self.assertEqual(self.run_command("git", "init", "-q").returncode, 0)
 
-    def words(self, text):
+    def paths(self, text):
         self.write("docs/page.md", text)
         self.assertEqual(self.run_command("git", "add", ".").returncode, 0)
-        return self.run_tool("words")
+        return self.run_tool("paths")
 
     def test_files_of_the_greatest_size_pass(self):
         self.assertEqual(self.run_tool("sizes").returncode, 0)
@@ -203,18 +206,47 @@ class LintTest(Tree):
                 self.assertIn(f"{path}:{lines}: over", result.stdout)
                 os.remove(os.path.join(self.root, path))
 
-    def test_plain_text_passes_the_words_and_so_does_the_tool_itself(self):
-        result = self.words("What special parts 12 of a spectre do at work: see docs/page.md, Part 7.\n")
+    def test_a_function_too_long_fails_wherever_it_is(self):
+        for folder in ("src", "tests"):
+            with self.subTest(folder=folder):
+                self.write(f"{folder}/B.cpp", "int f() {\n" + "\n" * 60 + "}\n")
+                result = self.run_tool("sizes")
+                self.assertEqual(result.returncode, 1)
+                self.assertIn(f"{folder}/B.cpp:1: f has 62 lines", result.stdout)
+                os.remove(os.path.join(self.root, folder, "B.cpp"))
+
+    def test_a_folder_of_tests_without_what_it_tests_fails(self):
+        for folder in ("src/room/deep", "tests/room/deep", "tests/data/sub", "tests/integration", "tests/support", "tests/tools"):
+            os.makedirs(os.path.join(self.root, folder))
+        self.assertEqual(self.run_tool("folders").returncode, 0)
+        for folder in ("tests/attic", "tests/room/other", "tests/room/data"):
+            with self.subTest(folder=folder):
+                os.makedirs(os.path.join(self.root, folder))
+                result = self.run_tool("folders")
+                self.assertEqual(result.returncode, 1)
+                self.assertIn(f"{folder}: there is no src/{folder[6:]}", result.stdout)
+                os.rmdir(os.path.join(self.root, folder))
+
+    def test_paths_of_every_system_and_relative_ones_pass_and_so_does_the_tool_itself(self):
+        result = self.paths("#!/usr/bin/env python3\n/etc/localtime, /var/lib, ../tmp/a, $HOME/work/a, ${place}/opt/a, a/home/b\n"
+                            "https://host/root/a, tests/tmp/a, */tmp/*, a home/work/tmp, /tmp, ~/work/a, {root}/srv/a\n"
+                            "/home/user/Music, file:///Users/listener/Music, --data-dir /tmp/try, (/tmp/try)\n")
         self.assertEqual(result.returncode, 0, result.stdout)
 
-    def test_text_that_names_what_is_outside_fails(self):
-        # Put together here, so that this file does not hold them either.
-        for text in ("as the speci" + "fication says", "See the Sp" + "ec.", "sp" + "ec.md", "as Par" + "t 1.3 says",
-                     "Par" + "ts 2.1 and 2.2", "in /wo" + "rk/main", "in /tmp/bash" + "_jobs.0"):
+    def test_a_path_of_one_machine_fails(self):
+        for folder in ("home", "root", "work", "tmp", "Users", "opt", "mnt", "media", "srv", "private", "workspace"):
+            for text in (f"/{folder}/anna/x", f"see '/{folder}/.x'", f"a=/{folder}/1", f"file:///{folder}/x", f"-I/{folder}/x"):
+                with self.subTest(text=text):
+                    result = self.paths(f"first line\n{text}\n")
+                    self.assertEqual(result.returncode, 1)
+                    self.assertIn("docs/page.md:2:", result.stdout)
+        for text in (f"/{'home'}/users", f"/{'tmp'}/try2", f"/{'tmp'}/try and /{'tmp'}/other"):
             with self.subTest(text=text):
-                result = self.words(f"first line\n{text}\n")
-                self.assertEqual(result.returncode, 1)
-                self.assertIn(f"docs/page.md:2:{text}", result.stdout)
+                self.assertEqual(self.paths(text).returncode, 1)
+
+    def test_a_path_in_a_file_that_git_does_not_know_yet_fails(self):
+        self.write("docs/new.md", f"/{'work'}/x")
+        self.assertIn("docs/new.md:1:", self.run_tool("paths").stdout)
 
     def test_an_unknown_check_is_wrong_usage(self):
         self.assertEqual(self.run_tool("beauty").returncode, 2)
