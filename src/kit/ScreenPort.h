@@ -31,6 +31,9 @@ enum class ScreenSignal {
     lightImpact,
     /// Whoever is in front is asked when a tab is tapped.
     becomeTabBarDelegate,
+    /// What is typed goes to the search bar, or no longer.
+    beginTyping,
+    endTyping,
 };
 
 using ScreenEvent = std::variant<Route, Alert, Tooltip, UIMenu, PlaylistRequest, ScreenSignal>;

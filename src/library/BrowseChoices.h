@@ -25,6 +25,13 @@ struct BrowseChoices {
     /// What the user chose last. A grouping that is not offered is kept as it is.
     static BrowseChoices stored();
 
+    /// Of the two menus, in their order.
+    static std::vector<std::string> groupTitles();
+    static std::vector<std::string> sortTitles();
+    /// Between the place in the menu and what is stored. What is not offered reads as songs.
+    static MPMediaGrouping groupingForIndex(std::size_t index);
+    static std::size_t indexForGrouping(MPMediaGrouping grouping);
+
     bool operator==(const BrowseChoices&) const = default;
 };
 

@@ -4,6 +4,7 @@
 #include <tuple>
 #include <utility>
 
+#include "library/RVMetadataManager.h"
 #include "library/RVQueryManager+Results.h"
 #include "library/RVQueryManager+Statistics.h"
 #include "library/SortedEntities.h"
@@ -54,21 +55,6 @@ std::optional<EntitySection> sectionAboveSongs(MPMediaGrouping grouping) {
 
 }  // namespace
 
-const EntityList* EntitySnapshot::list(EntitySection section) const {
-    const auto found = std::find_if(lists.begin(), lists.end(), [&](const EntityList& each) {
-        return each.section == section;
-    });
-    return found == lists.end() ? nullptr : &*found;
-}
-
-std::vector<EntitySection> EntitySnapshot::sections() const {
-    std::vector<EntitySection> found{EntitySection::statistics, EntitySection::recentActivity};
-    for (const EntityList& each : lists) {
-        found.push_back(each.section);
-    }
-    return found;
-}
-
 EntityLists::EntityLists(MPMediaEntity entity) : entity_(std::move(entity)) {
     if (const MPMediaItemCollection* collection = entity_.collection()) {
         itemsQuery_ = collection->itemsQuery();
@@ -91,20 +77,34 @@ Entities EntityLists::results(EntitySection section, const EntitySort& sort) {
                                            sort.reverse);
 }
 
-EntitySnapshot EntityLists::fullBuild(const SortOfSection& sortOfSection) {
-    EntitySnapshot snapshot;
-    snapshot.statistics =
+/// An album in the order of its tracks shows their numbers.
+EntityList EntityLists::listOf(EntitySection section, const EntitySort& sort,
+                               Entities entities) const {
+    const bool showsTracks =
+        sort.type == RVSortTypeAlphabetical && entity_.groupingType() == MPMediaGrouping::album;
+    EntityRows rows = showsTracks ? EntityRows(std::move(entities), sort.type, RowNumbers::tracks)
+                                  : EntityRows::ranked(std::move(entities), sort.type);
+    return {section, sort, std::move(rows)};
+}
+
+EntityPage EntityLists::fullBuild(const SortOfSection& sortOfSection) {
+    EntityPage page;
+    page.entity = entity_;
+    page.header = EntityTexts::header(entity_);
+    page.statistics =
         RVQueryManager::statsForMediaEntity(entity_).value_or(std::vector<RVStatisticReference>());
+    page.lastPlayed = RVMetadataManager::lastPlayedDateForMediaEntity(entity_);
     if (!itemsQuery_) {
-        return snapshot;
+        return page;
     }
     if (const auto section = sectionAboveSongs(entity_.groupingType())) {
-        snapshot.lists.push_back({*section, results(*section, sortOfSection(*section))});
+        const EntitySort sort = sortOfSection(*section);
+        page.lists.push_back(listOf(*section, sort, results(*section, sort)));
     }
     const EntitySort sort = sortOfSection(EntitySection::songs);
-    snapshot.lists.push_back(
-        {EntitySection::songs, inFirstOrder(results(EntitySection::songs, sort), sort)});
-    return snapshot;
+    page.lists.push_back(listOf(EntitySection::songs, sort,
+                                inFirstOrder(results(EntitySection::songs, sort), sort)));
+    return page;
 }
 
 Entities EntityLists::inFirstOrder(Entities songs, const EntitySort& sort) const {
@@ -116,31 +116,17 @@ Entities EntityLists::inFirstOrder(Entities songs, const EntitySort& sort) const
                : songs;
 }
 
-Entities EntityLists::reloadedList(EntitySection section, const EntitySort& sort) {
+EntityList EntityLists::reloadedList(EntitySection section, const EntitySort& sort) {
     if (!itemsQuery_) {
-        return {};
+        return {section, sort, {}};
     }
     Entities list = results(section, sort);
-    if (section != EntitySection::songs || sort.type != RVSortTypeAlphabetical) {
-        return list;
+    if (section == EntitySection::songs && sort.type == RVSortTypeAlphabetical) {
+        list = entity_.groupingType() == MPMediaGrouping::album
+                   ? sortedByDiscAndTrack(std::move(list))
+                   : sortedByTitle(std::move(list), !sort.reverse);
     }
-    return entity_.groupingType() == MPMediaGrouping::album
-               ? sortedByDiscAndTrack(std::move(list))
-               : sortedByTitle(std::move(list), !sort.reverse);
-}
-
-EntitySnapshot EntityLists::withList(EntitySnapshot snapshot, EntityList list) {
-    if (list.entities.empty()) {
-        return snapshot;
-    }
-    for (EntityList& each : snapshot.lists) {
-        if (each.section == list.section) {
-            each = std::move(list);
-            return snapshot;
-        }
-    }
-    snapshot.lists.push_back(std::move(list));
-    return snapshot;
+    return listOf(section, sort, std::move(list));
 }
 
 }  // namespace tavrion

@@ -10,28 +10,10 @@
 #include <optional>
 #include <vector>
 
-#include "library/EntitySections.h"
-#include "library/RVStatistic.h"
+#include "library/EntityPage.h"
 #include "platform/mediaplayer/MPMediaQuery.h"
 
 namespace tavrion {
-
-struct EntityList {
-    EntitySection section = EntitySection::songs;
-    std::vector<MPMediaEntity> entities;
-};
-
-/// What a page shows. The chart's section stands between the tiles and the lists; its bars come
-/// later.
-struct EntitySnapshot {
-    std::vector<RVStatisticReference> statistics;
-    std::vector<EntityList> lists;
-
-    /// Null when the page has no such list.
-    const EntityList* list(EntitySection section) const;
-    /// The numbers of all sections, from the top.
-    std::vector<EntitySection> sections() const;
-};
 
 class EntityLists {
   public:
@@ -40,21 +22,21 @@ class EntityLists {
     explicit EntityLists(MPMediaEntity entity);
 
     const MPMediaEntity& entity() const { return entity_; }
-    /// The whole page. In their first sort the songs of an artist or a genre come by title whatever
-    /// `reverse` says.
-    EntitySnapshot fullBuild(const SortOfSection& sortOfSection);
+    /// The whole page but for its chart, whose plays are read later. In their first sort the songs
+    /// of an artist or a genre come by title whatever `reverse` says.
+    EntityPage fullBuild(const SortOfSection& sortOfSection);
     /// One list in another sort. In the first, a playlist comes by title and an album by disc and
     /// track whatever `reverse` says.
-    std::vector<MPMediaEntity> reloadedList(EntitySection section, const EntitySort& sort);
+    EntityList reloadedList(EntitySection section, const EntitySort& sort);
 
-    /// The snapshot with the list in place of the one it had; unchanged for an empty list.
-    static EntitySnapshot withList(EntitySnapshot snapshot, EntityList list);
     static MPMediaGrouping groupTypeOfSection(EntitySection section);
 
   private:
     std::vector<MPMediaEntity> results(EntitySection section, const EntitySort& sort);
     std::vector<MPMediaEntity> inFirstOrder(std::vector<MPMediaEntity> songs,
                                             const EntitySort& sort) const;
+    EntityList listOf(EntitySection section, const EntitySort& sort,
+                      std::vector<MPMediaEntity> entities) const;
 
     MPMediaEntity entity_;
     /// One for all lists, never a copy: a filter that one list needs stays on for those after it.

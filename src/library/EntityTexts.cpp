@@ -54,20 +54,4 @@ EntityHeader header(const MPMediaEntity& entity) {
     return header;
 }
 
-EntityRank rankOfEntity(const MPMediaEntity& entity, std::size_t index, RVSortType sortType,
-                        const MPMediaEntity& page) {
-    EntityRank rank;
-    rank.property = RVMetadataManager::sortPropertyForMediaEntity(entity, sortType);
-    const MPMediaItem* song = entity.item();
-    if (sortType == RVSortTypeAlphabetical && page.groupingType() == MPMediaGrouping::album &&
-        song != nullptr) {
-        rank.text = std::to_string(song->albumTrackNumber());
-        rank.isShown = true;
-    } else if (RVMetadataManager::sortTypeIsRanked(sortType)) {
-        rank.text = std::to_string(index + 1);
-        rank.isShown = true;
-    }
-    return rank;
-}
-
 }  // namespace tavrion::EntityTexts

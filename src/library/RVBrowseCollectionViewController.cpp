@@ -1,21 +1,15 @@
 #include "library/RVBrowseCollectionViewController.h"
 
-#include "kit/RVAlertManager.h"
 #include "library/RVMetadataManager.h"
-#include "library/RVQueryManager+Results.h"
-#include "platform/dispatch/MainQueue.h"
+#include "library/search/SearchTerm.h"
 #include "platform/foundation/NSLocalizedString.h"
+#include "recording/RVQueryManager.h"
 
 namespace tavrion {
 
 namespace {
 
 constexpr NSTimeInterval tooltipDelay = 0.3;
-
-std::vector<MPMediaEntity> listOf(const BrowseChoices& choices) {
-    return RVQueryManager::resultsForQuery(nullptr, choices.groupType, choices.sortType,
-                                           choices.reverse);
-}
 
 /// Empty tiles: they only tell the places apart until their values are worked out.
 std::vector<RVStatisticReference> freshStatistics() {
@@ -29,159 +23,197 @@ std::vector<RVStatisticReference> freshStatistics() {
 
 }  // namespace
 
-RVBrowseCollectionViewController::RVBrowseCollectionViewController(BrowseScreen& screen)
-    : screen_(screen), search_(*this, dataSourceTaskQueue_) {}
-
-std::shared_ptr<RVBrowseCollectionViewController> RVBrowseCollectionViewController::make(
-    BrowseScreen& screen) {
-    return std::shared_ptr<RVBrowseCollectionViewController>(
-        new RVBrowseCollectionViewController(screen));
+void RVBrowseCollectionViewController::viewDidLoad() {
+    change([](BrowsePage& page) { page.choices = BrowseChoices::stored(); });
+    updateDataSource();
+    // Any other grouping finds its list again when the artists are chosen.
+    compilations_ = NSUserDefaults::standardUserDefaults().addObserver(
+        RVQueryManager::splitCompilationsKey, &Port<MainQueue>::current(),
+        ifAlive([](auto& self, const std::string&, const Value&) {
+            if (self.state()->choices.groupType == MPMediaGrouping::albumArtist) {
+                self.updateDataSource();
+            }
+        }));
 }
 
-void RVBrowseCollectionViewController::viewDidLoad() {
-    MainQueue& mainQueue = Port<MainQueue>::current();
-    mainQueue.assertCurrent();
-    choices_ = BrowseChoices::stored();
-    updateDataSource();
-    // Any other grouping finds its list anew when the artists are chosen.
-    compilations_ = NSUserDefaults::standardUserDefaults().addObserver(
-        RVQueryManager::splitCompilationsKey, &mainQueue,
-        [weak = weak_from_this()](const std::string&, const Value&) {
-            const auto self = weak.lock();
-            if (self && self->choices_.groupType == MPMediaGrouping::albumArtist) {
-                self->updateDataSource();
-            }
-        });
+void RVBrowseCollectionViewController::viewDidAppear() {
+    emit(ScreenSignal::becomeTabBarDelegate);
+    if (!state()->hidesSearchBarWhenScrolling) {
+        change([](BrowsePage& page) { page.hidesSearchBarWhenScrolling = true; });
+    }
+}
+
+void RVBrowseCollectionViewController::viewWillDisappear() {
+    emit(ScreenSignal::endTyping);
 }
 
 void RVBrowseCollectionViewController::updateDataSource() {
     dataSourceTaskQueue_->async(
-        [weak = weak_from_this(), choices = choices_, results = queryResults_] {
-            results->list = listOf(choices);
-            BrowseSnapshot found{freshStatistics(), std::nullopt};
-            if (!results->list.empty()) {
-                found.list = results->list;
+        [weak = weak_from_this(), choices = state()->choices, results = queryResults_] {
+            if (weak.expired()) {
+                return;
             }
-            Port<MainQueue>::current().async([weak, found = std::move(found)]() mutable {
-                if (const auto self = weak.lock()) {
-                    self->publish(std::move(found), true);
-                    self->showOnboardingTooltips();
-                }
-            });
+            results->list = libraryList(choices);
+            toMain(weak, [list = results->list](auto& self) { self.publishLibrary(list); });
         });
+}
+
+void RVBrowseCollectionViewController::publishLibrary(EntityRows list) {
+    isRebuildComing_ = true;
+    change(
+        [&](BrowsePage& page) {
+            page.isLoading = false;
+            page.statistics = freshStatistics();
+            page.list = list.isEmpty() ? std::nullopt : std::optional(asShownNow(std::move(list)));
+            page.search.clear();
+        },
+        StateChange::animated);
 }
 
 void RVBrowseCollectionViewController::sortDataSourceWithAnimation(bool animated) {
     dataSourceTaskQueue_->async(
-        [weak = weak_from_this(), choices = choices_, animated, results = queryResults_] {
-            results->list = listOf(choices);
-            Port<MainQueue>::current().async([weak, list = results->list, animated]() mutable {
-                if (const auto self = weak.lock()) {
-                    self->publish(
-                        {self->snapshot_->statistics, std::move(list), self->snapshot_->search},
-                        animated);
-                    self->screen_.refreshRankValues();
-                }
+        [weak = weak_from_this(), choices = state()->choices, animated, results = queryResults_] {
+            if (weak.expired()) {
+                return;
+            }
+            results->list = libraryList(choices);
+            toMain(weak, [list = results->list, animated](auto& self) {
+                self.change([&](BrowsePage& page) { page.list = self.asShownNow(list); },
+                            animated ? StateChange::animated : StateChange::immediate);
             });
         });
 }
 
-void RVBrowseCollectionViewController::publish(BrowseSnapshot snapshot, bool animated) {
-    snapshot_ = std::make_shared<const BrowseSnapshot>(std::move(snapshot));
-    screen_.applySnapshot(*snapshot_, animated);
+/// While somebody searches, also the library that is still on view has no ranks.
+EntityRows RVBrowseCollectionViewController::asShownNow(EntityRows list) const {
+    return state()->isSearchActive ? list.asHits() : std::move(list);
 }
 
-std::optional<std::size_t> RVBrowseCollectionViewController::rankAtIndex(std::size_t index) const {
-    return !isSearchActive() && RVMetadataManager::sortTypeIsRanked(choices_.sortType)
-               ? std::optional(index + 1)
-               : std::nullopt;
-}
-
-NSAttributedString RVBrowseCollectionViewController::propertyOfEntity(
-    const MPMediaEntity& entity) const {
-    return RVMetadataManager::sortPropertyForMediaEntity(entity, choices_.sortType);
-}
-
-void RVBrowseCollectionViewController::loadStatistic(
+ScreenRequest RVBrowseCollectionViewController::loadStatistic(
     std::uint64_t index, std::function<void(RVStatisticReference)> loaded) {
-    statHandlingQueue_->async([index, loaded = std::move(loaded)] {
-        Port<MainQueue>::current().async(
-            [loaded, statistic = statForIndex(index)] { loaded(statistic); });
-    });
+    return load(
+        *statHandlingQueue_, [index] { return statForIndex(index); }, std::move(loaded));
 }
 
-void RVBrowseCollectionViewController::loadRow(
-    const MPMediaEntity& entity, std::function<void(UIImage, NSAttributedString)> loaded) {
-    const RVSortType shown = isSearchActive() ? RVSortTypeAlphabetical : choices_.sortType;
-    imageHandlingQueue_->async([entity, sortType = shown, loaded = std::move(loaded)] {
-        Port<MainQueue>::current().async(
-            [loaded, artwork = RVMetadataManager::artworkForEntity(entity),
-             property = RVMetadataManager::sortPropertyForMediaEntity(entity, sortType)] {
-                loaded(artwork, property);
-            });
+ScreenRequest RVBrowseCollectionViewController::loadRow(const EntityRows& rows, std::size_t place,
+                                                        std::function<void(PicturedRow)> loaded) {
+    return load(
+        *imageHandlingQueue_, [rows, place] { return rows.picturedRow(place); }, std::move(loaded));
+}
+
+void RVBrowseCollectionViewController::beginSearch() {
+    if (state()->isSearchActive) {
+        return;
+    }
+    change([](BrowsePage& page) {
+        page.isSearchActive = true;
+        if (page.list) {
+            page.list = page.list->asHits();
+        }
     });
 }
 
 void RVBrowseCollectionViewController::searchBarTextDidBeginEditing() {
-    screen_.scrollToTop();
-    search_.searchBarTextDidBeginEditing();
+    emit(ScreenSignal::scrollToTop);
+    beginSearch();
+    search_.prepare();
+    // After whatever the lists' queue has to do before.
+    dataSourceTaskQueue_->async([weak = weak_from_this()] {
+        toMain(weak, [](auto& self) {
+            self.change([](BrowsePage& page) { page.statistics.clear(); }, StateChange::animated);
+        });
+    });
 }
 
 void RVBrowseCollectionViewController::updateSearchResultsForSearchController(
     std::string_view searchBarText) {
-    search_.updateSearchResultsForSearchController(searchBarText);
+    typed_ = searchBarText;
+    const std::string_view term = trimmedTerm(searchBarText);
+    if (term.empty()) {
+        return;
+    }
+    beginSearch();
+    search_.look(std::string(term), ifAlive([](auto& self, const SearchSnapshot& sections) {
+                     self.publishSearch(sections);
+                 }));
+}
+
+void RVBrowseCollectionViewController::publishSearch(const SearchSnapshot& sections) {
+    change(
+        [&](BrowsePage& page) {
+            page.statistics.clear();
+            page.list.reset();
+            page.search = sections;
+            page.layout = BrowseLayout::search;
+        },
+        StateChange::animated);
 }
 
 void RVBrowseCollectionViewController::searchBarCancelButtonClicked() {
-    search_.searchBarCancelButtonClicked();
+    search_.cancel();
+    typed_.clear();
+    change([](BrowsePage& page) { page.isSearchActive = false; });
+    dataSourceTaskQueue_->async([weak = weak_from_this(), results = queryResults_] {
+        toMain(weak, [list = results->list](auto& self) { self.publishLibraryAgain(list); });
+    });
 }
 
-std::optional<BrowseSearch::AllResults> RVBrowseCollectionViewController::showAllResults(
-    std::uint64_t actionButtonTag) const {
-    return search_.showAllResults(actionButtonTag);
+/// Also an empty library has its section then.
+void RVBrowseCollectionViewController::publishLibraryAgain(EntityRows list) {
+    change(
+        [&](BrowsePage& page) {
+            page.statistics = freshStatistics();
+            page.list = asShownNow(std::move(list));
+            page.search.clear();
+            page.layout = BrowseLayout::library;
+        },
+        StateChange::animated);
+    search_.forgetResults();
 }
 
-bool RVBrowseCollectionViewController::isSearchActive() const {
-    return search_.state() != BrowseSearch::State::idle;
+void RVBrowseCollectionViewController::showAllResults(std::uint64_t actionButtonTag) {
+    const std::shared_ptr<const SearchResults> results = search_.results();
+    if (const FoundEntities* list = resultsForTag(*results, actionButtonTag)) {
+        emit(Route(FoundEntitiesRoute{typed_, *list}));
+    }
 }
 
-Work RVBrowseCollectionViewController::withoutStatistics() {
-    dataSourceTaskQueue_->assertCurrent();
-    // What the lists' queue made before is on view by then.
-    return [this] { publish({{}, snapshot_->list, snapshot_->search}, true); };
+void RVBrowseCollectionViewController::didSelectItem(const MPMediaEntity& entity) {
+    if (!entity.isEmpty()) {
+        emit(Route(EntityRoute{entity}));
+    }
 }
 
-Work RVBrowseCollectionViewController::libraryAgain() {
-    dataSourceTaskQueue_->assertCurrent();
-    return [this, library = BrowseSnapshot{freshStatistics(), queryResults_->list}] {
-        screen_.setLayout(BrowseLayout::library);
-        publish(library, true);
-    };
+bool RVBrowseCollectionViewController::shouldSelectViewController(bool isSelectedTab,
+                                                                  bool isOnTopOfItsStack,
+                                                                  bool isAtTop) {
+    if (isSelectedTab && isOnTopOfItsStack) {
+        emit(isAtTop ? ScreenSignal::beginTyping : ScreenSignal::scrollToTop);
+    }
+    return true;
 }
 
-void RVBrowseCollectionViewController::showSearch(const SearchSnapshot& sections) {
-    publish({{}, std::nullopt, sections}, true);
-    screen_.setLayout(BrowseLayout::search);
+void RVBrowseCollectionViewController::snapshotDidApply(bool isGroupingButtonKnown) {
+    if (std::exchange(isRebuildComing_, false) && isGroupingButtonKnown) {
+        showOnboardingTooltips();
+    }
 }
 
 void RVBrowseCollectionViewController::showOnboardingTooltips() {
-    if (NSUserDefaults::standardUserDefaults().boolForKey(onboardingKey) ||
-        !screen_.isGroupingButtonKnown()) {
+    if (NSUserDefaults::standardUserDefaults().boolForKey(onboardingKey)) {
         return;
     }
-    tooltip_ = Port<TimerService>::current().schedule(tooltipDelay, Port<MainQueue>::current(),
-                                                      [weak = weak_from_this()] {
-                                                          if (const auto self = weak.lock()) {
-                                                              self->presentGroupingsTooltip();
-                                                          }
-                                                      });
-}
-
-void RVBrowseCollectionViewController::presentGroupingsTooltip() {
-    screen_.presentTooltip(
-        NSLocalizedString("Groupings"),
-        NSLocalizedString("Change your grouping to view artists, albums, playlists, and genres."),
-        [] { NSUserDefaults::standardUserDefaults().setObject(onboardingKey, true); });
+    tooltip_ = Port<TimerService>::current().schedule(
+        tooltipDelay, Port<MainQueue>::current(), ifAlive([](auto& self) {
+            self.emit(
+                Tooltip{.title = NSLocalizedString("Groupings"),
+                        .text = NSLocalizedString(
+                            "Change your grouping to view artists, albums, playlists, and genres."),
+                        .source = groupingButton,
+                        .presented = [] {
+                            NSUserDefaults::standardUserDefaults().setObject(onboardingKey, true);
+                        }});
+        }));
 }
 
 }  // namespace tavrion

@@ -2,68 +2,74 @@
 
 #include <utility>
 
-#include "platform/dispatch/MainQueue.h"
+#include "library/RVMetadataManager.h"
+#include "platform/mediaplayer/MPMusicPlayerController.h"
+#include "recording/MPMediaItem+Nerinda.h"
+#include "recording/PlaybackHistory.h"
 #include "recording/RecordStore.h"
 
 namespace tavrion {
 
+RVEntityCollectionViewController::RVEntityCollectionViewController(MPMediaEntity entity)
+    : lists_(std::make_shared<EntityLists>(std::move(entity))) {}
+
 std::shared_ptr<RVEntityCollectionViewController> RVEntityCollectionViewController::make(
-    EntityScreen& screen, MPMediaEntity entity) {
-    return std::shared_ptr<RVEntityCollectionViewController>(
-        new RVEntityCollectionViewController(screen, std::move(entity)));
+    MPMediaEntity entity) {
+    auto controller = std::make_shared<RVEntityCollectionViewController>(entity);
+    controller->change([&](EntityPage& page) {
+        page.entity = entity;
+        page.header = EntityTexts::header(entity);
+    });
+    return controller;
 }
 
 void RVEntityCollectionViewController::viewDidLoad() {
     updateDataSourceWithAnimation(true);
 }
 
-void RVEntityCollectionViewController::publish(EntitySnapshot snapshot, bool animated,
-                                               const std::function<void()>& then) {
-    auto shared = std::make_shared<const EntitySnapshot>(std::move(snapshot));
-    Port<MainQueue>::current().async(
-        [self = shared_from_this(), shared = std::move(shared), animated, then] {
-            self->snapshot_ = shared;
-            if (self->screen_ != nullptr) {
-                self->screen_->applySnapshot(*shared, animated);
-                then();
-            }
-        });
-}
-
 void RVEntityCollectionViewController::updateDataSourceWithAnimation(bool animated) {
-    Port<MainQueue>::current().assertCurrent();
-    dataSourceTaskQueue_->async([self = shared_from_this(), animated] {
-        self->built_ = self->lists_.fullBuild(EntitySections::sortForSection);
-        self->publish(self->built_, animated, [self] { self->layoutRecentActivityChart(); });
+    dataSourceTaskQueue_->async([weak = weak_from_this(), lists = lists_, animated] {
+        if (weak.expired()) {
+            return;
+        }
+        auto page =
+            std::make_shared<const EntityPage>(lists->fullBuild(EntitySections::sortForSection));
+        toMain(weak, [page = std::move(page), animated](auto& self) {
+            self.isBuildComing_ = true;
+            self.publish(page, animated ? StateChange::animated : StateChange::immediate);
+        });
     });
 }
 
 void RVEntityCollectionViewController::reloadSection(EntitySection section, RVSortType sortType,
                                                      bool reverse) {
-    Port<MainQueue>::current().assertCurrent();
-    dataSourceTaskQueue_->async(
-        [self = shared_from_this(), section, sort = EntitySort{sortType, reverse}] {
-            EntityList list{section, self->lists_.reloadedList(section, sort)};
-            if (list.entities.empty()) {
-                return;
+    const EntitySort sort{sortType, reverse};
+    dataSourceTaskQueue_->async([weak = weak_from_this(), lists = lists_, section, sort] {
+        if (weak.expired()) {
+            return;
+        }
+        toMain(weak, [list = lists->reloadedList(section, sort)](auto& self) {
+            if (!list.rows.isEmpty()) {
+                self.change([&](EntityPage& page) { page.setList(list); }, StateChange::animated);
             }
-            self->built_ = EntityLists::withList(std::move(self->built_), std::move(list));
-            self->publish(self->built_, true, [self] { self->screen_->refreshRankValues(); });
         });
+    });
+}
+
+void RVEntityCollectionViewController::snapshotDidApply(bool isChartOnHand) {
+    if (std::exchange(isBuildComing_, false) && isChartOnHand) {
+        layoutRecentActivityChart();
+    }
 }
 
 void RVEntityCollectionViewController::layoutRecentActivityChart() {
-    Port<MainQueue>::current().assertCurrent();
-    if (screen_ == nullptr || !screen_->isChartOnHand()) {
-        return;
-    }
     const auto context = Port<RecordStore>::current().privateContext();
-    context->performBlock([self = shared_from_this(), context] {
-        const EntityActivity activity = recentActivity(self->entity_, *context);
-        Port<MainQueue>::current().async([self, activity] {
-            if (self->screen_ != nullptr) {
-                self->screen_->showRecentActivity(activity);
-            }
+    context->performBlock([weak = weak_from_this(), context, entity = state()->entity] {
+        if (weak.expired()) {
+            return;
+        }
+        toMain(weak, [activity = recentActivity(entity, *context)](auto& self) {
+            self.change([&](EntityPage& page) { page.activity = activity; }, StateChange::animated);
         });
     });
 }
@@ -73,19 +79,18 @@ bool RVEntityCollectionViewController::hasActionButton(EntitySection section) {
 }
 
 bool RVEntityCollectionViewController::hasHistoryFooter(bool hasNavigation) const {
-    return hasNavigation && entity_.item() != nullptr;
+    return hasNavigation && state()->entity.item() != nullptr;
 }
 
 UIMenu RVEntityCollectionViewController::sortMenuForButton(EntitySection section) {
     const EntitySort current = EntitySections::sortForSection(section);
     UIMenu menu;
-    for (const std::string& title : EntitySections::sortTitlesForSection(section, entity_)) {
+    for (const std::string& title :
+         EntitySections::sortTitlesForSection(section, state()->entity)) {
         const RVSortType type = menu.children.size();
-        UIAction action{.title = title, .handler = [weak = weak_from_this(), section, type] {
-                            if (const auto self = weak.lock()) {
-                                self->chooseSort(section, type);
-                            }
-                        }};
+        UIAction action{.title = title, .handler = ifAlive([section, type](auto& self) {
+                                            self.chooseSort(section, type);
+                                        })};
         if (type == current.type) {
             action.image =
                 UIImage::systemImageNamed(current.reverse ? "chevron.down" : "chevron.up");
@@ -99,36 +104,62 @@ void RVEntityCollectionViewController::chooseSort(EntitySection section, RVSortT
     const EntitySort sort =
         EntitySections::chosenSort(EntitySections::sortForSection(section), sortType);
     EntitySections::storeSort(sort, section);
-    if (screen_ != nullptr) {
-        screen_->sortButtonDidChange(section);
-    }
+    change([&](EntityPage& page) { page.setSort(section, sort); });
     reloadSection(section, sort.type, sort.reverse);
 }
 
-EntityRank RVEntityCollectionViewController::rankEntityCell(EntitySection section,
-                                                            std::size_t index) const {
-    const EntityList* list = snapshot_->list(section);
-    if (list == nullptr || index >= list->entities.size()) {
-        return {};
+void RVEntityCollectionViewController::playMediaEntity() {
+    emit(ScreenSignal::lightImpact);
+    const std::optional<MPMediaItemCollection> items = state()->itemsToPlay();
+    if (!items) {
+        return;
     }
-    return EntityTexts::rankOfEntity(list->entities[index], index,
-                                     EntitySections::sortTypeForSection(section), entity_);
+    MPMusicPlayerController& player = MPMusicPlayerController::systemMusicPlayer();
+    player.setQueueWithDescriptor(MPMusicPlayerMediaItemQueueDescriptor(*items));
+    player.setShuffleMode(MPMusicShuffleMode::off);
+    player.prepareToPlay();
+    player.play();
 }
 
-std::optional<MPMediaItemCollection> RVEntityCollectionViewController::itemsToPlay() const {
-    if (const MPMediaItem* song = entity_.item()) {
-        return MPMediaItemCollection({*song});
+void RVEntityCollectionViewController::showArtist() {
+    if (const auto artist = EntityTexts::artistForEntity(state()->entity)) {
+        emit(Route(EntityRoute{*artist}));
     }
-    const EntityList* songs = snapshot_->list(EntitySection::songs);
-    if (songs == nullptr) {
-        return std::nullopt;
+}
+
+void RVEntityCollectionViewController::showTrackHistory() {
+    const MPMediaItem* song = state()->entity.item();
+    if (song == nullptr) {
+        return;
     }
-    std::vector<MPMediaItem> items;
-    items.reserve(songs->entities.size());
-    for (const MPMediaEntity& song : songs->entities) {
-        items.push_back(*song.item());
+    if (const auto history = Nerinda::playbackHistory(*song)) {
+        emit(Route(
+            SongHistoryRoute{RVMetadataManager::titleForMediaItem(*song), history->objectID()}));
     }
-    return MPMediaItemCollection(std::move(items));
+}
+
+void RVEntityCollectionViewController::didSelectItem(const MPMediaEntity& entity) {
+    if (!entity.isEmpty()) {
+        emit(Route(EntityRoute{entity}));
+    }
+}
+
+ScreenRequest RVEntityCollectionViewController::loadRow(EntitySection section, std::size_t place,
+                                                        std::function<void(PicturedRow)> loaded) {
+    const EntityList* list = state()->list(section);
+    if (list == nullptr || place >= list->rows.size()) {
+        return {};
+    }
+    return load(
+        *imageHandlingQueue_, [rows = list->rows, place] { return rows.picturedRow(place); },
+        std::move(loaded));
+}
+
+ScreenRequest RVEntityCollectionViewController::loadArtwork(std::function<void(UIImage)> loaded) {
+    return load(
+        *imageHandlingQueue_,
+        [entity = state()->entity] { return RVMetadataManager::artworkForEntity(entity); },
+        std::move(loaded));
 }
 
 }  // namespace tavrion

@@ -1,53 +1,30 @@
 // The page of one song, album, artist, album artist, genre or playlist.
 //
 // Queue: the main queue for everything. Lists are built on a serial queue of the page's own, in the
-// order of the calls, and published on the main queue as an immutable snapshot; plays are read on a
-// private context. Who owns: the screen, by shared pointer; work under way keeps the page alive,
-// and what comes after the screen has gone is shown to nobody. Built once: nothing is watched, a
-// page stays as it was built until it is opened again. Absent: a song has no lists and no sort
-// buttons.
+// order of the calls; plays are read on a private context. Who owns: see ScreenController. Built
+// once: nothing is watched, a page stays as it was built until it is opened again. Absent: a song
+// has no lists and no sort buttons.
 #pragma once
 
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string>
-#include <vector>
 
-#include "kit/UIMenu.h"
-#include "library/EntityActivity.h"
+#include "kit/ScreenController.h"
 #include "library/EntityLists.h"
-#include "library/EntityTexts.h"
-#include "platform/dispatch/DispatchQueue.h"
 
 namespace tavrion {
 
-/// The page as it is seen. Called on the main queue.
-class EntityScreen {
+class RVEntityCollectionViewController final
+    : public ScreenController<RVEntityCollectionViewController, EntityPage> {
   public:
-    virtual ~EntityScreen() = default;
-    virtual void applySnapshot(const EntitySnapshot& snapshot, bool animated) = 0;
-    /// The visible rows show other ranks and values.
-    virtual void refreshRankValues() = 0;
-    /// The button and the menu of a list are others.
-    virtual void sortButtonDidChange(EntitySection section) = 0;
-    /// Whether the chart is on view; one that is not stays empty for good.
-    virtual bool isChartOnHand() const = 0;
-    /// Bars, or the words for no activity.
-    virtual void showRecentActivity(const EntityActivity& activity) = 0;
-};
-
-class RVEntityCollectionViewController
-    : public std::enable_shared_from_this<RVEntityCollectionViewController> {
-  public:
-    /// `screen` says by screenDidGo() when it goes.
-    static std::shared_ptr<RVEntityCollectionViewController> make(EntityScreen& screen,
-                                                                  MPMediaEntity entity);
-    void screenDidGo() { screen_ = nullptr; }
+    /// The header is there from the beginning.
+    static std::shared_ptr<RVEntityCollectionViewController> make(MPMediaEntity entity);
+    explicit RVEntityCollectionViewController(MPMediaEntity entity);
 
     void viewDidLoad();
-    const MPMediaEntity& entity() const { return entity_; }
-    const EntitySnapshot& snapshot() const { return *snapshot_; }
+    /// The window reports that the page stands as it was handed over, and whether the chart is on
+    /// view. After a full build the chart follows; one that is not on view stays empty for good.
+    void snapshotDidApply(bool isChartOnHand);
 
     /// The whole page.
     void updateDataSourceWithAnimation(bool animated);
@@ -61,32 +38,33 @@ class RVEntityCollectionViewController
     static bool hasActionButton(EntitySection section);
     /// What leads to a song's plays stands under the chart of a song, where pages can be pushed.
     bool hasHistoryFooter(bool hasNavigation) const;
-    /// Also walks the row's songs: for the pictures' queue, with the row's values at hand.
-    EntityRank rankEntityCell(EntitySection section, std::size_t index) const;
 
-    EntityHeader header() const { return EntityTexts::header(entity_); }
-    std::optional<MPMediaItemCollection> artistForEntity() const {
-        return EntityTexts::artistForEntity(entity_);
-    }
-    /// What playing the page queues, in this order and unshuffled: the songs as they are shown, or
-    /// the song. Absent for anything else.
-    std::optional<MPMediaItemCollection> itemsToPlay() const;
+    /// Plays the page from its beginning, unshuffled.
+    void playMediaEntity();
+    /// Leads to the page of the album artist, where there is one.
+    void showArtist();
+    /// Leads to the plays of a song.
+    void showTrackHistory();
+    /// Leads to the page of a row.
+    void didSelectItem(const MPMediaEntity& entity);
+
+    /// A row with its picture; a place that the page does not have is not answered.
+    [[nodiscard]] ScreenRequest loadRow(EntitySection section, std::size_t place,
+                                        std::function<void(PicturedRow)> loaded);
+    /// The picture of the header.
+    [[nodiscard]] ScreenRequest loadArtwork(std::function<void(UIImage)> loaded);
 
   private:
-    RVEntityCollectionViewController(EntityScreen& screen, MPMediaEntity entity)
-        : screen_(&screen), entity_(entity), lists_(std::move(entity)) {}
-    void publish(EntitySnapshot snapshot, bool animated, const std::function<void()>& then);
     void chooseSort(EntitySection section, RVSortType sortType);
 
-    /// Null once it has gone.
-    EntityScreen* screen_;
-    const MPMediaEntity entity_;
-    std::shared_ptr<const EntitySnapshot> snapshot_ = std::make_shared<EntitySnapshot>();
     const std::shared_ptr<DispatchQueue> dataSourceTaskQueue_ =
         DispatchQueue::serial("dataSourceTaskQueue");
-    /// These two on that queue alone.
-    EntityLists lists_;
-    EntitySnapshot built_;
+    const std::shared_ptr<DispatchQueue> imageHandlingQueue_ =
+        DispatchQueue::serial("imageHandlingQueue");
+    /// Of the lists' queue.
+    const std::shared_ptr<EntityLists> lists_;
+    /// A full build was handed over and does not stand yet.
+    bool isBuildComing_ = false;
 };
 
 }  // namespace tavrion

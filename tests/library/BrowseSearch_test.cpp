@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "library/search/SearchTerm.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/foundation/NSUserDefaults.h"
@@ -11,34 +13,6 @@ namespace tavrion {
 namespace {
 
 using Names = std::vector<std::string>;
-
-/// Notes what it is told to show.
-class NotingPage final : public BrowseSearch::Page {
-  public:
-    explicit NotingPage(DispatchQueue& lists) : lists_(lists) {}
-
-    Work withoutStatistics() override {
-        lists_.assertCurrent();
-        return [this] { note("without statistics"); };
-    }
-    Work libraryAgain() override {
-        lists_.assertCurrent();
-        return [this, tiles = ++tilesMade] { note("library with tiles " + std::to_string(tiles)); };
-    }
-    void showSearch(const SearchSnapshot& sections) override {
-        note(sections.empty() ? "nothing" : stringOfEntity(sections[0].rows.at(0), "title"));
-    }
-
-    Names shown;
-    int tilesMade = 0;
-
-  private:
-    void note(const std::string& what) {
-        Port<MainQueue>::current().assertCurrent();
-        shown.push_back(what);
-    }
-    DispatchQueue& lists_;
-};
 
 class BrowseSearchTest : public testing::Test {
   protected:
@@ -51,7 +25,13 @@ class BrowseSearchTest : public testing::Test {
     /// A worker counts its work as ended a moment after the test has seen the work's effect.
     ~BrowseSearchTest() override { settle(); }
 
-    void type(std::string_view text) { search_->updateSearchResultsForSearchController(text); }
+    void look(const char* term) {
+        search_->look(term, [this](const SearchSnapshot& sections) {
+            mainQueue_->assertCurrent();
+            shown_.push_back(sections.empty() ? "nothing"
+                                              : stringOfEntity(sections[0].rows[0], "title"));
+        });
+    }
     void settle() { mainQueue_->runUntilIdle(); }
 
     std::shared_ptr<MainQueue> mainQueue_ = MainQueue::make();
@@ -60,95 +40,59 @@ class BrowseSearchTest : public testing::Test {
     Port<NSUserDefaults>::Plug plug_{*defaults_};
     std::vector<TestSong> songs_;
     MediaLibraryFixture library_;
-    std::shared_ptr<DispatchQueue> lists_ = DispatchQueue::serial("dataSourceTaskQueue");
-    NotingPage page_{*lists_};
-    std::unique_ptr<BrowseSearch> search_ = std::make_unique<BrowseSearch>(page_, lists_);
+    Names shown_;
+    std::unique_ptr<BrowseSearch> search_ = std::make_unique<BrowseSearch>();
 };
 
-TEST_F(BrowseSearchTest, BeginningTakesTheStatisticsOffAndKeepsTheLibrary) {
-    EXPECT_EQ(search_->state(), BrowseSearch::State::idle);
-    search_->searchBarTextDidBeginEditing();
-    settle();
-    EXPECT_EQ(page_.shown, (Names{"without statistics"}));
-    EXPECT_EQ(search_->state(), BrowseSearch::State::editing);
-}
-
-TEST_F(BrowseSearchTest, ATermOfBlanksChangesNothingOnView) {
-    type(" \n ");
-    type("");
-    settle();
-    EXPECT_TRUE(page_.shown.empty());
-    type("x");
-    settle();
-    type("  ");
-    settle();
-    EXPECT_EQ(page_.shown, (Names{"x"}));
-    EXPECT_EQ(search_->state(), BrowseSearch::State::searching);
-    EXPECT_EQ(search_->results()->songs.size(), 1U);
-}
-
-TEST_F(BrowseSearchTest, TypingFastShowsTheLastTermAlone) {
+TEST_F(BrowseSearchTest, typingFastShowsTheLastTermAlone) {
     for (int round = 0; round < 20; ++round) {
-        page_.shown.clear();
-        type("a");
-        type("ab");
-        type("abc");
+        shown_.clear();
+        search_->prepare();
+        look("a");
+        look("ab");
+        look("abc");
         settle();
-        EXPECT_EQ(page_.shown, (Names{"abc"}));
+        EXPECT_EQ(shown_, (Names{"abc"}));
         EXPECT_EQ(search_->results()->songs.size(), 1U);
     }
 }
 
-TEST_F(BrowseSearchTest, HitsThatAreReadyAreDroppedWhenTheNextKeyComesFirst) {
-    type("a");
-    lists_->sync([] {});
-    // Whether the search has run by now or not: nothing was shown yet, since the main queue was
-    // busy here all the time.
-    type("x");
+TEST_F(BrowseSearchTest, hitsThatAreReadyAreDroppedWhenTheNextKeyComesFirst) {
+    look("a");
+    while (DispatchActivity::count() != 0) {
+        std::this_thread::yield();
+    }
+    // Nothing was shown yet, since the main queue was busy here all the time.
+    look("x");
     settle();
-    EXPECT_EQ(page_.shown, (Names{"x"}));
+    EXPECT_EQ(shown_, (Names{"x"}));
 }
 
-TEST_F(BrowseSearchTest, AfterCancelTheTilesAreNewAndTheResultsGone) {
-    search_->searchBarTextDidBeginEditing();
+TEST_F(BrowseSearchTest, whatIsCancelledIsNotShownThoughItsHitsAreKept) {
+    look("a");
+    while (DispatchActivity::count() != 0) {
+        std::this_thread::yield();
+    }
+    search_->cancel();
     settle();
-    type("a");
-    settle();
+    EXPECT_TRUE(shown_.empty());
     EXPECT_EQ(search_->results()->songs.size(), 3U);
-    search_->searchBarCancelButtonClicked();
-    settle();
-    EXPECT_EQ(page_.shown, (Names{"without statistics", "a", "library with tiles 1"}));
+    search_->forgetResults();
     EXPECT_TRUE(search_->results()->songs.empty());
-    EXPECT_EQ(search_->state(), BrowseSearch::State::idle);
-    search_->searchBarCancelButtonClicked();
-    settle();
-    EXPECT_EQ(page_.shown.back(), "library with tiles 2") << "made anew each time";
 }
 
-TEST_F(BrowseSearchTest, HitsThatComeLateDoNotCoverTheLibrary) {
-    type("a");
-    search_->searchBarCancelButtonClicked();
+TEST_F(BrowseSearchTest, aTermWithoutHitsShowsNothing) {
+    look("nowhere");
     settle();
-    EXPECT_EQ(page_.shown, (Names{"library with tiles 1"}));
+    EXPECT_EQ(shown_, (Names{"nothing"}));
 }
 
-TEST_F(BrowseSearchTest, SeeAllHasTheTextAsTypedAndTheWholeList) {
-    type(" a ");
-    settle();
-    const auto all = search_->showAllResults(4);
-    ASSERT_TRUE(all);
-    EXPECT_EQ(all->title, " a ");
-    EXPECT_EQ(all->entities.size(), 3U);
-    EXPECT_TRUE(search_->showAllResults(5)) << "an empty list is a list";
-    EXPECT_FALSE(search_->showAllResults(1));
-}
-
-TEST_F(BrowseSearchTest, APageThatGoesIsShownNothing) {
-    search_->searchBarTextDidBeginEditing();
-    type("a");
+TEST_F(BrowseSearchTest, aSearchThatGoesShowsNothing) {
+    search_->prepare();
+    look("a");
     search_.reset();
     settle();
-    EXPECT_TRUE(page_.shown.empty());
+    EXPECT_TRUE(shown_.empty());
 }
 
 }  // namespace

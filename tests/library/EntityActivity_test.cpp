@@ -4,10 +4,13 @@
 
 #include "library/RVEntityCollectionViewController.h"
 #include "platform/foundation/NSDate+Extended.h"
+#include "platform/mediaplayer/MPMusicPlayerController.h"
 #include "tests/support/RecordingEnvironment.h"
 
 namespace tavrion {
 namespace {
+
+using Names = std::vector<std::string>;
 
 constexpr double day = 86400;
 /// Noon of 2026-03-01 UTC.
@@ -15,25 +18,45 @@ constexpr double noon = 794059200;
 constexpr double today = noon - day / 2;
 constexpr double firstDay = today - 29 * day;
 
-/// Notes what it is told to show.
-class NotingScreen final : public EntityScreen {
+/// Notes what it is handed over, and reports as a window does.
+class NotingScreen final : public ScreenPort<EntityPage> {
   public:
-    void applySnapshot(const EntitySnapshot& snapshot, bool animated) override {
-        static_cast<void>(animated);
-        snapshots.push_back(snapshot);
+    void stateDidChange(std::shared_ptr<const EntityPage> page, StateChange how) override {
+        pages.push_back(std::move(page));
+        wasAnimated = how == StateChange::animated;
+        whenShown();
     }
-    void refreshRankValues() override { ++refreshes; }
-    void sortButtonDidChange(EntitySection section) override { changedButtons.push_back(section); }
-    bool isChartOnHand() const override { return hasChart; }
-    void showRecentActivity(const EntityActivity& activity) override {
-        activities.push_back(activity);
+    void emit(ScreenEvent event) override { events.push_back(std::move(event)); }
+    /// The last place that it was led to.
+    template <class Place>
+    const Place* lastRoute() const {
+        const auto* route = events.empty() ? nullptr : std::get_if<Route>(&events.back());
+        return route == nullptr ? nullptr : std::get_if<Place>(route);
     }
 
-    bool hasChart = true;
-    int refreshes = 0;
-    std::vector<EntitySnapshot> snapshots;
-    std::vector<EntitySection> changedButtons;
-    std::vector<EntityActivity> activities;
+    std::function<void()> whenShown = [] {};
+    bool wasAnimated = false;
+    std::vector<std::shared_ptr<const EntityPage>> pages;
+    std::vector<ScreenEvent> events;
+};
+
+class NotingPlayer final : public MPMusicPlayerController {
+  public:
+    void setQueueWithDescriptor(const MPMusicPlayerMediaItemQueueDescriptor& descriptor) override {
+        queued.clear();
+        for (const MPMediaItem& item : descriptor.itemCollection().items()) {
+            queued.emplace_back(*item.title());
+        }
+        commands.emplace_back("queue");
+    }
+    void setShuffleMode(MPMusicShuffleMode mode) override {
+        commands.emplace_back(mode == MPMusicShuffleMode::off ? "unshuffled" : "shuffled");
+    }
+    void prepareToPlay() override { commands.emplace_back("prepare"); }
+    void play() override { commands.emplace_back("play"); }
+
+    Names queued;
+    Names commands;
 };
 
 class EntityActivityTest : public testing::Test {
@@ -56,9 +79,17 @@ class EntityActivityTest : public testing::Test {
         environment_.saveMain();
         return recentActivity(entity, environment_.main());
     }
-    std::shared_ptr<RVEntityCollectionViewController> opened(const MPMediaEntity& entity) {
-        auto page = RVEntityCollectionViewController::make(screen_, entity);
+    std::shared_ptr<RVEntityCollectionViewController> made(const MPMediaEntity& entity) {
+        auto page = RVEntityCollectionViewController::make(entity);
+        attachment_ = page->attach(screen_);
+        screen_.whenShown = [this, weak = std::weak_ptr(page)] {
+            weak.lock()->snapshotDidApply(hasChart_);
+        };
         page->viewDidLoad();
+        return page;
+    }
+    std::shared_ptr<RVEntityCollectionViewController> opened(const MPMediaEntity& entity) {
+        auto page = made(entity);
         environment_.runUntilIdle();
         return page;
     }
@@ -67,6 +98,10 @@ class EntityActivityTest : public testing::Test {
     std::optional<PlaybackHistory> sky_;
     std::optional<PlaybackHistory> sea_;
     NotingScreen screen_;
+    NotingPlayer player_;
+    Port<MPMusicPlayerController>::Plug playerPlug_{player_};
+    bool hasChart_ = true;
+    ScreenAttachment attachment_;
 };
 
 TEST_F(EntityActivityTest, WithoutPlaysInTheThirtyDaysThereAreNoBars) {
@@ -106,24 +141,32 @@ TEST_F(EntityActivityTest, APlayAtTheFirstMidnightDoesNotCount) {
 TEST_F(EntityActivityTest, ThePageIsBuiltAndThenItsChart) {
     play(*sky_, today + 1);
     environment_.saveMain();
-    opened(band());
-    ASSERT_EQ(screen_.snapshots.size(), 1U);
-    EXPECT_EQ(screen_.snapshots[0].lists.size(), 2U);
-    ASSERT_EQ(screen_.activities.size(), 1U);
-    EXPECT_EQ(screen_.activities[0].days->at(29), 100);
+    const auto page = made(band());
+    EXPECT_EQ(page->state()->header.title, "Band") << "the header is there at once";
+    EXPECT_TRUE(page->state()->lists.empty());
+    environment_.runUntilIdle();
+    ASSERT_EQ(screen_.pages.size(), 2U);
+    EXPECT_EQ(screen_.pages[0]->lists.size(), 2U);
+    EXPECT_EQ(screen_.pages[0]->lastPlayedText(), "Last Played: —");
+    EXPECT_FALSE(screen_.pages[0]->activity);
+    ASSERT_TRUE(screen_.pages[1]->activity);
+    EXPECT_EQ(screen_.pages[1]->activity->days->at(29), 100);
+    EXPECT_EQ(screen_.pages[1]->lists.size(), 2U);
 }
 
 TEST_F(EntityActivityTest, AChartThatIsNotOnHandStaysEmpty) {
-    screen_.hasChart = false;
-    opened(band());
-    EXPECT_EQ(screen_.snapshots.size(), 1U);
-    EXPECT_TRUE(screen_.activities.empty());
+    hasChart_ = false;
+    const auto page = opened(band());
+    EXPECT_EQ(screen_.pages.size(), 1U);
+    page->snapshotDidApply(true);
+    environment_.runUntilIdle();
+    EXPECT_FALSE(page->state()->activity);
 }
 
 TEST_F(EntityActivityTest, ASongHasNoSortButtonAndAFooterUnderItsChart) {
     const auto page = opened(song("Sky"));
-    EXPECT_TRUE(page->snapshot().lists.empty());
-    for (const EntitySection section : page->snapshot().sections()) {
+    EXPECT_TRUE(page->state()->lists.empty());
+    for (const EntitySection section : page->state()->sections()) {
         EXPECT_FALSE(RVEntityCollectionViewController::hasActionButton(section));
     }
     EXPECT_TRUE(page->hasHistoryFooter(true));
@@ -140,46 +183,94 @@ TEST_F(EntityActivityTest, TheMenuStoresAndReloadsOneList) {
     EXPECT_EQ(menu.children[0].image, UIImage::systemImageNamed("chevron.up"));
     EXPECT_FALSE(menu.children[1].image);
     menu.children[1].handler();
+    const auto songs = [&] { return page->state()->list(EntitySection::songs); };
+    EXPECT_EQ(songs()->sort, (EntitySort{RVSortTypePlayCount, false})) << "the button at once";
     environment_.runUntilIdle();
-    EXPECT_EQ(screen_.changedButtons, (std::vector{EntitySection::songs}));
-    EXPECT_EQ(screen_.refreshes, 1);
-    EXPECT_EQ(screen_.activities.size(), 1U) << "the chart is read once";
-    const auto firstSong = [&] { return page->snapshot().list(EntitySection::songs)->entities[0]; };
-    EXPECT_EQ(firstSong(), song("Sea"));
-    EXPECT_EQ(page->rankEntityCell(EntitySection::songs, 0).text, "1");
+    EXPECT_TRUE(screen_.wasAnimated);
+    EXPECT_TRUE(page->state()->activity) << "the chart is read once, and stays";
+    EXPECT_EQ(songs()->rows[0], song("Sea"));
+    EXPECT_EQ(songs()->rows.number(0), 1U);
     menu = page->sortMenuForButton(EntitySection::songs);
     menu.children[1].handler();
     environment_.runUntilIdle();
-    EXPECT_EQ(firstSong(), song("Sky"));
+    EXPECT_EQ(songs()->rows[0], song("Sky"));
     EXPECT_EQ(page->sortMenuForButton(EntitySection::songs).children[1].image,
               UIImage::systemImageNamed("chevron.down"));
 }
 
-TEST_F(EntityActivityTest, PlayingQueuesTheSongsAsTheyAreShown) {
+TEST_F(EntityActivityTest, playingQueuesTheSongsAsTheyAreShownUnshuffled) {
     const auto page = opened(band());
-    const auto titles = [&] {
-        std::vector<std::string> found;
-        const auto queued = page->itemsToPlay();
-        for (const MPMediaItem& item : queued->items()) {
-            found.emplace_back(*item.title());
-        }
-        return found;
-    };
-    EXPECT_EQ(titles(), (std::vector<std::string>{"Sea", "Sky"}));
+    page->playMediaEntity();
+    EXPECT_EQ(player_.queued, (Names{"Sea", "Sky"}));
+    EXPECT_EQ(player_.commands, (Names{"queue", "unshuffled", "prepare", "play"}));
+    EXPECT_EQ(std::get<ScreenSignal>(screen_.events.back()), ScreenSignal::lightImpact);
     page->reloadSection(EntitySection::songs, RVSortTypeAlphabetical, true);
     environment_.runUntilIdle();
-    EXPECT_EQ(titles(), (std::vector<std::string>{"Sky", "Sea"}));
-    EXPECT_EQ(opened(song("Sky"))->itemsToPlay()->count(), 1U);
-    EXPECT_FALSE(opened(MPMediaEntity())->itemsToPlay());
+    page->playMediaEntity();
+    EXPECT_EQ(player_.queued, (Names{"Sky", "Sea"}));
+    opened(song("Sky"))->playMediaEntity();
+    EXPECT_EQ(player_.queued, (Names{"Sky"}));
+    player_.commands.clear();
+    opened(MPMediaEntity())->playMediaEntity();
+    EXPECT_TRUE(player_.commands.empty());
+}
+
+TEST_F(EntityActivityTest, thePageLeadsToItsArtistItsPlaysAndItsRows) {
+    const auto page = opened(song("Sky"));
+    page->showArtist();
+    ASSERT_NE(screen_.lastRoute<EntityRoute>(), nullptr);
+    EXPECT_EQ(screen_.lastRoute<EntityRoute>()->entity, band());
+    page->showTrackHistory();
+    ASSERT_NE(screen_.lastRoute<SongHistoryRoute>(), nullptr);
+    EXPECT_EQ(*screen_.lastRoute<SongHistoryRoute>(), (SongHistoryRoute{"Sky", sky_->objectID()}));
+    page->didSelectItem(song("Sea"));
+    ASSERT_NE(screen_.lastRoute<EntityRoute>(), nullptr);
+    EXPECT_EQ(screen_.lastRoute<EntityRoute>()->entity, song("Sea"));
+    screen_.events.clear();
+    page->didSelectItem(MPMediaEntity());
+    opened(band())->showTrackHistory();
+    opened(MPMediaEntity())->showArtist();
+    EXPECT_TRUE(screen_.events.empty());
+}
+
+TEST_F(EntityActivityTest, rowsAndThePictureOfTheHeaderArriveOnTheMainQueue) {
+    const auto page = opened(band());
+    std::optional<PicturedRow> row;
+    std::optional<UIImage> artwork;
+    const ScreenRequest first = page->loadRow(EntitySection::songs, 1, [&](PicturedRow loaded) {
+        environment_.mainQueue->assertCurrent();
+        row = std::move(loaded);
+    });
+    const ScreenRequest second = page->loadArtwork([&](UIImage image) { artwork = image; });
+    const ScreenRequest behind =
+        page->loadRow(EntitySection::songs, 2, [](const PicturedRow&) { FAIL(); });
+    EXPECT_FALSE(behind.isPending());
+    environment_.runUntilIdle();
+    ASSERT_TRUE(row);
+    EXPECT_EQ(row->row.entity, song("Sky"));
+    EXPECT_EQ(row->row.subtitle, "Band");
+    EXPECT_EQ(row->artwork.name(), "item");
+    ASSERT_TRUE(artwork);
+    EXPECT_EQ(artwork->name(), "list");
 }
 
 TEST_F(EntityActivityTest, AScreenThatHasGoneIsShownNothing) {
-    const auto page = RVEntityCollectionViewController::make(screen_, band());
-    page->viewDidLoad();
-    page->screenDidGo();
+    const auto page = made(band());
+    attachment_.detach();
     environment_.runUntilIdle();
-    EXPECT_TRUE(screen_.snapshots.empty());
-    EXPECT_TRUE(screen_.activities.empty());
+    EXPECT_TRUE(screen_.pages.empty());
+}
+
+TEST_F(EntityActivityTest, aScreenMayGoWhileItIsShownThePage) {
+    auto page = made(band());
+    screen_.whenShown = [&] {
+        page->snapshotDidApply(true);
+        attachment_.detach();
+        page.reset();
+    };
+    environment_.runUntilIdle();
+    EXPECT_EQ(screen_.pages.size(), 1U);
+    EXPECT_EQ(page, nullptr);
 }
 
 }  // namespace

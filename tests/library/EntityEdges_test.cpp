@@ -33,26 +33,26 @@ class EntityEdges : public testing::Test {
         }
         return found;
     }
-    static EntitySnapshot built(const MPMediaEntity& entity) {
+    static EntityPage built(const MPMediaEntity& entity) {
         return EntityLists(entity).fullBuild(EntitySections::sortForSection);
     }
     static Names builtNames(const MPMediaEntity& entity,
                             EntitySection section = EntitySection::songs) {
-        return names(built(entity).list(section)->entities);
+        return names(built(entity).list(section)->rows.entities());
     }
     static Names reloaded(const MPMediaEntity& entity, RVSortType type, bool reverse) {
-        return names(EntityLists(entity).reloadedList(EntitySection::songs, {type, reverse}));
+        return names(EntityLists(entity)
+                         .reloadedList(EntitySection::songs, {type, reverse})
+                         .rows.entities());
     }
-    /// Of the rows of the page's song list, under the stored sort.
-    static Names ranks(const MPMediaEntity& page) {
+    /// In front of the rows of the page's song list, under the stored sort.
+    static Names ranks(const MPMediaEntity& entity) {
         Names found;
-        const EntitySnapshot snapshot = built(page);
-        const auto& songs = snapshot.list(EntitySection::songs)->entities;
-        for (std::size_t i = 0; i < songs.size(); ++i) {
-            const EntityRank rank = EntityTexts::rankOfEntity(
-                songs[i], i, EntitySections::sortTypeForSection(EntitySection::songs), page);
-            EXPECT_EQ(rank.isShown, !rank.text.empty());
-            found.push_back(rank.text);
+        const EntityPage page = built(entity);
+        const EntityRows& songs = page.list(EntitySection::songs)->rows;
+        for (std::size_t place = 0; place < songs.size(); ++place) {
+            const auto number = songs.number(place);
+            found.push_back(number ? std::to_string(*number) : "");
         }
         return found;
     }
@@ -81,11 +81,12 @@ constexpr MPMediaGrouping playlist = MPMediaGrouping::playlist;
 
 TEST_F(EntityEdges, ASongHasNoLists) {
     publishAlbum();
-    const EntitySnapshot page = built(library_.song("Mole"));
+    const EntityPage page = built(library_.song("Mole"));
     EXPECT_EQ(page.sections(),
               (Sections{EntitySection::statistics, EntitySection::recentActivity}));
     EXPECT_EQ(page.statistics.size(), 5U);
-    EXPECT_TRUE(EntityLists(library_.song("Mole")).reloadedList(EntitySection::songs, {}).empty());
+    EXPECT_TRUE(
+        EntityLists(library_.song("Mole")).reloadedList(EntitySection::songs, {}).rows.isEmpty());
 }
 
 TEST_F(EntityEdges, EachKindHasItsSectionsInTheirOrder) {
@@ -199,30 +200,33 @@ TEST_F(EntityEdges, AGenresSplitLeavesItsFilterOnTheSongs) {
     EXPECT_EQ(builtNames(rock, EntitySection::artists), (Names{"A", "B", "C"}));
     EXPECT_EQ(builtNames(rock), (Names{"own"}));
     EntityLists lists(rock);
-    EXPECT_EQ(names(lists.reloadedList(EntitySection::songs, {})), (Names{"own", "track"}))
+    EXPECT_EQ(names(lists.reloadedList(EntitySection::songs, {}).rows.entities()),
+              (Names{"own", "track"}))
         << "the filter is not there before the artists were listed";
     lists.reloadedList(EntitySection::artists, {});
-    EXPECT_EQ(names(lists.reloadedList(EntitySection::songs, {})), (Names{"own"}));
+    EXPECT_EQ(names(lists.reloadedList(EntitySection::songs, {}).rows.entities()), (Names{"own"}));
 }
 
 TEST_F(EntityEdges, AnEmptyListIsShownAtFirstAndLeavesThePageAsItIsLater) {
     library_.publish({}, {{.name = "Empty", .persistentID = 1}});
     const MPMediaEntity empty = first(MPMediaQuery::playlistsQuery(), playlist);
-    const EntitySnapshot page = built(empty);
+    EntityPage page = built(empty);
     ASSERT_NE(page.list(EntitySection::songs), nullptr);
-    EXPECT_TRUE(page.list(EntitySection::songs)->entities.empty());
-    EXPECT_EQ(EntityLists::withList({}, {EntitySection::songs, {}}).lists.size(), 0U);
+    EXPECT_TRUE(page.list(EntitySection::songs)->rows.isEmpty());
+    page.lists.clear();
+    page.setList({EntitySection::songs, {}, {}});
+    EXPECT_TRUE(page.lists.empty());
 }
 
 TEST_F(EntityEdges, AReloadedListTakesThePlaceOfTheOldOneOrStandsAtTheEnd) {
     publishAlbum();
     const MPMediaEntity song = library_.song("Mole");
-    EntitySnapshot page = built(first(albumArtist));
-    page = EntityLists::withList(page, {EntitySection::albums, {song}});
+    EntityPage page = built(first(albumArtist));
+    page.setList({EntitySection::albums, {}, {{song}, RVSortTypeAlphabetical}});
     EXPECT_EQ(page.lists[0].section, EntitySection::albums);
-    EXPECT_EQ(page.lists[0].entities.size(), 1U);
-    EXPECT_EQ(page.lists[1].entities.size(), 3U);
-    page = EntityLists::withList(page, {EntitySection::artists, {song}});
+    EXPECT_EQ(page.lists[0].rows.size(), 1U);
+    EXPECT_EQ(page.lists[1].rows.size(), 3U);
+    page.setList({EntitySection::artists, {}, {{song}, RVSortTypeAlphabetical}});
     EXPECT_EQ(page.lists.back().section, EntitySection::artists);
 }
 
@@ -287,6 +291,20 @@ TEST_F(EntityEdges, ASongOfACompilationLeadsToTheCompilationsArtist) {
         EXPECT_EQ(artist->count(), 2U);
     }
     EXPECT_FALSE(EntityTexts::artistForEntity(MPMediaEntity()));
+}
+
+TEST_F(EntityEdges, theSortButtonSaysWhatIsChosenAlsoBeforeTheListIsThere) {
+    publishAlbum();
+    choose(EntitySection::songs, RVSortTypeAlphabetical, true);
+    EntityPage page = built(first(album));
+    const NSAttributedString title = page.sortButtonTitle(EntitySection::songs);
+    EXPECT_EQ(title.textWithoutAttachments(), "Track Order");
+    EXPECT_EQ(std::get<UIImage>(title.runs()[0]).name(), "chevron.down.square");
+    page.setSort(EntitySection::songs, {RVSortTypeDateAdded, false});
+    page.setSort(EntitySection::artists, {RVSortTypeDateAdded, false});
+    EXPECT_EQ(page.sortButtonTitle(EntitySection::songs).textWithoutAttachments(), "Date Added");
+    EXPECT_EQ(page.sections().size(), 3U);
+    EXPECT_EQ(page.list(EntitySection::songs)->rows.number(0), 1U) << "the rows follow later";
 }
 
 }  // namespace

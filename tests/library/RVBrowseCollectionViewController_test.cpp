@@ -7,11 +7,11 @@
 
 #include "kit/RVAlertManager.h"
 #include "library/RVMetadataManager.h"
-#include "library/RVQueryManager+Results.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "platform/testing/ManualClock.h"
 #include "platform/testing/MediaLibraryFixture.h"
+#include "recording/RVQueryManager.h"
 
 namespace tavrion {
 namespace {
@@ -25,37 +25,38 @@ NSDate daysAgo(double days) {
     return present.dateByAddingTimeInterval(-days * 86400);
 }
 
-class RecordingScreen final : public BrowseScreen {
+class RecordingScreen final : public ScreenPort<BrowsePage> {
   public:
-    void applySnapshot(const BrowseSnapshot& snapshot, bool animated) override {
-        snapshots.push_back(snapshot);
-        wasAnimated = animated;
+    void stateDidChange(std::shared_ptr<const BrowsePage> page, StateChange how) override {
+        pages.push_back(std::move(page));
+        wasAnimated = how == StateChange::animated;
+        whenShown();
     }
-    void setLayout(BrowseLayout layout) override { layouts.push_back(layout); }
-    void scrollToTop() override { ++scrolls; }
-    void refreshRankValues() override { ++rankRefreshes; }
-    void controlsDidChange() override { ++controlChanges; }
-    bool isGroupingButtonKnown() const override { return knowsGroupingButton; }
-    void presentTooltip(const std::string& title, const std::string& description,
-                        std::function<void()> presented) override {
-        tooltips.push_back(title + ": " + description);
-        presented();
+    void emit(ScreenEvent event) override {
+        if (const auto* tooltip = std::get_if<Tooltip>(&event)) {
+            tooltips.push_back(tooltip->source + ", " + tooltip->title + ": " + tooltip->text);
+            tooltip->presented();
+        } else if (const auto* route = std::get_if<Route>(&event)) {
+            routes.push_back(*route);
+        } else {
+            signals.push_back(std::get<ScreenSignal>(event));
+        }
     }
 
-    std::vector<BrowseSnapshot> snapshots;
+    std::vector<std::shared_ptr<const BrowsePage>> pages;
     Names tooltips;
-    std::vector<BrowseLayout> layouts;
-    int scrolls = 0;
-    int rankRefreshes = 0;
-    int controlChanges = 0;
-    bool knowsGroupingButton = true;
+    std::vector<Route> routes;
+    std::vector<ScreenSignal> signals;
+    std::function<void()> whenShown = [] {};
     bool wasAnimated = false;
 };
 
 class Browse : public testing::Test {
   protected:
     void load() {
-        controller_ = RVBrowseCollectionViewController::make(screen_);
+        controller_ = std::make_shared<RVBrowseCollectionViewController>();
+        attachment_ = controller_->attach(screen_);
+        screen_.whenShown = [this] { controller_->snapshotDidApply(knowsGroupingButton_); };
         controller_->viewDidLoad();
         mainQueue_->runUntilIdle();
     }
@@ -67,9 +68,16 @@ class Browse : public testing::Test {
         controller_->sortMenuForButton().children.at(sortType).handler();
         mainQueue_->runUntilIdle();
     }
+    const BrowsePage& page() const { return *controller_->state(); }
+    std::optional<std::uint64_t> rankAtIndex(std::size_t index) const {
+        return page().list->number(index);
+    }
+    std::string propertyAt(std::size_t index) const {
+        return page().list->row(index).property.textWithoutAttachments();
+    }
     Names titles() const {
         Names found;
-        for (const MPMediaEntity& entity : controller_->snapshot().list.value()) {
+        for (const MPMediaEntity& entity : page().list.value().entities()) {
             const auto title = RVMetadataManager::titleForMediaEntity(entity, std::nullopt);
             found.push_back(title ? title->textWithoutAttachments() : "(none)");
         }
@@ -96,18 +104,21 @@ class Browse : public testing::Test {
     Port<TimerService>::Plug timersPlug_{timers_};
     MediaLibraryFixture library_;
     RecordingScreen screen_;
+    bool knowsGroupingButton_ = true;
     std::shared_ptr<RVBrowseCollectionViewController> controller_;
+    ScreenAttachment attachment_;
 };
 
 TEST_F(Browse, FirstLaunchShowsSongsInAlphabeticalOrderAndTheHintOnce) {
     publishThreeSongs();
     load();
-    EXPECT_EQ(controller_->choices(), (BrowseChoices{MPMediaGrouping::title, 0, false}));
+    EXPECT_EQ(page().choices, (BrowseChoices{MPMediaGrouping::title, 0, false}));
     EXPECT_EQ(titles(), (Names{"A", "B", "C"}));
-    EXPECT_EQ(controller_->snapshot().statistics.size(), 8U);
+    EXPECT_EQ(page().statistics.size(), 8U);
     EXPECT_TRUE(screen_.wasAnimated);
-    EXPECT_EQ(screen_.tooltips, (Names{"Groupings: Change your grouping to view artists, albums, "
-                                       "playlists, and genres."}));
+    EXPECT_EQ(screen_.tooltips,
+              (Names{"groupingButton, Groupings: Change your grouping to view artists, albums, "
+                     "playlists, and genres."}));
     EXPECT_TRUE(defaults_->boolForKey("OnboardingGroupings"));
     controller_->updateDataSource();
     mainQueue_->runUntilIdle();
@@ -116,11 +127,11 @@ TEST_F(Browse, FirstLaunchShowsSongsInAlphabeticalOrderAndTheHintOnce) {
 }
 
 TEST_F(Browse, TheHintWaitsForTheGroupingButton) {
-    screen_.knowsGroupingButton = false;
+    knowsGroupingButton_ = false;
     load();
     EXPECT_TRUE(screen_.tooltips.empty());
     EXPECT_FALSE(defaults_->boolForKey("OnboardingGroupings"));
-    screen_.knowsGroupingButton = true;
+    knowsGroupingButton_ = true;
     controller_->updateDataSource();
     mainQueue_->runUntilIdle();
     EXPECT_EQ(screen_.tooltips.size(), 1U);
@@ -129,14 +140,13 @@ TEST_F(Browse, TheHintWaitsForTheGroupingButton) {
 TEST_F(Browse, PlayCountShowsTheMostPlayedFirstWithRanks) {
     publishThreeSongs();
     load();
-    EXPECT_EQ(controller_->rankAtIndex(0), std::nullopt);
+    EXPECT_EQ(rankAtIndex(0), std::nullopt);
     chooseSort(RVSortTypePlayCount);
     EXPECT_EQ(titles(), (Names{"B", "A", "C"}));
-    EXPECT_EQ(controller_->rankAtIndex(0), 1U);
-    EXPECT_EQ(controller_->rankAtIndex(1), 2U);
-    EXPECT_EQ(controller_->rankAtIndex(2), 3U);
-    EXPECT_EQ(screen_.rankRefreshes, 1);
-    EXPECT_EQ(screen_.controlChanges, 1);
+    EXPECT_EQ(rankAtIndex(0), 1U);
+    EXPECT_EQ(rankAtIndex(1), 2U);
+    EXPECT_EQ(rankAtIndex(2), 3U);
+    EXPECT_EQ(page().sortButtonTitle().textWithoutAttachments(), "Play Count");
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.sortType"), RVSortTypePlayCount);
 }
 
@@ -147,7 +157,7 @@ TEST_F(Browse, PlayCountAgainShowsTheLeastPlayedFirstWithRankOne) {
     EXPECT_EQ(chevronOf(RVSortTypePlayCount), "chevron.up");
     chooseSort(RVSortTypePlayCount);
     EXPECT_EQ(titles(), (Names{"C", "A", "B"}));
-    EXPECT_EQ(controller_->rankAtIndex(0), 1U);
+    EXPECT_EQ(rankAtIndex(0), 1U);
     EXPECT_EQ(chevronOf(RVSortTypePlayCount), "chevron.down");
     EXPECT_EQ(chevronOf(RVSortTypeAlphabetical), "");
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.reverse"), 1U);
@@ -159,7 +169,7 @@ TEST_F(Browse, AThirdSortTypeResetsReverse) {
     chooseSort(RVSortTypePlayCount);
     chooseSort(RVSortTypePlayCount);
     chooseSort(RVSortTypeTimeListened);
-    EXPECT_EQ(controller_->choices(),
+    EXPECT_EQ(page().choices,
               (BrowseChoices{MPMediaGrouping::title, RVSortTypeTimeListened, false}));
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.reverse"), 0U);
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.sortType"), RVSortTypeTimeListened);
@@ -171,10 +181,9 @@ TEST_F(Browse, LastPlayedShowsNoRanksAndTheDateAtTheRight) {
     load();
     chooseSort(RVSortTypeLastPlayed);
     EXPECT_EQ(titles(), (Names{"A", "C", "B"}));
-    EXPECT_EQ(controller_->rankAtIndex(0), std::nullopt);
-    const auto& list = *controller_->snapshot().list;
-    EXPECT_EQ(controller_->propertyOfEntity(list[0]).textWithoutAttachments(), "Yesterday");
-    EXPECT_EQ(controller_->propertyOfEntity(list[2]).textWithoutAttachments(), "Feb 19, 2026");
+    EXPECT_EQ(rankAtIndex(0), std::nullopt);
+    EXPECT_EQ(propertyAt(0), "Yesterday");
+    EXPECT_EQ(propertyAt(2), "Feb 19, 2026");
 }
 
 TEST_F(Browse, SplittingCompilationsRefreshesArtistsAtOnceAndAlbumsNot) {
@@ -183,10 +192,10 @@ TEST_F(Browse, SplittingCompilationsRefreshesArtistsAtOnceAndAlbumsNot) {
          {.title = "2", .artist = "Carol", .albumArtist = "Various Artists", .compilation = true}});
     load();
     chooseGrouping(1);
-    const std::size_t before = screen_.snapshots.size();
+    const std::size_t before = screen_.pages.size();
     defaults_->setObject(RVQueryManager::splitCompilationsKey, true);
     mainQueue_->runUntilIdle();
-    EXPECT_EQ(screen_.snapshots.size(), before);
+    EXPECT_EQ(screen_.pages.size(), before);
     defaults_->setObject(RVQueryManager::splitCompilationsKey, false);
     chooseGrouping(2);
     EXPECT_EQ(titles(), (Names{"Alice", "Various Artists"}));
@@ -197,22 +206,24 @@ TEST_F(Browse, SplittingCompilationsRefreshesArtistsAtOnceAndAlbumsNot) {
 
 TEST_F(Browse, AnEmptyLibraryHasNoListUntilAGroupingIsChosen) {
     load();
-    EXPECT_EQ(controller_->snapshot().list, std::nullopt);
-    EXPECT_EQ(controller_->snapshot().statistics.size(), 8U);
+    EXPECT_FALSE(page().isLoading);
+    EXPECT_FALSE(page().list);
+    EXPECT_EQ(page().statistics.size(), 8U);
     chooseGrouping(3);
-    EXPECT_EQ(controller_->snapshot().list, std::vector<MPMediaEntity>());
+    ASSERT_TRUE(page().list);
+    EXPECT_TRUE(page().list->isEmpty());
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.groupType"), 5U);
 }
 
 TEST_F(Browse, SortingKeepsTheTilesAndARebuildMakesThemAnew) {
     publishThreeSongs();
     load();
-    const auto tiles = controller_->snapshot().statistics;
+    const auto tiles = page().statistics;
     chooseSort(RVSortTypePlayCount);
-    EXPECT_EQ(controller_->snapshot().statistics, tiles);
+    EXPECT_EQ(page().statistics, tiles);
     controller_->updateDataSource();
     mainQueue_->runUntilIdle();
-    EXPECT_NE(controller_->snapshot().statistics, tiles);
+    EXPECT_NE(page().statistics, tiles);
 }
 
 TEST_F(Browse, TheGroupingsAreInTheMenusOrderAndKeepTheSort) {
@@ -232,14 +243,12 @@ TEST_F(Browse, TheGroupingsAreInTheMenusOrderAndKeepTheSort) {
         EXPECT_EQ(menu.children[index].title, expected[index].first);
         EXPECT_EQ(menu.children[index].image, std::nullopt);
         chooseGrouping(index);
-        EXPECT_EQ(controller_->choices(),
+        EXPECT_EQ(page().choices,
                   (BrowseChoices{expected[index].second, RVSortTypePlayCount, true}));
-        EXPECT_EQ(RVBrowseCollectionViewController::indexForGrouping(expected[index].second),
-                  index);
-        EXPECT_EQ(controller_->groupingButtonTitle().textWithoutAttachments(),
-                  expected[index].first);
+        EXPECT_EQ(BrowseChoices::indexForGrouping(expected[index].second), index);
+        EXPECT_EQ(page().groupingButtonTitle().textWithoutAttachments(), expected[index].first);
     }
-    EXPECT_EQ(RVBrowseCollectionViewController::groupingForIndex(5), MPMediaGrouping::title);
+    EXPECT_EQ(BrowseChoices::groupingForIndex(5), MPMediaGrouping::title);
 }
 
 TEST_F(Browse, AStoredGroupingThatIsNotOfferedIsTitledSongs) {
@@ -247,9 +256,9 @@ TEST_F(Browse, AStoredGroupingThatIsNotOfferedIsTitledSongs) {
     RVAlertManager::storeValue(2, "browse.groupType");
     RVAlertManager::storeValue(7, "browse.reverse");
     load();
-    EXPECT_TRUE(controller_->choices().reverse);
+    EXPECT_TRUE(page().choices.reverse);
     EXPECT_EQ(titles(), (Names{"Two", "One"}));
-    EXPECT_EQ(controller_->groupingButtonTitle().textWithoutAttachments(), "Songs");
+    EXPECT_EQ(page().groupingButtonTitle().textWithoutAttachments(), "Songs");
 }
 
 TEST_F(Browse, TheChoicesSurviveTheScreen) {
@@ -258,8 +267,7 @@ TEST_F(Browse, TheChoicesSurviveTheScreen) {
     chooseGrouping(1);
     chooseSort(RVSortTypeDateAdded);
     load();
-    EXPECT_EQ(controller_->choices(),
-              (BrowseChoices{MPMediaGrouping::album, RVSortTypeDateAdded, false}));
+    EXPECT_EQ(page().choices, (BrowseChoices{MPMediaGrouping::album, RVSortTypeDateAdded, false}));
 }
 
 TEST_F(Browse, TilesAndRowsArriveOnTheMainQueue) {
@@ -267,18 +275,87 @@ TEST_F(Browse, TilesAndRowsArriveOnTheMainQueue) {
     load();
     chooseSort(RVSortTypePlayCount);
     Names arrived;
+    std::vector<ScreenRequest> requests;
     for (std::uint64_t index = 0; index < 3; ++index) {
-        controller_->loadStatistic(
-            index, [&](const RVStatisticReference& tile) { arrived.push_back(tile->caption()); });
+        requests.push_back(controller_->loadStatistic(
+            index, [&](const RVStatisticReference& tile) { arrived.push_back(tile->caption()); }));
     }
-    controller_->loadRow(controller_->snapshot().list->front(),
-                         [&](const UIImage& artwork, const NSAttributedString& property) {
-                             EXPECT_EQ(artwork.name(), "item");
-                             EXPECT_EQ(property.textWithoutAttachments(), "7x");
-                             mainQueue_->assertCurrent();
-                         });
+    std::optional<PicturedRow> row;
+    requests.push_back(controller_->loadRow(*page().list, 0, [&](PicturedRow loaded) {
+        mainQueue_->assertCurrent();
+        row = std::move(loaded);
+    }));
     mainQueue_->runUntilIdle();
     EXPECT_EQ(arrived, (Names{"Songs", "Favorited", "Plays"}));
+    ASSERT_TRUE(row);
+    EXPECT_EQ(row->artwork.name(), "item");
+    EXPECT_EQ(row->row.title->textWithoutAttachments(), "B");
+    EXPECT_EQ(row->row.number, 1U);
+    EXPECT_EQ(row->row.property.textWithoutAttachments(), "7x");
+}
+
+TEST_F(Browse, whatWasAskedForIsNotAnsweredWhenNobodyLooks) {
+    publishThreeSongs();
+    load();
+    int answers = 0;
+    const auto count = [&](const auto&) { ++answers; };
+    ScreenRequest cancelled = controller_->loadStatistic(0, count);
+    cancelled.cancel();
+    const ScreenRequest row = controller_->loadRow(*page().list, 0, count);
+    const ScreenRequest tile = controller_->loadStatistic(1, count);
+    attachment_.detach();
+    mainQueue_->runUntilIdle();
+    EXPECT_EQ(answers, 0);
+}
+
+TEST_F(Browse, choosingARowLeadsToItsPage) {
+    publishThreeSongs();
+    load();
+    controller_->didSelectItem((*page().list)[1]);
+    controller_->didSelectItem(MPMediaEntity());
+    ASSERT_EQ(screen_.routes.size(), 1U);
+    EXPECT_EQ(std::get<EntityRoute>(screen_.routes[0]).entity, library_.song("B"));
+}
+
+TEST_F(Browse, theSecondTapOnTheTabGoesToTheTopAndThenToTheSearchBar) {
+    load();
+    EXPECT_FALSE(page().hidesSearchBarWhenScrolling);
+    controller_->viewDidAppear();
+    EXPECT_TRUE(page().hidesSearchBarWhenScrolling);
+    EXPECT_EQ(screen_.signals, (std::vector{ScreenSignal::becomeTabBarDelegate}));
+    screen_.signals.clear();
+    EXPECT_TRUE(controller_->shouldSelectViewController(false, true, false));
+    EXPECT_TRUE(controller_->shouldSelectViewController(true, false, false));
+    EXPECT_TRUE(screen_.signals.empty());
+    EXPECT_TRUE(controller_->shouldSelectViewController(true, true, false));
+    EXPECT_TRUE(controller_->shouldSelectViewController(true, true, true));
+    controller_->viewWillDisappear();
+    EXPECT_EQ(screen_.signals, (std::vector{ScreenSignal::scrollToTop, ScreenSignal::beginTyping,
+                                            ScreenSignal::endTyping}));
+}
+
+TEST_F(Browse, aScreenMayGoWhileItIsShownThePage) {
+    publishThreeSongs();
+    load();
+    const std::size_t before = screen_.pages.size();
+    screen_.whenShown = [this] {
+        attachment_.detach();
+        controller_.reset();
+    };
+    controller_->updateDataSource();
+    mainQueue_->runUntilIdle();
+    EXPECT_EQ(screen_.pages.size(), before + 1);
+    EXPECT_EQ(controller_, nullptr);
+}
+
+TEST_F(Browse, theSortButtonSaysWhatIsSortedByAndWhichWay) {
+    BrowsePage page;
+    const auto icon = [&] { return std::get<UIImage>(page.sortButtonTitle().runs()[0]).name(); };
+    EXPECT_EQ(page.sortButtonTitle().textWithoutAttachments(), "Alphabetical");
+    EXPECT_EQ(icon(), "chevron.up.square");
+    page.choices = {MPMediaGrouping::title, 9, true};
+    EXPECT_EQ(page.sortButtonTitle().textWithoutAttachments(), "Play Count");
+    EXPECT_EQ(icon(), "chevron.down.square");
 }
 
 class BrowseWhileSearching : public Browse {
@@ -296,13 +373,20 @@ class BrowseWhileSearching : public Browse {
         mainQueue_->runUntilIdle();
     }
     /// The right-hand value that a row gets which comes into view now.
-    std::string valueOfRow(const MPMediaEntity& entity) {
+    std::string valueOfRow(std::size_t place) {
         std::string value;
-        controller_->loadRow(entity, [&](const UIImage&, const NSAttributedString& text) {
-            value = text.textWithoutAttachments();
-        });
+        const ScreenRequest request =
+            controller_->loadRow(*page().list, place, [&](const PicturedRow& loaded) {
+                value = loaded.row.property.textWithoutAttachments();
+            });
         mainQueue_->runUntilIdle();
         return value;
+    }
+    const FoundEntitiesRoute* allResults(std::uint64_t tag) {
+        screen_.routes.clear();
+        controller_->showAllResults(tag);
+        return screen_.routes.empty() ? nullptr
+                                      : std::get_if<FoundEntitiesRoute>(screen_.routes.data());
     }
 };
 
@@ -310,11 +394,11 @@ TEST_F(BrowseWhileSearching, BeginningTakesTheStatisticsOffAndLeavesTheList) {
     publishThreeSongs();
     load();
     begin();
-    EXPECT_EQ(screen_.scrolls, 1);
-    EXPECT_TRUE(controller_->snapshot().statistics.empty());
+    EXPECT_EQ(screen_.signals, (std::vector{ScreenSignal::scrollToTop}));
+    EXPECT_TRUE(page().statistics.empty());
     EXPECT_EQ(titles(), (Names{"A", "B", "C"}));
     EXPECT_TRUE(screen_.wasAnimated);
-    EXPECT_TRUE(screen_.layouts.empty()) << "the layout of the library stays";
+    EXPECT_EQ(page().layout, BrowseLayout::library);
 }
 
 TEST_F(BrowseWhileSearching, HitsStandInPlaceOfEverythingInALayoutThatIsSetAnew) {
@@ -322,70 +406,70 @@ TEST_F(BrowseWhileSearching, HitsStandInPlaceOfEverythingInALayoutThatIsSetAnew)
     load();
     begin();
     type("A");
-    const BrowseSnapshot& shown = controller_->snapshot();
+    const BrowsePage& shown = page();
     EXPECT_TRUE(shown.statistics.empty());
     EXPECT_FALSE(shown.list);
     ASSERT_FALSE(shown.search.empty());
     EXPECT_EQ(shown.search.front().identifier->title, "Artists");
     type("B");
-    ASSERT_EQ(controller_->snapshot().search.size(), 2U) << "an album and its songs";
-    EXPECT_EQ(screen_.layouts, (std::vector{BrowseLayout::search, BrowseLayout::search}));
+    ASSERT_EQ(page().search.size(), 2U) << "an album and its songs";
+    EXPECT_EQ(page().layout, BrowseLayout::search);
+    EXPECT_TRUE(screen_.wasAnimated);
 }
 
 TEST_F(BrowseWhileSearching, ATermOfBlanksOnlyAndAnEmptiedBarChangeNothingOnView) {
     publishThreeSongs();
     load();
     begin();
-    const std::size_t before = screen_.snapshots.size();
+    const std::size_t before = screen_.pages.size();
     type(" \n");
-    EXPECT_EQ(screen_.snapshots.size(), before);
+    EXPECT_EQ(screen_.pages.size(), before);
     type("B");
     type("");
-    EXPECT_EQ(screen_.snapshots.size(), before + 1);
-    EXPECT_FALSE(controller_->snapshot().search.empty());
+    EXPECT_EQ(screen_.pages.size(), before + 1);
+    EXPECT_FALSE(page().search.empty());
 }
 
 TEST_F(BrowseWhileSearching, CancelBringsTheListBackInItsOldOrderWithFreshTiles) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
-    const auto tile = controller_->snapshot().statistics.front();
+    const auto tile = page().statistics.front();
     begin();
     type("C");
     library_.publish({{.title = "Z"}});
     cancel();
     EXPECT_EQ(titles(), (Names{"B", "A", "C"})) << "not found anew";
-    ASSERT_EQ(controller_->snapshot().statistics.size(), 8U);
-    EXPECT_NE(controller_->snapshot().statistics.front(), tile);
-    EXPECT_TRUE(controller_->snapshot().search.empty());
-    EXPECT_EQ(screen_.layouts.back(), BrowseLayout::library);
-    EXPECT_TRUE(controller_->showAllResults(4)->entities.empty()) << "the hits are forgotten";
+    ASSERT_EQ(page().statistics.size(), 8U);
+    EXPECT_NE(page().statistics.front(), tile);
+    EXPECT_TRUE(page().search.empty());
+    EXPECT_EQ(page().layout, BrowseLayout::library);
+    EXPECT_TRUE(allResults(4)->entities.empty()) << "the hits are forgotten";
 }
 
 TEST_F(BrowseWhileSearching, AfterACancelAnEmptyLibraryHasItsSection) {
     load();
-    EXPECT_FALSE(controller_->snapshot().list);
+    EXPECT_FALSE(page().list);
     begin();
-    EXPECT_FALSE(controller_->snapshot().list);
+    EXPECT_FALSE(page().list);
     cancel();
-    ASSERT_TRUE(controller_->snapshot().list);
-    EXPECT_TRUE(controller_->snapshot().list->empty());
+    ASSERT_TRUE(page().list);
+    EXPECT_TRUE(page().list->isEmpty());
 }
 
 TEST_F(BrowseWhileSearching, RowsHaveNoRankAndTheValueOfTheAlphabet) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
-    const MPMediaEntity song = library_.song("B");
-    EXPECT_EQ(controller_->rankAtIndex(0), 1U);
-    EXPECT_EQ(valueOfRow(song), "7x");
+    EXPECT_EQ(rankAtIndex(0), 1U);
+    EXPECT_EQ(valueOfRow(0), "7x");
     begin();
-    EXPECT_TRUE(controller_->isSearchActive());
-    EXPECT_EQ(controller_->rankAtIndex(0), std::nullopt);
-    EXPECT_EQ(valueOfRow(song), "Album");
+    EXPECT_TRUE(page().isSearchActive);
+    EXPECT_EQ(rankAtIndex(0), std::nullopt);
+    EXPECT_EQ(valueOfRow(0), "Album");
     cancel();
-    EXPECT_EQ(controller_->rankAtIndex(0), 1U);
-    EXPECT_EQ(valueOfRow(song), "7x");
+    EXPECT_EQ(rankAtIndex(0), 1U);
+    EXPECT_EQ(valueOfRow(0), "7x");
 }
 
 TEST_F(BrowseWhileSearching, SeeAllHasEveryHitUnderTheTextAsTyped) {
@@ -397,47 +481,87 @@ TEST_F(BrowseWhileSearching, SeeAllHasEveryHitUnderTheTextAsTyped) {
     load();
     begin();
     type(" wave ");
-    EXPECT_EQ(controller_->snapshot().search.front().rows.size(), 5U);
-    const auto all = controller_->showAllResults(4);
-    ASSERT_TRUE(all);
+    EXPECT_EQ(page().search.front().rows.size(), 5U);
+    const FoundEntitiesRoute* all = allResults(4);
+    ASSERT_NE(all, nullptr);
     EXPECT_EQ(all->title, " wave ");
     EXPECT_EQ(all->entities.size(), 7U);
-    EXPECT_FALSE(controller_->showAllResults(1));
+    EXPECT_EQ(allResults(1), nullptr);
+    ASSERT_NE(allResults(5), nullptr) << "an empty list is a list";
 }
 
 TEST_F(BrowseWhileSearching, TypingFastShowsTheLastTermAlone) {
     publishThreeSongs();
     load();
     begin();
-    const std::size_t before = screen_.snapshots.size();
+    const std::size_t before = screen_.pages.size();
     for (const char* text : {"A", "B", "nowhere"}) {
         controller_->updateSearchResultsForSearchController(text);
     }
     mainQueue_->runUntilIdle();
-    ASSERT_EQ(screen_.snapshots.size(), before + 1);
-    EXPECT_TRUE(controller_->snapshot().search.empty());
-    EXPECT_FALSE(controller_->snapshot().list);
+    ASSERT_EQ(screen_.pages.size(), before + 1);
+    EXPECT_TRUE(page().search.empty());
+    EXPECT_FALSE(page().list);
 }
 
 TEST_F(BrowseWhileSearching, AScreenThatGoesMeanwhileIsShownNothing) {
     publishThreeSongs();
     load();
-    const std::size_t before = screen_.snapshots.size();
     controller_->searchBarTextDidBeginEditing();
     controller_->updateSearchResultsForSearchController("A");
+    const std::size_t before = screen_.pages.size();
     controller_.reset();
     mainQueue_->runUntilIdle();
-    EXPECT_EQ(screen_.snapshots.size(), before);
+    EXPECT_EQ(screen_.pages.size(), before);
+}
+
+TEST_F(BrowseWhileSearching, goingWaitsForNoWork) {
+    std::vector<TestSong> songs(20000);
+    for (std::size_t number = 0; number < songs.size(); ++number) {
+        songs[number].title = "Wave " + std::to_string(number);
+    }
+    library_.publish(songs);
+    load();
+    controller_->searchBarTextDidBeginEditing();
+    controller_->updateSearchResultsForSearchController("wave");
+    controller_->updateDataSource();
+    attachment_.detach();
+    controller_.reset();
+    EXPECT_NE(DispatchActivity::count(), 0U) << "the work goes on by itself";
+    mainQueue_->runUntilIdle();
+}
+
+TEST_F(BrowseWhileSearching, aListThatComesMeanwhileHasNoRanks) {
+    publishThreeSongs();
+    load();
+    chooseSort(RVSortTypePlayCount);
+    begin();
+    controller_->sortDataSourceWithAnimation(false);
+    mainQueue_->runUntilIdle();
+    EXPECT_EQ(rankAtIndex(0), std::nullopt);
+    EXPECT_EQ(valueOfRow(0), "Album");
+    EXPECT_FALSE(screen_.wasAnimated);
+}
+
+TEST_F(BrowseWhileSearching, hitsThatComeLateDoNotCoverTheLibrary) {
+    publishThreeSongs();
+    load();
+    controller_->updateSearchResultsForSearchController("A");
+    controller_->searchBarCancelButtonClicked();
+    mainQueue_->runUntilIdle();
+    EXPECT_TRUE(page().search.empty());
+    EXPECT_EQ(titles(), (Names{"A", "B", "C"}));
+    EXPECT_EQ(page().layout, BrowseLayout::library);
 }
 
 TEST_F(Browse, WorkOfAScreenThatHasGoneIsDropped) {
     publishThreeSongs();
     load();
-    const std::size_t before = screen_.snapshots.size();
+    const std::size_t before = screen_.pages.size();
     controller_->updateDataSource();
     controller_.reset();
     mainQueue_->runUntilIdle();
-    EXPECT_EQ(screen_.snapshots.size(), before);
+    EXPECT_EQ(screen_.pages.size(), before);
 }
 
 using Tile = std::vector<std::string>;

@@ -8,11 +8,11 @@
 
 #include "apps/tavrionctl/AttributedText.h"
 #include "apps/tavrionctl/JsonWriter.h"
+#include "apps/tavrionctl/RowPrinting.h"
 #include "apps/tavrionctl/Session.h"
 #include "apps/tavrionctl/TextTable.h"
 #include "library/RVBrowseCollectionViewController.h"
 #include "library/RVMetadataManager.h"
-#include "library/RVQueryManager+Results.h"
 #include "platform/foundation/DisplayWidth.h"
 
 namespace tavrion::ctl {
@@ -42,72 +42,24 @@ Outcome unknown(std::string_view kind, std::string_view name,
         fmt::format("there is no {} '{}'; there are {}", kind, name, fmt::join(names, ", ")));
 }
 
-struct Row {
-    MPMediaEntity entity;
-    std::optional<std::size_t> rank;
-    std::optional<NSAttributedString> title;
-    std::optional<std::string> subtitle;
-    NSAttributedString property;
-};
-
-/// The title carries its marks for people only.
-Row rowOf(const MPMediaEntity& entity, std::size_t index, RVSortType sortType, bool forPeople) {
-    const auto font = forPeople ? std::optional(UIFont{}) : std::nullopt;
-    return {entity,
-            RVMetadataManager::sortTypeIsRanked(sortType) ? std::optional(index + 1) : std::nullopt,
-            RVMetadataManager::titleForMediaEntity(entity, font),
-            RVMetadataManager::subtitleForMediaEntity(entity),
-            RVMetadataManager::sortPropertyForMediaEntity(entity, sortType)};
-}
-
-void writeRow(JsonWriter& json, const Row& row) {
-    json.beginObject().key("rank");
-    if (row.rank) {
-        json.unsignedInteger(*row.rank);
-    } else {
-        json.null();
-    }
-    json.key("title");
-    if (row.title) {
-        json.text(row.title->textWithoutAttachments());
-    } else {
-        json.null();
-    }
-    json.key("subtitle").optionalText(row.subtitle);
-    json.key("property").text(row.property.textWithoutAttachments());
-    json.key("persistentID").unsignedInteger(row.entity.persistentID());
-    const MPMediaItemCollection* collection = row.entity.collection();
-    json.key("songs").unsignedInteger(collection == nullptr ? 1 : collection->count());
-    json.endObject();
-}
-
-void writeList(const std::vector<MPMediaEntity>& list, RVSortType sortType) {
-    JsonWriter json(stdout);
-    json.beginObject().key("items").beginArray();
-    for (std::size_t index = 0; index < list.size(); ++index) {
-        writeRow(json, rowOf(list[index], index, sortType, false));
-    }
-    json.endArray().endObject().finish();
-}
-
 /// The columns of a list, as wide as its widest row needs, within limits.
 class ListPrinter {
   public:
-    ListPrinter(const std::vector<Row>& rows, const TerminalAbilities& abilities)
+    ListPrinter(const std::vector<EntityRow>& rows, const TerminalAbilities& abilities)
         : abilities_(abilities) {
-        for (const Row& row : rows) {
+        for (const EntityRow& row : rows) {
             title_ = std::max(title_, plainWidth(titleOf(row)));
             subtitle_ = std::max(subtitle_, displayWidth(row.subtitle.value_or("")));
             property_ = std::max(property_, plainWidth(row.property));
-            rank_ = row.rank ? std::to_string(*row.rank).size() + gap : rank_;
+            rank_ = row.number ? std::to_string(*row.number).size() + gap : rank_;
         }
         title_ = std::min(title_, widestTitle);
         subtitle_ = std::min(subtitle_, widestSubtitle);
         fitTo(terminalColumns());
     }
 
-    void print(const Row& row) const {
-        const std::string rank = row.rank ? std::to_string(*row.rank) : std::string();
+    void print(const EntityRow& row) const {
+        const std::string rank = row.number ? std::to_string(*row.number) : std::string();
         const std::size_t width = plainWidth(row.property);
         fmt::print("{:>{}}{}{}  {}{:{}}{}\n", rank, rank_ == 0 ? 0 : rank_ - gap,
                    rank_ == 0 ? "" : "  ", fitted(titleOf(row), title_, abilities_),
@@ -120,7 +72,7 @@ class ListPrinter {
     static constexpr std::size_t widestTitle = 40;
     static constexpr std::size_t widestSubtitle = 28;
 
-    static NSAttributedString titleOf(const Row& row) {
+    static NSAttributedString titleOf(const EntityRow& row) {
         return row.title.value_or(NSAttributedString(RVMetadataManager::placeholder));
     }
     std::size_t plainWidth(const NSAttributedString& text) const {
@@ -146,37 +98,36 @@ class ListPrinter {
 };
 
 /// What the list is grouped and sorted by, as the two buttons of the page say it.
-std::string headingOf(const BrowseChoices& choices, const TerminalAbilities& abilities) {
-    const std::string group = Browse::groupTitles()[Browse::indexForGrouping(choices.groupType)];
-    std::string heading = printed(
-        RVMetadataManager::attributedString(group, UIImage::systemImageNamed("square.split.1x2")),
-        abilities);
-    const std::vector<std::string> sorts = Browse::sortTitles();
-    if (choices.sortType < sorts.size()) {
-        const char* chevron = choices.reverse ? "chevron.down.square" : "chevron.up.square";
-        heading += "   " + printed(RVMetadataManager::attributedString(
-                                       sorts[choices.sortType], UIImage::systemImageNamed(chevron)),
-                                   abilities);
+std::string headingOf(const BrowsePage& page, const TerminalAbilities& abilities) {
+    std::string heading = printed(page.groupingButtonTitle(), abilities);
+    if (page.choices.sortType < BrowseChoices::sortTitles().size()) {
+        heading += "   " + printed(page.sortButtonTitle(), abilities);
     }
     return heading;
 }
 
-void printList(const Session& session, const std::vector<MPMediaEntity>& list,
-               const BrowseChoices& choices) {
+void printList(const Session& session, const BrowsePage& page) {
     const TerminalAbilities abilities = TerminalAbilities::ofStandardOutput();
-    std::vector<Row> rows;
-    rows.reserve(list.size());
-    for (std::size_t index = 0; index < list.size(); ++index) {
-        rows.push_back(rowOf(list[index], index, choices.sortType, true));
+    std::vector<EntityRow> rows;
+    rows.reserve(page.list->size());
+    for (std::size_t place = 0; place < page.list->size(); ++place) {
+        rows.push_back(page.list->row(place));
     }
-    fmt::print("{}\n", headingOf(choices, abilities));
+    fmt::print("{}\n", headingOf(page, abilities));
     if (rows.empty()) {
         session.say("The library has none.");
     }
     const ListPrinter printer(rows, abilities);
-    for (const Row& row : rows) {
+    for (const EntityRow& row : rows) {
         printer.print(row);
     }
+}
+
+void writeList(const BrowsePage& page) {
+    JsonWriter json(stdout);
+    json.beginObject().key("items");
+    writeRows(json, *page.list);
+    json.endObject().finish();
 }
 
 std::vector<RVStatisticReference> libraryStatistics() {
@@ -185,17 +136,6 @@ std::vector<RVStatisticReference> libraryStatistics() {
         statistics.push_back(Browse::statForIndex(index));
     }
     return statistics;
-}
-
-void writeStatistics() {
-    JsonWriter json(stdout);
-    json.beginArray();
-    for (const RVStatisticReference& statistic : libraryStatistics()) {
-        json.beginObject().key("icon").text(statistic->icon()->name());
-        json.key("value").text(statistic->value());
-        json.key("caption").text(statistic->caption()).endObject();
-    }
-    json.endArray().finish();
 }
 
 void printStatistics() {
@@ -236,7 +176,7 @@ Outcome BrowseCommand::execute(Session& session) {
         if (!index) {
             return unknown("group", *group_, groupNames);
         }
-        choices.groupType = Browse::groupingForIndex(*index);
+        choices.groupType = BrowseChoices::groupingForIndex(*index);
     }
     if (sort_) {
         const auto index = indexOf(sortNames, *sort_);
@@ -252,16 +192,19 @@ Outcome BrowseCommand::execute(Session& session) {
         return opened;
     }
     if (tiles_) {
-        session.options().json ? writeStatistics() : printStatistics();
+        if (session.options().json) {
+            JsonWriter json(stdout);
+            writeStatistics(json, libraryStatistics());
+            json.finish();
+        } else {
+            printStatistics();
+        }
         return {};
     }
-    const auto list = RVQueryManager::resultsForQuery(nullptr, choices.groupType, choices.sortType,
-                                                      choices.reverse);
-    if (session.options().json) {
-        writeList(list, choices.sortType);
-    } else {
-        printList(session, list, choices);
-    }
+    BrowsePage page;
+    page.choices = choices;
+    page.list = libraryList(choices);
+    session.options().json ? writeList(page) : printList(session, page);
     return {};
 }
 

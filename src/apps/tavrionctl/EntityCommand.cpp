@@ -6,12 +6,10 @@
 #include <array>
 #include <charconv>
 
-#include "apps/tavrionctl/EntityRows.h"
+#include "apps/tavrionctl/RowPrinting.h"
 #include "apps/tavrionctl/Session.h"
 #include "apps/tavrionctl/TextTable.h"
-#include "library/EntityActivity.h"
 #include "library/EntityLists.h"
-#include "library/EntityTexts.h"
 #include "library/RVMetadataManager.h"
 
 namespace tavrion::ctl {
@@ -75,74 +73,37 @@ std::optional<std::uint64_t> numberOf(const std::string& text) {
                                                                       : std::nullopt;
 }
 
-/// All that a page shows.
-struct Page {
-    MPMediaEntity entity;
-    EntityHeader header;
-    EntitySnapshot snapshot;
-    EntityActivity activity;
-    std::string lastPlayed;
-    std::optional<AskedSort> asked;
-
-    EntitySort sortOf(EntitySection section) const {
-        return asked && asked->section == section ? asked->sort
-                                                  : EntitySections::sortForSection(section);
-    }
-};
-
-Page pageOf(const MPMediaEntity& entity, const std::optional<AskedSort>& asked, Session& session) {
-    Page page;
-    page.entity = entity;
-    page.asked = asked;
-    page.header = EntityTexts::header(entity);
+EntityPage pageOf(const MPMediaEntity& entity, const std::optional<AskedSort>& asked,
+                  Session& session) {
     EntityLists lists(entity);
-    page.snapshot = lists.fullBuild(EntitySections::sortForSection);
-    if (asked && page.snapshot.list(asked->section) != nullptr) {
-        page.snapshot = EntityLists::withList(
-            std::move(page.snapshot),
-            {asked->section, lists.reloadedList(asked->section, asked->sort)});
+    EntityPage page = lists.fullBuild(EntitySections::sortForSection);
+    if (asked && page.list(asked->section) != nullptr) {
+        page.setSort(asked->section, asked->sort);
+        page.setList(lists.reloadedList(asked->section, asked->sort));
     }
     const auto context = session.data().privateContext();
     context->performBlockAndWait([&] { page.activity = recentActivity(entity, *context); });
-    page.lastPlayed = RVMetadataManager::lastPlayedDateForMediaEntity(entity);
     return page;
 }
 
-EntityRow rowOf(const Page& page, const EntityList& list, std::size_t index) {
-    const EntityRank rank = EntityTexts::rankOfEntity(list.entities[index], index,
-                                                      page.sortOf(list.section).type, page.entity);
-    return {list.entities[index], rank.isShown ? numberOf(rank.text) : std::nullopt, rank.property};
-}
-
-void writeStatistics(JsonWriter& json, const EntitySnapshot& snapshot) {
-    json.key("statistics").beginArray();
-    for (const RVStatisticReference& tile : snapshot.statistics) {
-        json.beginObject().key("icon").text(tile->icon() ? tile->icon()->name() : "");
-        json.key("value").text(tile->value());
-        json.key("caption").text(tile->caption()).endObject();
-    }
-    json.endArray();
-}
-
-void writePage(const Page& page) {
+void writePage(const EntityPage& page) {
     JsonWriter json(stdout);
     json.beginObject().key("title").optionalText(page.header.title);
     json.key("subtitle").optionalText(page.header.subtitle);
     json.key("duration").text(page.header.duration);
-    writeStatistics(json, page.snapshot);
+    json.key("statistics");
+    writeStatistics(json, page.statistics);
     json.key("activity").beginArray();
-    for (const std::int64_t seconds : page.activity.days.value_or(EntityActivity::Days{})) {
+    for (const std::int64_t seconds : page.activity->days.value_or(EntityActivity::Days{})) {
         json.integer(seconds);
     }
     json.endArray().key("lastPlayed").text(page.lastPlayed);
     json.key("sections").beginArray();
-    for (const EntityList& list : page.snapshot.lists) {
+    for (const EntityList& list : page.lists) {
         json.beginObject().key("title").text(EntitySections::titleForSection(list.section));
-        json.key("items").beginArray();
-        for (std::size_t i = 0; i < list.entities.size(); ++i) {
-            writeRow(json, rowOf(page, list, i));
-        }
-        json.endArray().endObject();
+        json.key("items");
+        writeRows(json, list.rows);
+        json.endObject();
     }
     json.endArray().endObject().finish();
 }
@@ -161,7 +122,7 @@ std::string chartOf(const EntityActivity::Days& days, const TerminalAbilities& a
     return chart;
 }
 
-void printTop(const Page& page, const TerminalAbilities& abilities) {
+void printTop(const EntityPage& page, const TerminalAbilities& abilities) {
     fmt::print("{}\n", page.header.title.value_or("—"));
     std::string line = page.header.subtitle.value_or("");
     for (const std::string& more :
@@ -170,7 +131,7 @@ void printTop(const Page& page, const TerminalAbilities& abilities) {
         line += (line.empty() || more.empty() ? "" : "  ") + more;
     }
     fmt::print("{}\n\n", line);
-    for (const RVStatisticReference& tile : page.snapshot.statistics) {
+    for (const RVStatisticReference& tile : page.statistics) {
         NSAttributedString caption(tile->caption());
         if (tile->icon()) {
             caption = RVMetadataManager::attributedString(tile->caption(), *tile->icon());
@@ -178,26 +139,26 @@ void printTop(const Page& page, const TerminalAbilities& abilities) {
         fmt::print("{}  {}\n", fitted(caption, 24, abilities), tile->value());
     }
     fmt::print("\n{}\n", EntitySections::titleForSection(EntitySection::recentActivity));
-    fmt::print("Last Played: {}\n", page.lastPlayed);
-    if (page.activity.days) {
-        fmt::print("{}\n", chartOf(*page.activity.days, abilities));
+    fmt::print("{}\n", page.lastPlayedText());
+    if (page.activity->days) {
+        fmt::print("{}\n", chartOf(*page.activity->days, abilities));
     } else {
         fmt::print("No plays in the last 30 days\n");
     }
 }
 
-void printPage(const Page& page) {
+void printPage(const EntityPage& page) {
     const TerminalAbilities abilities = TerminalAbilities::ofStandardOutput();
     printTop(page, abilities);
-    for (const EntityList& list : page.snapshot.lists) {
+    for (const EntityList& list : page.lists) {
         const std::vector<std::string> sorts =
             EntitySections::sortTitlesForSection(list.section, page.entity);
-        const EntitySort sort = page.sortOf(list.section);
+        const EntitySort& sort = list.sort;
         fmt::print("\n{}  ({}{})\n", EntitySections::titleForSection(list.section),
                    sort.type < sorts.size() ? sorts[sort.type] : "—",
                    sort.reverse ? ", reversed" : "");
-        for (std::size_t i = 0; i < list.entities.size(); ++i) {
-            fmt::print("{}\n", lineOf(rowOf(page, list, i), abilities));
+        for (std::size_t place = 0; place < list.rows.size(); ++place) {
+            fmt::print("{}\n", lineOf(list.rows.row(place), abilities));
         }
     }
 }
@@ -245,8 +206,8 @@ Outcome EntityCommand::execute(Session& session) {
     if (Outcome opened = session.openStore(); !opened.isDone()) {
         return opened;
     }
-    const Page page = pageOf(found.entity, asked, session);
-    if (asked && page.snapshot.list(asked->section) == nullptr) {
+    const EntityPage page = pageOf(found.entity, asked, session);
+    if (asked && page.list(asked->section) == nullptr) {
         return Outcome::usage(
             fmt::format("a {} has no list of {}", kind_, sort_.substr(0, sort_.find(':'))));
     }

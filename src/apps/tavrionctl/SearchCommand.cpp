@@ -4,19 +4,18 @@
 
 #include <algorithm>
 
-#include "apps/tavrionctl/EntityRows.h"
+#include "apps/tavrionctl/RowPrinting.h"
 #include "apps/tavrionctl/Session.h"
-#include "library/RVMetadataManager.h"
 #include "library/search/LibrarySearch.h"
 #include "library/search/SearchTerm.h"
 
 namespace tavrion::ctl {
 namespace {
 
-/// Hits carry no rank, and the value of the alphabetical list.
+/// Hits carry no rank, and the value of the alphabetical list. Each row is made when its turn
+/// comes.
 EntityRow rowOf(const MPMediaEntity& entity) {
-    return {entity, std::nullopt,
-            RVMetadataManager::sortPropertyForMediaEntity(entity, RVSortTypeAlphabetical)};
+    return EntityRows({entity}, RVSortTypeAlphabetical).row(0);
 }
 
 void writeList(JsonWriter& json, const char* name, const FoundEntities& hits) {

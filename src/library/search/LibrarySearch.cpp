@@ -186,7 +186,7 @@ SearchSnapshot searchSnapshotOf(const SearchResults& results) {
         if (!hits.empty()) {
             sections.push_back({std::make_shared<const RVSearchSectionIdentifier>(
                                     RVSearchSectionIdentifier{kind.title, hits.size()}),
-                                hits.first(LibrarySearch::rowLimit)});
+                                {hits.first(LibrarySearch::rowLimit), RVSortTypeAlphabetical}});
         }
     }
     return sections;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "kit/FoundEntities.h"
+#include "library/EntityRows.h"
 #include "library/search/SearchIndex.h"
 #include "platform/mediaplayer/MPMediaEntity.h"
 
@@ -36,7 +37,7 @@ struct RVSearchSectionIdentifier {
 struct SearchSection {
     std::shared_ptr<const RVSearchSectionIdentifier> identifier;
     /// The first hits.
-    std::vector<MPMediaEntity> rows;
+    EntityRows rows;
 };
 using SearchSnapshot = std::vector<SearchSection>;
 

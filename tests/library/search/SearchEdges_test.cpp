@@ -89,7 +89,8 @@ TEST_F(SearchEdges, SixHitsShowFiveRowsAndAButtonWithSix) {
     const SearchResults results = found("wave");
     const SearchSnapshot snapshot = searchSnapshotOf(results);
     ASSERT_EQ(sections(snapshot), (Names{"Songs"}));
-    EXPECT_EQ(titles(snapshot[0].rows), (Names{"Wave 1", "Wave 2", "Wave 3", "Wave 4", "Wave 5"}));
+    EXPECT_EQ(titles(snapshot[0].rows.entities()),
+              (Names{"Wave 1", "Wave 2", "Wave 3", "Wave 4", "Wave 5"}));
     const SearchSectionHeader header = headerOfSection(*snapshot[0].identifier);
     EXPECT_FALSE(header.isButtonHidden);
     EXPECT_EQ(header.title, "Songs");
@@ -168,7 +169,8 @@ TEST_F(SearchEdges, AThousandPlaylistsAreRankedAndCounted) {
     library_.publish({}, playlists);
     const SearchSnapshot snapshot = searchSnapshotOf(found("Mix"));
     EXPECT_EQ(snapshot[0].identifier->count, 1000U);
-    EXPECT_EQ(titles(snapshot[0].rows), (Names{"Mix 1", "Mix 2", "Mix 3", "Mix 4", "Mix 5"}));
+    EXPECT_EQ(titles(snapshot[0].rows.entities()),
+              (Names{"Mix 1", "Mix 2", "Mix 3", "Mix 4", "Mix 5"}));
 }
 
 }  // namespace
