@@ -32,6 +32,8 @@ struct Track {
     int number = 0;
     int plays = 0;
     std::string lastPlayed = {};
+    std::string albumArtist = {};
+    bool isOnCompilation = false;
 };
 
 class SearchEntityTest : public testing::Test {
@@ -75,11 +77,15 @@ class SearchEntityTest : public testing::Test {
                  << "</integer>";
             writeText(file, "Name", track.name);
             writeText(file, "Artist", track.artist);
+            writeText(file, "Album Artist", track.albumArtist);
             writeText(file, "Album", track.album);
             writeText(file, "Genre", track.genre);
             file << "<key>Total Time</key><integer>180000</integer><key>Track Number</key><integer>"
                  << track.number << "</integer><key>Play Count</key><integer>" << track.plays
                  << "</integer>";
+            if (track.isOnCompilation) {
+                file << "<key>Compilation</key><true/>";
+            }
             if (!track.lastPlayed.empty()) {
                 file << "<key>Play Date UTC</key><date>" << track.lastPlayed << "</date>";
             }
@@ -265,6 +271,43 @@ TEST_F(SearchEntityTest, twoOfOneNameAreListedWithWhatTellsThemApart) {
     const std::string id = run("--json search Red").value()["songs"][0]["persistentID"].dump();
     EXPECT_EQ(run("--json entity song Sky --id " + id).value()["subtitle"], "Bob");
     EXPECT_EQ(run("entity song Sky --id none").status, 2);
+}
+
+TEST_F(SearchEntityTest, aSongIsFoundByItsOwnArtistAndByThatOfItsAlbum) {
+    use({{.name = "Sky", .artist = "Guest", .album = "Live", .albumArtist = "Band"},
+         {.name = "Sky", .artist = "Band", .album = "Other", .albumArtist = "Band"},
+         {.name = "Sky", .artist = "Stranger", .album = "Far"}});
+    EXPECT_EQ(run("--json entity song Sky --artist guest").value()["subtitle"], "Band");
+    EXPECT_EQ(run("--json entity song Sky --artist stranger").value()["subtitle"], "Stranger");
+    const CommandRun both = run("entity song Sky --artist Band");
+    EXPECT_EQ(both.status, 1);
+    EXPECT_NE(both.err.find("there are 2 songs called 'Sky'"), std::string::npos) << both.err;
+    EXPECT_EQ(run("entity song Sky --artist Nobody").status, 1);
+}
+
+TEST_F(SearchEntityTest, onACompilationTheTrackArtistTellsSongsApartAndTheAlbumArtistAlbums) {
+    use({{.name = "Sky",
+          .artist = "Ann",
+          .album = "Hits",
+          .albumArtist = "Various",
+          .isOnCompilation = true},
+         {.name = "Sky",
+          .artist = "Bob",
+          .album = "Hits",
+          .albumArtist = "Various",
+          .isOnCompilation = true},
+         {.name = "Sea", .artist = "Ann", .album = "Loose", .isOnCompilation = true},
+         {.name = "Sun", .artist = "Cid", .album = "Hits"}});
+    EXPECT_EQ(run("--json entity song Sky --artist ann").value()["subtitle"], "Various");
+    EXPECT_EQ(run("--json entity song Sea --artist Ann").value()["title"], "Sea")
+        << "also without an album artist";
+    EXPECT_EQ(run("entity song Sky --artist Various").status, 1) << "both are Various's";
+    const json hits = run("--json entity album Hits --artist Various").value();
+    EXPECT_EQ(titles(hits["sections"][0]["items"]), (std::vector<std::string>{"Sky", "Sky"}));
+    const json other = run("--json entity album Hits --artist Cid").value();
+    EXPECT_EQ(titles(other["sections"][0]["items"]), (std::vector<std::string>{"Sun"}));
+    EXPECT_EQ(run("entity album Hits --artist Ann").status, 1)
+        << "an album is its album artist's, whoever is on it";
 }
 
 TEST_F(SearchEntityTest, realLibrariesAreSearchedAndShown) {
