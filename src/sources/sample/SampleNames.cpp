@@ -2,112 +2,19 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <initializer_list>
 
+#include "sources/sample/SampleData.h"
 #include "sources/sample/SampleRandom.h"
 
 namespace tavrion {
 
 namespace {
 
-constexpr std::array<std::string_view, 72> givenNames{
-    "Agnes",   "Anton",     "Astrid",    "Aurelio",  "Ayşe",   "Beatrix",  "Bruno",   "Camille",
-    "Cécile",  "Clemens",   "Cosima",    "Dagny",    "Dario",  "Delphine", "Dmitri",  "Edda",
-    "Eilidh",  "Elias",     "Émile",     "Esther",   "Fausto", "Fiona",    "Florian", "Freya",
-    "Gaspard", "Greta",     "Gwendolyn", "Hamish",   "Hana",   "Hedwig",   "Henrik",  "Ida",
-    "Ignacio", "Ines",      "Ingrid",    "Ivo",      "Jasmin", "Jiří",     "Johanna", "Joona",
-    "Kasimir", "Katarzyna", "Laszlo",    "Leontine", "Łukasz", "Magnus",   "Marit",   "Mateo",
-    "Mirjam",  "Nadia",     "Niamh",     "Noor",     "Oskar",  "Ottilie",  "Pavel",   "Petra",
-    "Quentin", "Ragnar",    "Roswitha",  "Ruben",    "Saskia", "Solveig",  "Søren",   "Tamsin",
-    "Théo",    "Tobias",    "Ursula",    "Valentin", "Wanda",  "Xenia",    "Yannick", "Zoë"};
+using namespace SampleData;
 
-constexpr std::array<std::string_view, 80> surnames{
-    "Abendroth",   "Achterberg",  "Aldersey",   "Ambrus",    "Arkwell",      "Baumgarth",
-    "Beaumarais",  "Bellweather", "Birkeland",  "Bramwith",  "Brzostek",     "Calloway",
-    "Castelmonte", "Čermák",      "Corvalán",   "Crossmere", "Dahlström",    "Delacourt",
-    "Drummoyne",   "Dunmoor",     "Eberwein",   "Ellingsen", "Falkenrath",   "Farrowdale",
-    "Fernsby",     "Fiorentino",  "Galbraith",  "Garrigue",  "Glasbury",     "Gustafson",
-    "Halvorsen",   "Harrowgate",  "Hollenbach", "Ibarrola",  "Immerzeel",    "Jankowiak",
-    "Jorvik",      "Kallio",      "Kestrel",    "Kirkbride", "Kovalenko",    "Lachance",
-    "Langeveld",   "Lindqvist",   "Lockhaven",  "Maravilla", "Marchetti",    "Merriweather",
-    "Mikkelsen",   "Montclair",   "Nakagawa",   "Nordahl",   "Novotný",      "Oakhurst",
-    "Oyelaran",    "Palmgren",    "Pemberton",  "Petrosyan", "Quillfeather", "Rautavuori",
-    "Ravensworth", "Rosenthaler", "Saltmarsh",  "Sandoval",  "Schönbrunner", "Silverdale",
-    "Skovgaard",   "Stillwater",  "Szabados",   "Tavernier", "Thornbury",    "Tremblay",
-    "Uusitalo",    "Valdivia",    "Vesterholt", "Wainfleet", "Westergaard",  "Winterbourne",
-    "Yamashiro",   "Zielonka"};
-
-constexpr std::array<std::string_view, 40> places{
-    "Alderney",   "Ashgrove",      "Bellhaven",  "Birkenau Hill", "Brightwater", "Calderfield",
-    "Cobblegate", "Driftwood Bay", "Eastmere",   "Elmbridge",     "Fairhollow",  "Fernhill",
-    "Glenmarrow", "Greyharbour",   "Hawksworth", "Hollowell",     "Ironbridge",  "Juniper Falls",
-    "Kettlewick", "Larkspur",      "Lindenau",   "Longacre",      "Maplecombe",  "Mirefield",
-    "Northwick",  "Oldcastle",     "Otterburn",  "Pinehaven",     "Quarry Road", "Redcliff",
-    "Rosewater",  "Saltcoast",     "Silvermine", "Stonebridge",   "Summerfold",  "Thistledown",
-    "Umberly",    "Wexcombe",      "Willowbank", "Yarrow Street"};
-
-constexpr std::array<std::string_view, 96> adjectives{
-    "Amber",   "Ancient",  "Autumn",    "Bitter",   "Blue",     "Borrowed", "Brave",     "Bright",
-    "Broken",  "Burning",  "Calm",      "Careless", "Cobalt",   "Copper",   "Crooked",   "Crystal",
-    "Dancing", "Dark",     "Deep",      "Distant",  "Double",   "Dusty",    "Early",     "Eager",
-    "Empty",   "Endless",  "Fading",    "Familiar", "Faraway",  "Fearless", "Fifth",     "First",
-    "Flying",  "Foreign",  "Forgotten", "Frozen",   "Gentle",   "Giant",    "Glass",     "Golden",
-    "Gravel",  "Green",    "Half",      "Hidden",   "Hollow",   "Honest",   "Hungry",    "Idle",
-    "Indigo",  "Iron",     "Ivory",     "Kind",     "Last",     "Late",     "Little",    "Lofty",
-    "Long",    "Lost",     "Loud",      "Lucky",    "Midnight", "Modern",   "Morning",   "Narrow",
-    "New",     "Northern", "Old",       "Open",     "Orange",   "Other",    "Pale",      "Paper",
-    "Patient", "Perfect",  "Quiet",     "Rapid",    "Restless", "Rising",   "Rough",     "Ruby",
-    "Rusty",   "Second",   "Secret",    "Silent",   "Silver",   "Simple",   "Slow",      "Small",
-    "Soft",    "Southern", "Steady",    "Strange",  "Summer",   "Velvet",   "Wandering", "Winter"};
-
-constexpr std::array<std::string_view, 128> nouns{
-    "Afternoon", "Airport",  "Almanac",  "Anchor",     "Arrow",      "Atlas",    "Avenue",
-    "Balcony",   "Ballroom", "Beacon",   "Bench",      "Bicycle",    "Bird",     "Blanket",
-    "Border",    "Bridge",   "Building", "Candle",     "Canyon",     "Carousel", "Cellar",
-    "Cathedral", "Chimney",  "Cinema",   "Clover",     "City",       "Clock",    "Cloud",
-    "Coast",     "Compass",  "Corner",   "Cotton",     "Crown",      "Current",  "Curtain",
-    "Dawn",      "Desert",   "Diary",    "Distance",   "Door",       "Dream",    "Drum",
-    "Dust",      "Elm",      "Ember",    "Engine",     "Evening",    "Falcon",   "Farewell",
-    "Feather",   "Fence",    "Ferry",    "Field",      "Fire",       "Forest",   "Fortune",
-    "Fountain",  "Garden",   "Gate",     "Ghost",      "Glacier",    "Gravity",  "Guitar",
-    "Harbour",   "Heart",    "Hill",     "Horizon",    "Horse",      "Hour",     "House",
-    "Island",    "Journey",  "Kitchen",  "Kettle",     "Ladder",     "Lake",     "Lantern",
-    "Leaf",      "Letter",   "Library",  "Light",      "Lighthouse", "Line",     "Machine",
-    "Map",       "Market",   "Mask",     "Meadow",     "Memory",     "Mile",     "Mirror",
-    "Moon",      "Motel",    "Mountain", "Name",       "Needle",     "Night",    "Ocean",
-    "Orchard",   "Owl",      "Parade",   "Photograph", "Pilot",      "Planet",   "Platform",
-    "Promise",   "Question", "Radio",    "Railway",    "Rain",       "River",    "Road",
-    "Room",      "Rose",     "Rumour",   "Sail",       "Satellite",  "Season",   "Shadow",
-    "Signal",    "Sister",   "Smoke",    "Sparrow",    "Station",    "Stranger", "Thunder",
-    "Tower",     "Window"};
-
-constexpr std::array<std::string_view, 32> doings{
-    "Asking",  "Breathing", "Calling",  "Carrying", "Chasing", "Climbing", "Counting", "Crossing",
-    "Drawing", "Falling",   "Finding",  "Floating", "Holding", "Keeping",  "Learning", "Leaving",
-    "Losing",  "Mending",   "Missing",  "Painting", "Reading", "Running",  "Sailing",  "Saving",
-    "Selling", "Singing",   "Stealing", "Swimming", "Talking", "Turning",  "Waiting",  "Walking"};
-
-constexpr std::array<std::string_view, 12> times{"Monday", "Tuesday", "Thursday", "Saturday",
-                                                 "Sunday", "January", "February", "April",
-                                                 "June",   "August",  "October",  "December"};
-
-constexpr std::array<SampleStyleTraits, sampleStyleCount> traits{{
-    {14, 1955, 60, 420, 0, "Classical"},
-    {9, 1958, 120, 330, 0, "Folk|Traditional|Celtic|World"},
-    {6, 1950, 130, 280, 0, "Ragtime|Blues|Dixieland|Tango"},
-    {10, 1956, 180, 560, 0, "Jazz|Bebop|Vocal Jazz|Latin Jazz"},
-    {20, 1964, 140, 380, 3, "Rock|Alternative|Indie Rock|Hard Rock|Progressive Rock"},
-    {15, 1975, 150, 270, 5, "Pop|Indie Pop|Synth-Pop|Chanson"},
-    {11, 1982, 170, 480, 1, "Electronic|House|Drum & Bass|Downtempo"},
-    {7, 1988, 110, 290, 45, "Hip-Hop/Rap|R&B/Soul"},
-    {5, 1960, 140, 290, 1, "Country|Americana"},
-    {3, 1978, 120, 660, 0, "Ambient|Soundtrack|New Age"},
-}};
-
-template <std::size_t count>
-std::string_view oneOf(const std::array<std::string_view, count>& words, SampleRandom& random) {
-    return words[random.below(count)];
+std::string_view oneOf(std::span<const std::string_view> words, SampleRandom& random) {
+    return words[random.below(static_cast<std::uint32_t>(words.size()))];
 }
 
 std::string plural(std::string_view noun) {
@@ -144,22 +51,16 @@ SampleArtistName withArticle(std::string name) {
 
 SampleArtistName ensemble(SampleForces forces, SampleRandom& random) {
     const std::string_view place = oneOf(places, random);
-    constexpr std::array<std::string_view, 4> orchestras{"Philharmonic", "Symphony Orchestra",
-                                                         "Chamber Orchestra", "Sinfonietta"};
-    constexpr std::array<std::string_view, 4> choirs{"Chamber Choir", "Consort", "Singers",
-                                                     "Cathedral Choir"};
-    constexpr std::array<std::string_view, 4> small{"String Quartet", "Trio", "Quartet",
-                                                    "Ensemble"};
     switch (forces) {
         case SampleForces::orchestra:
             return {fmt::format("{} {}", place, oneOf(orchestras, random)), std::nullopt};
         case SampleForces::choir:
             return {fmt::format("{} {}", place, oneOf(choirs, random)), std::nullopt};
         case SampleForces::chamber:
-            return random.chance(0.5)
-                       ? person(random)
-                       : SampleArtistName{fmt::format("{} {}", place, oneOf(small, random)),
-                                          std::nullopt};
+            return random.chance(0.5) ? person(random)
+                                      : SampleArtistName{fmt::format("{} {}", place,
+                                                                     oneOf(smallEnsembles, random)),
+                                                         std::nullopt};
         case SampleForces::keyboard:
         case SampleForces::voice:
             break;
@@ -241,7 +142,7 @@ std::string inventedTitle(SampleRandom& random) {
 }  // namespace
 
 const SampleStyleTraits& traitsOf(SampleStyle style) {
-    return traits[static_cast<std::size_t>(style)];
+    return styles[static_cast<std::size_t>(style)];
 }
 
 std::string_view genreOf(SampleStyle style, std::uint64_t seed) {

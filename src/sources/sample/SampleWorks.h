@@ -21,13 +21,13 @@ struct SampleWork {
     std::string_view title;
     std::string_view genre;
     SampleForces forces;
-    /// The titles, separated by "|"; or one title with "#" for the number of the piece, or with "@"
-    /// for the key it stands in, up through the keys by semitones, major before minor.
-    std::string_view pieces;
     std::uint16_t pieceCount;
     /// Seconds.
     std::uint16_t shortest;
     std::uint16_t longest;
+    /// The titles, separated by "|"; or one title with "#" for the number of the piece, or with "@"
+    /// for the key it stands in, up through the keys by semitones, major before minor.
+    std::string_view pieces;
 };
 
 std::span<const SampleWork> sampleWorks();

@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "sources/sample/SampleData.h"
 #include "sources/sample/SampleWorks.h"
 
 namespace tavrion {
@@ -44,18 +45,19 @@ TEST(SampleWorks, EverySetOfPlayersHasSomethingToPlay) {
 }
 
 TEST(SampleWorks, PatternsAreFilledIn) {
-    const SampleWork keys{"X", "X", "X", SampleForces::keyboard, "Fugue in @", 24, 1, 2};
+    const SampleWork keys{"X", "X", "X", SampleForces::keyboard, 24, 1, 2, "Fugue in @"};
     EXPECT_EQ(titleOfPiece(keys, 0), "Fugue in C Major");
     EXPECT_EQ(titleOfPiece(keys, 3), "Fugue in C-sharp Minor");
     EXPECT_EQ(titleOfPiece(keys, 23), "Fugue in B Minor");
-    const SampleWork numbers{"X", "X", "X", SampleForces::keyboard, "Waltz No. #", 3, 1, 2};
+    const SampleWork numbers{"X", "X", "X", SampleForces::keyboard, 3, 1, 2, "Waltz No. #"};
     EXPECT_EQ(titleOfPiece(numbers, 2), "Waltz No. 3");
-    const SampleWork list{"X", "X", "X", SampleForces::keyboard, "One|Two|Three", 3, 1, 2};
+    const SampleWork list{"X", "X", "X", SampleForces::keyboard, 3, 1, 2, "One|Two|Three"};
     EXPECT_EQ(titleOfPiece(list, 1), "Two");
     EXPECT_EQ(titleOfPiece(list, 2), "Three");
 }
 
 TEST(SampleNames, ShareOfStylesIsAHundred) {
+    EXPECT_EQ(SampleData::styles.size(), sampleStyleCount);
     std::uint32_t sum = 0;
     for (std::uint32_t style = 0; style < sampleStyleCount; ++style) {
         sum += traitsOf(static_cast<SampleStyle>(style)).share;
