@@ -27,10 +27,9 @@ BrowseSearch::BrowseSearch() : shared_(std::make_shared<Shared>()) {
 
 void BrowseSearch::prepare() {
     Port<MainQueue>::current().assertCurrent();
-    cancel();
-    lastOperation_ = std::make_shared<NSBlockOperation>();
-    lastOperation_->addExecutionBlock([shared = shared_] { shared->search.prepare(); });
-    searchQueue_.addOperation(lastOperation_);
+    auto preparation = std::make_shared<NSBlockOperation>();
+    preparation->addExecutionBlock([shared = shared_] { shared->search.prepare(); });
+    searchQueue_.addOperation(std::move(preparation));
 }
 
 void BrowseSearch::look(std::string term, Found found) {

@@ -24,7 +24,8 @@ class BrowseSearch {
     BrowseSearch(const BrowseSearch&) = delete;
     BrowseSearch& operator=(const BrowseSearch&) = delete;
 
-    /// Makes ready for the first term while the user reaches for the first key.
+    /// Makes ready for the first term while the user reaches for the first key. A term that is
+    /// looked for meanwhile goes on.
     void prepare();
     /// The term is not empty. `found` is called later on the main queue, unless another term came
     /// by then, the search was cancelled or it has gone.

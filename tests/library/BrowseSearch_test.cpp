@@ -87,6 +87,13 @@ TEST_F(BrowseSearchTest, aTermWithoutHitsShowsNothing) {
     EXPECT_EQ(shown_, (Names{"nothing"}));
 }
 
+TEST_F(BrowseSearchTest, touchingTheBarAgainDropsNoHits) {
+    look("x");
+    search_->prepare();
+    settle();
+    EXPECT_EQ(shown_, (Names{"x"}));
+}
+
 TEST_F(BrowseSearchTest, aSearchThatGoesShowsNothing) {
     search_->prepare();
     look("a");

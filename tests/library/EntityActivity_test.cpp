@@ -198,6 +198,15 @@ TEST_F(EntityActivityTest, TheMenuStoresAndReloadsOneList) {
               UIImage::systemImageNamed("chevron.down"));
 }
 
+TEST_F(EntityActivityTest, anEmptyListThatIsSortedChangesNothingOnView) {
+    environment_.library.publish({}, {{.name = "Empty", .persistentID = 1}});
+    const auto page = opened(MPMediaQuery::playlistsQuery().collections().at(0));
+    const std::size_t before = screen_.pages.size();
+    page->reloadSection(EntitySection::songs, RVSortTypePlayCount, false);
+    environment_.runUntilIdle();
+    EXPECT_EQ(screen_.pages.size(), before);
+}
+
 TEST_F(EntityActivityTest, playingQueuesTheSongsAsTheyAreShownUnshuffled) {
     const auto page = opened(band());
     page->playMediaEntity();

@@ -543,6 +543,20 @@ TEST_F(BrowseWhileSearching, aListThatComesMeanwhileHasNoRanks) {
     EXPECT_FALSE(screen_.wasAnimated);
 }
 
+TEST_F(BrowseWhileSearching, aRebuildMeanwhileTakesThePlaceOfTheHits) {
+    publishThreeSongs();
+    load();
+    chooseSort(RVSortTypePlayCount);
+    begin();
+    type("A");
+    controller_->updateDataSource();
+    mainQueue_->runUntilIdle();
+    EXPECT_TRUE(page().search.empty());
+    EXPECT_EQ(page().statistics.size(), 8U);
+    EXPECT_EQ(titles(), (Names{"B", "A", "C"}));
+    EXPECT_EQ(rankAtIndex(0), std::nullopt);
+}
+
 TEST_F(BrowseWhileSearching, hitsThatComeLateDoNotCoverTheLibrary) {
     publishThreeSongs();
     load();
