@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,22 +10,10 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/foundation/FileReplacement.h"
 #include "platform/foundation/PropertyList.h"
 
 namespace tavrion {
-
-OpenFile::~OpenFile() {
-    if (descriptor_ >= 0) {
-        ::close(descriptor_);
-    }
-}
-
-OpenFile::OpenFile(OpenFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-
-OpenFile& OpenFile::operator=(OpenFile&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    return *this;
-}
 
 namespace DefaultsFile {
 
@@ -52,14 +39,6 @@ FileStamp stampOfStatus(const struct stat& status) {
             status.st_mtim.tv_nsec};
 }
 
-OpenFile openFile(const std::filesystem::path& file, int flags, mode_t mode) {
-    int descriptor = -1;
-    do {
-        descriptor = ::open(file.c_str(), flags | O_CLOEXEC, mode);
-    } while (descriptor < 0 && errno == EINTR);
-    return OpenFile(descriptor);
-}
-
 /// False, with errno, when the file cannot be read.
 bool readAll(int descriptor, std::string& bytes) {
     std::array<char, 16384> buffer{};
@@ -76,19 +55,6 @@ bool readAll(int descriptor, std::string& bytes) {
     }
 }
 
-/// False, with errno, when not all could be brought to the disk.
-bool writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return false;
-        }
-    }
-    return ::fsync(descriptor) == 0;
-}
-
 std::filesystem::path beside(std::filesystem::path file, const char* ending) {
     file += ending;
     return file;
@@ -98,15 +64,6 @@ std::filesystem::path beside(std::filesystem::path file, const char* ending) {
 mode_t modeFor(const std::filesystem::path& file) {
     struct stat status {};
     return ::stat(file.c_str(), &status) == 0 ? status.st_mode & 07777 : 0600;
-}
-
-/// Brings the renaming to the disk. Its failure is not the write's: the new file is in place, and
-/// whole.
-void synchronizeFolderOf(const std::filesystem::path& file) {
-    const OpenFile folder = openFile(file.parent_path(), O_RDONLY | O_DIRECTORY, 0);
-    if (folder) {
-        ::fsync(folder.descriptor());
-    }
 }
 
 }  // namespace
@@ -122,7 +79,7 @@ std::optional<FileStamp> stampOf(const std::filesystem::path& file) {
 std::variant<DefaultsFileVersion, DamagedDefaultsFile> read(const std::filesystem::path& file) {
     DefaultsFileVersion version;
     // A pipe of that name would otherwise hold the program up for ever.
-    version.file = openFile(file, O_RDONLY | O_NONBLOCK, 0);
+    version.file = OpenFile(file, O_RDONLY | O_NONBLOCK);
     if (!version.file && errno == ENOENT) {
         return version;
     }
@@ -148,38 +105,25 @@ std::variant<DefaultsFileVersion, DamagedDefaultsFile> read(const std::filesyste
 }
 
 Result<OpenFile> lock(const std::filesystem::path& file) {
-    OpenFile held = openFile(beside(file, ".lock"), O_RDWR | O_CREAT, 0600);
-    if (!held) {
+    OpenFile held(beside(file, ".lock"), O_RDWR | O_CREAT);
+    if (!held || !held.lock()) {
         return unwritable(file, errno);
-    }
-    while (::flock(held.descriptor(), LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            return unwritable(file, errno);
-        }
     }
     return held;
 }
 
-// The new file always has the same name: the lock leaves it to one writer, and what a killed writer
-// left behind is overwritten by the next.
 Result<DefaultsFileVersion> replace(const std::filesystem::path& file, Value::Dictionary values) {
-    const std::filesystem::path fresh = beside(file, ".new");
-    const std::string bytes = PropertyList::binaryOf(values);
-    DefaultsFileVersion version;
-    version.file = openFile(fresh, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0600);
-    struct stat status {};
-    // The status is taken after the last write, since a write changes the time.
-    const bool isInPlace = version.file &&
-                           ::fchmod(version.file.descriptor(), modeFor(file)) == 0 &&
-                           writeAll(version.file.descriptor(), bytes) &&
-                           ::fstat(version.file.descriptor(), &status) == 0 &&
-                           ::rename(fresh.c_str(), file.c_str()) == 0;
-    if (!isInPlace) {
-        const int code = errno;
-        ::unlink(fresh.c_str());
-        return unwritable(file, code);
+    FileReplacement replacement(file, modeFor(file));
+    replacement.write(PropertyList::binaryOf(values));
+    if (const std::error_code failure = replacement.finish()) {
+        return unwritable(file, failure.value());
     }
-    synchronizeFolderOf(file);
+    DefaultsFileVersion version;
+    version.file = replacement.takeFile();
+    struct stat status {};
+    if (::fstat(version.file.descriptor(), &status) != 0) {
+        return unwritable(file, errno);
+    }
     version.stamp = stampOfStatus(status);
     version.values = std::move(values);
     return version;

@@ -10,26 +10,11 @@
 #include <optional>
 #include <variant>
 
+#include "platform/foundation/OpenFile.h"
 #include "platform/foundation/Result.h"
 #include "platform/foundation/Value.h"
 
 namespace tavrion {
-
-/// A file descriptor, closed with its owner. Movable; an empty one holds nothing.
-class OpenFile {
-  public:
-    OpenFile() = default;
-    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
-    ~OpenFile();
-    OpenFile(OpenFile&& other) noexcept;
-    OpenFile& operator=(OpenFile&& other) noexcept;
-
-    explicit operator bool() const { return descriptor_ >= 0; }
-    int descriptor() const { return descriptor_; }
-
-  private:
-    int descriptor_ = -1;
-};
 
 /// Which version of a file it is. The inode number of a file that is kept open is not given to
 /// another one, so while it is open an equal stamp means the same version, even when the clock of

@@ -2,8 +2,6 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,32 +10,11 @@
 #include <string>
 #include <system_error>
 
+#include "platform/foundation/FileReplacement.h"
+
 namespace tavrion {
 
 namespace {
-
-/// A file descriptor, closed at the end of the scope.
-class Descriptor {
-  public:
-    Descriptor(const std::filesystem::path& file, int flags) {
-        do {
-            descriptor_ = ::open(file.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR);
-        } while (descriptor_ < 0 && errno == EINTR);
-    }
-    ~Descriptor() {
-        if (descriptor_ >= 0) {
-            ::close(descriptor_);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    bool isOpen() const { return descriptor_ >= 0; }
-    int number() const { return descriptor_; }
-
-  private:
-    int descriptor_ = -1;
-};
 
 std::string messageOf(int code) {
     return std::generic_category().message(code);
@@ -49,11 +26,11 @@ std::filesystem::path beside(std::filesystem::path file, const char* ending) {
 }
 
 /// Absent, with errno, when the file cannot be read.
-std::optional<std::string> allOf(const Descriptor& file) {
+std::optional<std::string> allOf(const OpenFile& file) {
     std::string bytes;
     std::array<char, 16384> buffer{};
     while (true) {
-        const ssize_t count = ::read(file.number(), buffer.data(), buffer.size());
+        const ssize_t count = ::read(file.descriptor(), buffer.data(), buffer.size());
         if (count == 0) {
             return bytes;
         }
@@ -63,27 +40,6 @@ std::optional<std::string> allOf(const Descriptor& file) {
             return std::nullopt;
         }
     }
-}
-
-/// False, with errno, when not all could be brought to the disk.
-bool writeAll(const Descriptor& file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file.number(), bytes.data(), bytes.size());
-        if (count >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return false;
-        }
-    }
-    return ::fsync(file.number()) == 0;
-}
-
-bool lockForThisWriter(const Descriptor& file) {
-    int outcome = -1;
-    do {
-        outcome = ::flock(file.number(), LOCK_EX);
-    } while (outcome != 0 && errno == EINTR);
-    return outcome == 0;
 }
 
 NSError unreadable(const std::filesystem::path& file, const std::string& reason) {
@@ -104,8 +60,8 @@ NSError unwritable(const std::filesystem::path& file, int code) {
 
 Result<SampleState> SampleStateFile::read() const {
     // A pipe of that name would otherwise hold the program up for ever.
-    const Descriptor file(file_, O_RDONLY | O_NONBLOCK);
-    if (!file.isOpen()) {
+    const OpenFile file(file_, O_RDONLY | O_NONBLOCK);
+    if (!file) {
         return errno == ENOENT ? Result<SampleState>(SampleState())
                                : unreadable(file_, messageOf(errno));
     }
@@ -118,8 +74,8 @@ Result<SampleState> SampleStateFile::read() const {
 }
 
 Result<void> SampleStateFile::change(const std::function<void(SampleState&)>& change) const {
-    const Descriptor lock(beside(file_, ".lock"), O_RDWR | O_CREAT);
-    if (!lock.isOpen() || !lockForThisWriter(lock)) {
+    const OpenFile lock(beside(file_, ".lock"), O_RDWR | O_CREAT);
+    if (!lock || !lock.lock()) {
         return unwritable(file_, errno);
     }
     Result<SampleState> state = read();
@@ -128,30 +84,11 @@ Result<void> SampleStateFile::change(const std::function<void(SampleState&)>& ch
     }
     const SampleState before = state.value();
     change(state.value());
-    return state.value() == before ? Result<void>() : replace(state.value());
-}
-
-/// The lock leaves the name of the new file to one writer; what a killed one left behind is
-/// overwritten by the next.
-Result<void> SampleStateFile::replace(const SampleState& state) const {
-    const std::filesystem::path fresh = beside(file_, ".new");
-    bool isInPlace = false;
-    {
-        const Descriptor file(fresh, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
-        isInPlace = file.isOpen() && writeAll(file, state.text()) &&
-                    ::rename(fresh.c_str(), file_.c_str()) == 0;
+    if (state.value() == before) {
+        return {};
     }
-    if (!isInPlace) {
-        const int code = errno;
-        ::unlink(fresh.c_str());
-        return unwritable(file_, code);
-    }
-    const Descriptor folder(file_.parent_path(), O_RDONLY | O_DIRECTORY);
-    if (folder.isOpen()) {
-        // The new file is in place and whole, whether or not its name is on the disk by now.
-        ::fsync(folder.number());
-    }
-    return {};
+    const auto failure = FileReplacement::replace(file_, state.value().text());
+    return failure ? Result<void>(unwritable(file_, failure.value())) : Result<void>();
 }
 
 }  // namespace tavrion

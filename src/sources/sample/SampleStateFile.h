@@ -23,7 +23,6 @@ class SampleStateFile {
     Result<void> change(const std::function<void(SampleState&)>& change) const;
 
   private:
-    Result<void> replace(const SampleState& state) const;
     std::filesystem::path file_;
 };
 
