@@ -334,9 +334,9 @@ TEST_F(RVMetadataManagerTest, WithoutArtworkASongAndACollectionHaveAPictureOfThe
               UIImage::imageNamed("list"));
     EXPECT_EQ(Manager::artworkForEntity(bare()), UIImage::imageNamed("list"));
     EXPECT_EQ(Manager::artworkForEntity(MPMediaEntity()), UIImage::imageNamed("item"));
-    PictureSource source;
-    source.picture = NSData{};
-    library_.library().setSource(&source);
+    const auto source = std::make_shared<PictureSource>();
+    source->picture = NSData{};
+    library_.library().setSource(source);
     EXPECT_EQ(Manager::artworkForEntity(song("a")), UIImage::imageNamed("item"));
     EXPECT_EQ(Manager::artworkForEntity(first(MPMediaGrouping::album)),
               UIImage::imageNamed("list"));
@@ -344,13 +344,13 @@ TEST_F(RVMetadataManagerTest, WithoutArtworkASongAndACollectionHaveAPictureOfThe
 
 TEST_F(RVMetadataManagerTest, APictureThatLiesOnDiskComesFirst) {
     library_.publish({{.title = "a"}});
-    PictureSource source;
-    source.picture = NSData{"asked for"};
-    library_.library().setSource(&source);
+    const auto source = std::make_shared<PictureSource>();
+    source->picture = NSData{"asked for"};
+    library_.library().setSource(source);
     const UIImage asked = UIImage::imageWithData(NSData{"asked for"});
     EXPECT_EQ(Manager::artworkForEntity(song("a")), asked);
     EXPECT_EQ(Manager::artworkForEntity(first(MPMediaGrouping::album)), asked);
-    source.onDisk = NSData{"ready"};
+    source->onDisk = NSData{"ready"};
     const UIImage ready = UIImage::imageWithData(NSData{"ready"});
     EXPECT_EQ(Manager::artworkForEntity(song("a")), ready);
     EXPECT_EQ(Manager::artworkForEntity(first(MPMediaGrouping::album)), ready);

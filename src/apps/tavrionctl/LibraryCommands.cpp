@@ -91,7 +91,7 @@ void writeStatus(const Session& session, const std::optional<LibraryChoice>& cho
 
 /// Songs and playlists of the published library, as a user counts them.
 void writePublishedStatus(const Session& session, const LibraryChoice& choice) {
-    const Source* source = MPMediaLibrary::defaultMediaLibrary().source();
+    const std::shared_ptr<const Source> source = MPMediaLibrary::defaultMediaLibrary().source();
     writeStatus(session, choice, RVQueryManager::defaultQuery().items().size(),
                 MPMediaQuery::playlistsQuery().collections().size(), source->capabilities());
 }

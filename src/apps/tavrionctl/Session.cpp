@@ -132,7 +132,7 @@ Outcome Session::openLibrary() {
 void Session::publish(std::unique_ptr<Source> source,
                       std::shared_ptr<const MediaSnapshot> snapshot) {
     source_ = std::move(source);
-    library_.setSource(source_.get());
+    library_.setSource(source_);
     library_.setAuthorizationStatus(MPMediaLibraryAuthorizationStatus::authorized);
     library_.publish(std::move(snapshot));
 }

@@ -79,7 +79,7 @@ class Session {
     MPMediaLibrary library_;
     SourceRegistry sources_;
     const MediaSnapshotCache snapshots_{cacheDirectory()};
-    std::unique_ptr<Source> source_;
+    std::shared_ptr<Source> source_;
     NoAwards awards_;
     LocalOnlyMirroring mirroring_;
     TerminalScanPresenter scanPresenter_;

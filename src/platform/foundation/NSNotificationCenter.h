@@ -1,20 +1,17 @@
 // Broadcasts named notifications inside the process.
 //
 // Queue: post and observe from any queue. A block registered without a queue runs on the poster's,
-// inside the post; one registered with a queue runs there later. No lock is held while blocks run,
-// so a block may post, observe and remove. Who owns: an Observation removes its block when it is
-// destroyed; when its destructor has returned, the block is not running and will not run, unless
-// the destructor was called from inside that block. Work already handed to a named queue is dropped
-// too.
+// inside the post; one registered with a queue runs there later. Who owns: an Observation removes
+// its block when it ends (see Observation.h).
 #pragma once
 
 #include <any>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 
 #include "platform/foundation/Executor.h"
+#include "platform/foundation/Observation.h"
 #include "platform/foundation/Port.h"
 
 namespace tavrion {
@@ -39,22 +36,7 @@ class NSNotificationCenter {
     using Block = std::function<void(const NSNotification&)>;
     static constexpr const char* portName = "a notification centre is plugged in";
 
-    /// Keeps a block registered for its own life. Movable; an empty one holds nothing.
-    class Observation {
-      public:
-        Observation();
-        ~Observation();
-        Observation(Observation&&) noexcept;
-        Observation& operator=(Observation&&) noexcept;
-
-      private:
-        friend class NSNotificationCenter;
-        struct Registration;
-        std::shared_ptr<Registration> registration_;
-    };
-
-    NSNotificationCenter();
-    ~NSNotificationCenter();
+    using Observation = tavrion::Observation;
 
     /// The plugged centre of the process.
     static NSNotificationCenter& defaultCenter() { return Port<NSNotificationCenter>::current(); }
@@ -70,8 +52,7 @@ class NSNotificationCenter {
     std::size_t observerCount(const std::string& name) const;
 
   private:
-    struct Registry;
-    std::shared_ptr<Registry> registry_;
+    ObserverList<NSNotification> observers_;
 };
 
 }  // namespace tavrion

@@ -1,74 +1,28 @@
 #include "platform/foundation/NSUserDefaults.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <system_error>
 #include <utility>
 
 #include "platform/foundation/DefaultsStore.h"
-#include "platform/foundation/Mutex.h"
-#include "platform/foundation/ObserverGate.h"
 #include "platform/foundation/PropertyList.h"
 
 namespace tavrion {
 
-/// Does not change after it was made, but for its gate; so observers are called without a lock.
-struct NSUserDefaults::Observation::Registration {
-    std::weak_ptr<State> state;
-    std::string key;
-    Executor* queue = nullptr;
-    Observer observer;
-    ObserverGate gate;
-};
-
 struct NSUserDefaults::State {
-    using Registrations = std::vector<std::shared_ptr<Observation::Registration>>;
-
     State() = default;
     explicit State(std::filesystem::path file) : store(std::move(file)) {}
 
-    DefaultsStore store;
-    Mutex mutex;
-    Registrations registrations TAVRION_GUARDED_BY(mutex);
-
-    Registrations waitingFor(const std::string& key) TAVRION_EXCLUDES(mutex) {
-        const MutexLock lock(mutex);
-        Registrations waiting;
-        std::copy_if(registrations.begin(), registrations.end(), std::back_inserter(waiting),
-                     [&key](const auto& each) { return each->key == key; });
-        return waiting;
-    }
-    void remove(const std::shared_ptr<Observation::Registration>& registration)
-        TAVRION_EXCLUDES(mutex) {
-        const MutexLock lock(mutex);
-        std::erase(registrations, registration);
-    }
-    void tell(const DefaultsStore::Changes& changes) TAVRION_EXCLUDES(mutex);
-};
-
-void NSUserDefaults::State::tell(const DefaultsStore::Changes& changes) {
-    for (const DefaultsStore::Change& change : changes) {
-        for (const auto& registration : waitingFor(change.key)) {
-            // Also the hand-over happens inside the gate: once the Observation is gone, its owner
-            // may end the queue.
-            const ObserverGate::Stay stay(registration->gate);
-            if (!stay) {
-                continue;
-            }
-            if (registration->queue == nullptr) {
-                registration->observer(change.key, change.value);
-                continue;
-            }
-            registration->queue->async([registration, change] {
-                const ObserverGate::Stay later(registration->gate);
-                if (later) {
-                    registration->observer(change.key, change.value);
-                }
-            });
+    void tell(const DefaultsStore::Changes& changes) const {
+        for (const DefaultsStore::Change& change : changes) {
+            observers.send(change.key, nullptr, change);
         }
     }
-}
+
+    DefaultsStore store;
+    ObserverList<DefaultsStore::Change> observers;
+};
 
 namespace {
 
@@ -101,30 +55,6 @@ std::filesystem::path followed(const std::filesystem::path& file) {
 }
 
 }  // namespace
-
-NSUserDefaults::Observation::Observation() = default;
-NSUserDefaults::Observation::Observation(Observation&&) noexcept = default;
-
-NSUserDefaults::Observation& NSUserDefaults::Observation::operator=(Observation&& other) noexcept {
-    // What was held here goes when `before` does, after this one already holds the new
-    // registration.
-    const Observation before(std::move(*this));
-    registration_ = std::move(other.registration_);
-    return *this;
-}
-
-NSUserDefaults::Observation::~Observation() {
-    if (!registration_) {
-        return;
-    }
-    if (const auto state = registration_->state.lock()) {
-        state->remove(registration_);
-    }
-    if (registration_->gate.close()) {
-        registration_->observer =
-            nullptr;  // What it captured need not wait for a queue to drop it.
-    }
-}
 
 NSUserDefaults::NSUserDefaults(std::shared_ptr<State> state) : state_(std::move(state)) {}
 
@@ -234,18 +164,13 @@ Result<void> NSUserDefaults::synchronize() {
     return outcome;
 }
 
-NSUserDefaults::Observation NSUserDefaults::addObserver(const std::string& key, Executor* queue,
-                                                        Observer observer) {
-    Observation observation;
-    observation.registration_ = std::make_shared<Observation::Registration>();
-    Observation::Registration& registration = *observation.registration_;
-    registration.state = state_;
-    registration.key = PropertyList::storableText(key);
-    registration.queue = queue;
-    registration.observer = std::move(observer);
-    const MutexLock lock(state_->mutex);
-    state_->registrations.push_back(observation.registration_);
-    return observation;
+Observation NSUserDefaults::addObserver(const std::string& key, Executor* queue,
+                                        Observer observer) {
+    return state_->observers.add(
+        PropertyList::storableText(key), nullptr, queue,
+        [observer = std::move(observer)](const DefaultsStore::Change& change) {
+            observer(change.key, change.value);
+        });
 }
 
 }  // namespace tavrion

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "platform/foundation/Executor.h"
+#include "platform/foundation/Observation.h"
 #include "platform/foundation/Port.h"
 #include "platform/foundation/Result.h"
 #include "platform/foundation/Value.h"
@@ -33,19 +34,7 @@ class NSUserDefaults {
     /// Told the key and the new value (absent after a removal).
     using Observer = std::function<void(const std::string& key, const Value& value)>;
 
-    /// Keeps an observer for its own life.
-    class Observation {
-      public:
-        Observation();
-        ~Observation();
-        Observation(Observation&&) noexcept;
-        Observation& operator=(Observation&&) noexcept;
-
-      private:
-        friend class NSUserDefaults;
-        struct Registration;
-        std::shared_ptr<Registration> registration_;
-    };
+    using Observation = tavrion::Observation;
 
     /// Opens the list in `file`; a missing file is an empty list and is made by the first write. A
     /// file that cannot be read as a property list with a dictionary at its top is an error that

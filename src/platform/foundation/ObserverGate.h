@@ -1,7 +1,7 @@
 // The life of one registered block: lets calls in while it is registered, and waits for those
 // inside when it is removed.
 //
-// Queue: any. Who owns: the Observation and the centre share it; foundation's own, not for other
+// Queue: any. Who owns: the Observation and the list share it; foundation's own, not for other
 // rooms.
 #pragma once
 

@@ -36,14 +36,14 @@ Value MPMediaEntity::valueForKey(std::string_view key) const {
 }
 
 std::optional<NSData> MPMediaEntity::bestImageFromDisk() const {
-    const Source* source = MPMediaLibrary::defaultMediaLibrary().source();
+    const std::shared_ptr<const Source> source = MPMediaLibrary::defaultMediaLibrary().source();
     return isEmpty() || source == nullptr
                ? std::nullopt
                : source->bestImageFromDisk(groupingType(), persistentID());
 }
 
 std::optional<NSData> MPMediaEntity::artwork() const {
-    const Source* source = MPMediaLibrary::defaultMediaLibrary().source();
+    const std::shared_ptr<const Source> source = MPMediaLibrary::defaultMediaLibrary().source();
     const std::optional<MPMediaItem> song = representativeItem();
     return source == nullptr || !song ? std::nullopt : source->artwork(song->persistentID());
 }

@@ -68,17 +68,19 @@ void MPMediaItem::registerComputedKey(const std::string& name, ComputedKey funct
 }
 
 bool MPMediaItem::respondsToSetValueForProperty() const {
-    const Source* source = MPMediaLibrary::defaultMediaLibrary().source();
+    const std::shared_ptr<const Source> source = MPMediaLibrary::defaultMediaLibrary().source();
     return source != nullptr && source->capabilities().canWriteLikes;
 }
 
 void MPMediaItem::setValueForProperty(const Value& value, std::string_view property) const {
     const auto likedState = likedStateOf(value);
-    if (property != "likedState" || !likedState || !respondsToSetValueForProperty()) {
+    // One and the same for the question and the writing: another may be set meanwhile.
+    const std::shared_ptr<Source> source = MPMediaLibrary::defaultMediaLibrary().source();
+    if (property != "likedState" || !likedState || !source ||
+        !source->capabilities().canWriteLikes) {
         return;
     }
-    const Result<void> written =
-        MPMediaLibrary::defaultMediaLibrary().source()->setLiked(persistentID(), *likedState);
+    const Result<void> written = source->setLiked(persistentID(), *likedState);
     if (!written) {
         NSLog("The liked state of \"{}\" was not written: {}", title().value_or(""),
               written.error().localizedDescription);

@@ -2,15 +2,16 @@
 // it.
 //
 // Queue: any. Who owns: the composition root makes one and plugs it with Port<MPMediaLibrary>; the
-// source outlives its being set. Change observers run on the publisher's queue, outside any lock.
+// source is shared with whoever still reads from it. Change observers run on the publisher's queue,
+// outside any lock.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <vector>
 
 #include "platform/foundation/Mutex.h"
+#include "platform/foundation/Observation.h"
 #include "platform/foundation/Port.h"
 #include "platform/mediaplayer/MediaSnapshot.h"
 
@@ -30,20 +31,7 @@ class MPMediaLibrary {
     static constexpr const char* portName = "a media library is plugged in";
     using Observer = std::function<void()>;
 
-    /// Keeps an observer for its own life. When the destructor has returned, the observer is not
-    /// called again; a call that another thread has begun may still be running.
-    class Observation {
-      public:
-        Observation();
-        ~Observation();
-        Observation(Observation&&) noexcept;
-        Observation& operator=(Observation&&) noexcept;
-
-      private:
-        friend class MPMediaLibrary;
-        struct Registration;
-        std::shared_ptr<Registration> registration_;
-    };
+    using Observation = tavrion::Observation;
 
     MPMediaLibrary();
     ~MPMediaLibrary();
@@ -60,19 +48,23 @@ class MPMediaLibrary {
     /// Swaps the snapshot in, then tells the observers. Null publishes an empty one.
     void publish(std::shared_ptr<const MediaSnapshot> snapshot);
 
-    /// Who writes what the user changes; null when nobody.
-    void setSource(Source* source);
-    Source* source() const;
+    /// Who writes what the user changes and has the pictures; null when nobody. Whoever took it
+    /// may go on with it after another one was set.
+    void setSource(std::shared_ptr<Source> source);
+    std::shared_ptr<Source> source() const;
 
+    /// On the queue of whoever publishes.
     [[nodiscard]] Observation addObserver(Observer observer);
 
   private:
     mutable Mutex mutex_;
     std::shared_ptr<const MediaSnapshot> snapshot_ TAVRION_GUARDED_BY(mutex_);
-    std::vector<std::weak_ptr<Observation::Registration>> observers_ TAVRION_GUARDED_BY(mutex_);
     MPMediaLibraryAuthorizationStatus status_ TAVRION_GUARDED_BY(mutex_) =
         MPMediaLibraryAuthorizationStatus::notDetermined;
-    Source* source_ TAVRION_GUARDED_BY(mutex_) = nullptr;
+    std::shared_ptr<Source> source_ TAVRION_GUARDED_BY(mutex_);
+    /// They are told that there is a change, and ask for what they need.
+    struct Change {};
+    ObserverList<Change> observers_;
 };
 
 }  // namespace tavrion

@@ -82,11 +82,11 @@ TEST(MPMediaEntity, ItsPicturesComeFromTheSource) {
     MediaLibraryFixture fixture(
         {{.title = "a", .persistentID = 7}, {.title = "b", .albumTitle = "B", .persistentID = 8}},
         {{.name = "Mix", .persistentID = 9, .songs = {7}}, {.name = "Bare", .persistentID = 10}});
-    PictureSource source;
+    const auto source = std::make_shared<PictureSource>();
     const auto playlists = MPMediaQuery::playlistsQuery().collections();
     EXPECT_EQ(MPMediaEntity(fixture.song("a")).artwork(), std::nullopt);
     EXPECT_EQ(MPMediaEntity(playlists[0]).bestImageFromDisk(), std::nullopt);
-    fixture.library().setSource(&source);
+    fixture.library().setSource(source);
     EXPECT_EQ(MPMediaEntity(fixture.song("a")).artwork(), NSData{"song 7"});
     EXPECT_EQ(MPMediaEntity(fixture.song("b")).artwork(), std::nullopt);
     EXPECT_EQ(MPMediaEntity(playlists[0]).artwork(), NSData{"song 7"});

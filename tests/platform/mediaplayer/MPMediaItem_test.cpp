@@ -169,15 +169,15 @@ class Lines : public LogSink {
 
 TEST(MPMediaItem, WritesTheLikedStateThroughTheSource) {
     MediaLibraryFixture fixture({{.title = "a", .persistentID = 77}});
-    LikableSource source;
-    fixture.library().setSource(&source);
+    const auto source = std::make_shared<LikableSource>();
+    fixture.library().setSource(source);
     const MPMediaItem item = fixture.song("a");
     EXPECT_TRUE(item.respondsToSetValueForProperty());
     item.setValueForProperty(2, "likedState");
     item.setValueForProperty("2", "likedState");
     item.setValueForProperty(-1, "likedState");
     item.setValueForProperty(5, "playCount");
-    EXPECT_EQ(source.written, (std::vector<std::pair<std::uint64_t, std::uint32_t>>{{77, 2}}));
+    EXPECT_EQ(source->written, (std::vector<std::pair<std::uint64_t, std::uint32_t>>{{77, 2}}));
 }
 
 TEST(MPMediaItem, WritesNothingWhereNobodyCan) {
@@ -185,21 +185,21 @@ TEST(MPMediaItem, WritesNothingWhereNobodyCan) {
     const MPMediaItem item = fixture.song("a");
     EXPECT_FALSE(item.respondsToSetValueForProperty());
     item.setValueForProperty(2, "likedState");
-    LikableSource source;
-    source.able = false;
-    fixture.library().setSource(&source);
+    const auto source = std::make_shared<LikableSource>();
+    source->able = false;
+    fixture.library().setSource(source);
     EXPECT_FALSE(item.respondsToSetValueForProperty());
     item.setValueForProperty(2, "likedState");
-    EXPECT_TRUE(source.written.empty());
+    EXPECT_TRUE(source->written.empty());
 }
 
 TEST(MPMediaItem, LogsALikeThatWasNotWritten) {
     MediaLibraryFixture fixture({{.title = "Tune"}});
     Lines lines;
     const Port<LogSink>::Plug plug(lines);
-    LikableSource source;
-    source.broken = true;
-    fixture.library().setSource(&source);
+    const auto source = std::make_shared<LikableSource>();
+    source->broken = true;
+    fixture.library().setSource(source);
     fixture.song("Tune").setValueForProperty(3, "likedState");
     ASSERT_EQ(lines.lines.size(), 1U);
     EXPECT_NE(lines.lines[0].find("Tune"), std::string::npos);

@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <thread>
 
+#include "platform/mediaplayer/Source.h"
 #include "platform/testing/MediaLibraryFixture.h"
 
 namespace tavrion {
@@ -63,6 +67,67 @@ TEST(MPMediaLibrary, ReplacingAnObservationEndsTheOldOne) {
     fixture.publish({});
     EXPECT_EQ(old, 0);
     EXPECT_EQ(now, 1);
+}
+
+TEST(MPMediaLibrary, theEndOfAnObservationWaitsForTheCallThatIsRunning) {
+    MediaLibraryFixture fixture;
+    std::promise<void> started;
+    std::promise<void> mayEnd;
+    std::atomic<bool> hasEnded{false};
+    auto observation = fixture.library().addObserver([&] {
+        started.set_value();
+        mayEnd.get_future().wait();
+        hasEnded = true;
+    });
+    std::thread publisher([&] { fixture.publish({}); });
+    started.get_future().wait();
+    std::thread release([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        mayEnd.set_value();
+    });
+    observation.end();
+    EXPECT_TRUE(hasEnded);
+    release.join();
+    publisher.join();
+}
+
+TEST(MPMediaLibrary, anObserverMayEndItself) {
+    MediaLibraryFixture fixture;
+    int calls = 0;
+    MPMediaLibrary::Observation own;
+    own = fixture.library().addObserver([&] {
+        ++calls;
+        own.end();
+    });
+    fixture.publish({});
+    fixture.publish({});
+    EXPECT_EQ(calls, 1);
+}
+
+/// Says when it goes.
+class CountedSource final : public Source {
+  public:
+    explicit CountedSource(int& living) : living_(living) { ++living_; }
+    ~CountedSource() override { --living_; }
+    std::string kind() const override { return "counted"; }
+    std::string location() const override { return "nowhere"; }
+    Result<std::shared_ptr<const MediaSnapshot>> read() override { return MediaSnapshot::empty(); }
+    std::optional<NSData> artwork(std::uint64_t) const override { return NSData{"picture"}; }
+
+  private:
+    int& living_;
+};
+
+TEST(MPMediaLibrary, aSourceLivesAsLongAsSomebodyReadsPicturesFromIt) {
+    MediaLibraryFixture fixture;
+    int living = 0;
+    fixture.library().setSource(std::make_shared<CountedSource>(living));
+    std::shared_ptr<const Source> reader = fixture.library().source();
+    fixture.library().setSource(nullptr);
+    ASSERT_EQ(living, 1);
+    EXPECT_EQ(reader->artwork(1), NSData{"picture"});
+    reader = nullptr;
+    EXPECT_EQ(living, 0);
 }
 
 TEST(MPMediaLibrary, PublishesNothingAsAnEmptySnapshot) {
