@@ -95,7 +95,7 @@ GroupedSongs::GroupedSongs(const MediaSnapshot& snapshot, SongGroup group) {
 
 SearchIndex::Basis SearchIndex::Basis::current() {
     return {
-        MPMediaLibrary::defaultMediaLibrary().snapshot(), Port<Regional>::current().locale(),
+        MPMediaLibrary::defaultMediaLibrary().snapshot(), Port<Regional>::current().orderLocale(),
         NSUserDefaults::standardUserDefaults().boolForKey(RVQueryManager::splitCompilationsKey)};
 }
 

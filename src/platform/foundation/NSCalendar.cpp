@@ -112,9 +112,12 @@ std::int64_t NSCalendar::dayComponentFromDate(NSDate from, NSDate to) const {
 }
 
 Regional Regional::fromEnvironment() {
+    const auto localeOf = [](const char* category) {
+        return SystemZone::localeName(
+            {std::getenv("LC_ALL"), std::getenv(category), std::getenv("LANG")});
+    };
     return Regional(NSTimeZone::systemTimeZone(),
-                    SystemZone::localeName(
-                        {std::getenv("LC_ALL"), std::getenv("LC_COLLATE"), std::getenv("LANG")}));
+                    Locales{localeOf("LC_TIME"), localeOf("LC_COLLATE"), localeOf("LC_MESSAGES")});
 }
 
 }  // namespace tavrion

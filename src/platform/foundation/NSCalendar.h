@@ -4,6 +4,9 @@
 // Regional.
 #pragma once
 
+#include <string>
+#include <utility>
+
 #include "platform/foundation/NSTimeZone.h"
 #include "platform/foundation/Port.h"
 
@@ -42,24 +45,43 @@ class NSCalendar {
     NSTimeZone zone_;
 };
 
-/// Where the user is: the zone of the calendar and the locale of texts.
+/// Locales by what they decide, as ICU names ("de_DE").
+struct Locales {
+    /// Dates, durations and numbers.
+    std::string formats;
+    /// The order of names, and which letters a search takes for the same.
+    std::string order;
+    /// The language of the program's own texts.
+    std::string words;
+    bool operator==(const Locales&) const = default;
+};
+
+/// Where the user is: the zone of the calendar and the locales of texts.
 class Regional {
   public:
     static constexpr const char* portName = "a region is plugged in";
-    /// `locale` is an ICU name ("de_DE").
-    Regional(NSTimeZone zone, std::string locale)
-        : zone_(std::move(zone)), locale_(std::move(locale)) {}
-    /// From the environment: TZ, and LC_ALL or LC_COLLATE or LANG; "C" and "POSIX" mean en_US.
+    /// One locale for everything.
+    Regional(NSTimeZone zone, const std::string& locale)
+        : Regional(std::move(zone), Locales{locale, locale, locale}) {}
+    Regional(NSTimeZone zone, Locales locales)
+        : zone_(std::move(zone)), locales_(std::move(locales)) {}
+    /// From the environment: TZ; and for formats LC_TIME, for the order LC_COLLATE, for words
+    /// LC_MESSAGES, each after LC_ALL and before LANG; "C" and "POSIX" mean en_US.
     static Regional fromEnvironment();
 
     const NSTimeZone& timeZone() const& { return zone_; }
     NSTimeZone timeZone() && { return std::move(zone_); }
-    const std::string& locale() const& { return locale_; }
-    std::string locale() && { return std::move(locale_); }
+    /// Of dates, durations and numbers.
+    const std::string& locale() const& { return locales_.formats; }
+    std::string locale() && { return std::move(locales_.formats); }
+    const Locales& locales() const& { return locales_; }
+    Locales locales() && { return std::move(locales_); }
+    const std::string& orderLocale() const& { return locales_.order; }
+    std::string orderLocale() && { return std::move(locales_.order); }
 
   private:
     NSTimeZone zone_;
-    std::string locale_;
+    Locales locales_;
 };
 
 }  // namespace tavrion

@@ -72,7 +72,7 @@ const Collators& currentCollators() {
     static OpenedCollators opened;
     thread_local std::string lastLocale;
     thread_local std::shared_ptr<const Collators> last;
-    const std::string& locale = Port<Regional>::current().locale();
+    const std::string& locale = Port<Regional>::current().orderLocale();
     if (!last || lastLocale != locale) {
         last = opened.forLocale(locale);
         lastLocale = locale;

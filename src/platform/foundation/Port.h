@@ -31,6 +31,8 @@ class Port {
         ~Plug() { slot().store(before_); }
         Plug(const Plug&) = delete;
         Plug& operator=(const Plug&) = delete;
+        /// Another object in the place of this one's; who asks at the same time gets either.
+        void replace(Interface& object) { slot().store(&object); }
 
       private:
         Interface* before_;

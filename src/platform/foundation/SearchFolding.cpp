@@ -48,7 +48,7 @@ icu::UnicodeString withoutMarksOnEarlyScripts(const icu::UnicodeString& text) {
 }
 
 std::uint32_t foldingOfLocale() {
-    const std::string& locale = Port<Regional>::current().locale();
+    const std::string& locale = Port<Regional>::current().orderLocale();
     const std::string language = locale.substr(0, locale.find_first_of("_-.@"));
     return language == "tr" || language == "az" ? U_FOLD_CASE_EXCLUDE_SPECIAL_I
                                                 : U_FOLD_CASE_DEFAULT;

@@ -16,7 +16,7 @@ namespace {
 std::optional<std::string> keyOf(const Source& source) {
     const std::optional<std::string> stamp = source.stamp();
     return stamp ? std::optional(fmt::format("{}\n{}\n{}\n{}", source.kind(), source.location(),
-                                             *stamp, Port<Regional>::current().locale()))
+                                             *stamp, Port<Regional>::current().orderLocale()))
                  : std::nullopt;
 }
 

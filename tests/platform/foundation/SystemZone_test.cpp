@@ -7,6 +7,8 @@
 #include <map>
 
 #include "platform/foundation/NSCalendar.h"
+#include "platform/foundation/NSNumberFormatter.h"
+#include "platform/foundation/NSString+Entended.h"
 
 namespace tavrion {
 namespace {
@@ -99,19 +101,45 @@ TEST(SystemZone, TheFirstValueGivesTheLocale) {
 TEST(Regional, ComesFromTheEnvironment) {
     const Environment environment({{"TZ", ":Africa/Cairo"},
                                    {"LC_ALL", nullptr},
-                                   {"LC_COLLATE", "da_DK.UTF-8"},
+                                   {"LC_TIME", nullptr},
+                                   {"LC_COLLATE", nullptr},
+                                   {"LC_MESSAGES", nullptr},
                                    {"LANG", "fr_FR.UTF-8"}});
     const Regional region = Regional::fromEnvironment();
     EXPECT_EQ(region.timeZone().name(), "Africa/Cairo");
-    EXPECT_EQ(region.locale(), "da_DK");
+    EXPECT_EQ(region.locales(), (Locales{"fr_FR", "fr_FR", "fr_FR"}));
+    EXPECT_EQ(region.locale(), "fr_FR");
+}
+
+TEST(Regional, eachVariableDecidesItsOwnMatter) {
+    const Environment environment({{"TZ", "UTC"},
+                                   {"LC_ALL", nullptr},
+                                   {"LC_TIME", "de_DE.UTF-8"},
+                                   {"LC_COLLATE", "da_DK.UTF-8"},
+                                   {"LC_MESSAGES", "C"},
+                                   {"LANG", "fr_FR.UTF-8"}});
+    const Regional region = Regional::fromEnvironment();
+    EXPECT_EQ(region.locales(), (Locales{"de_DE", "da_DK", "en_US"}));
+    EXPECT_EQ(region.locale(), "de_DE");
+    EXPECT_EQ(region.orderLocale(), "da_DK");
 }
 
 TEST(Regional, LC_ALLGoesBeforeTheOthers) {
     const Environment environment({{"TZ", "UTC"},
                                    {"LC_ALL", "th_TH.UTF-8"},
+                                   {"LC_TIME", "de_DE.UTF-8"},
                                    {"LC_COLLATE", "da_DK.UTF-8"},
+                                   {"LC_MESSAGES", "sv_SE.UTF-8"},
                                    {"LANG", "fr_FR.UTF-8"}});
-    EXPECT_EQ(Regional::fromEnvironment().locale(), "th_TH");
+    EXPECT_EQ(Regional::fromEnvironment().locales(), (Locales{"th_TH", "th_TH", "th_TH"}));
+}
+
+/// Swedish puts Ä behind Z, German beside A: names go by the order, numbers by the formats.
+TEST(Regional, namesAreOrderedByTheirOwnLocale) {
+    Regional region(NSTimeZone(), Locales{"de_DE", "sv_SE", "en_US"});
+    const Port<Regional>::Plug plug(region);
+    EXPECT_EQ(Entended::smartAlphabeticalCompare("Ära", "Zebra"), NSComparisonResult::descending);
+    EXPECT_EQ(NSNumberFormatter(NSNumberFormatterStyle::decimal).stringFromNumber(1.5), "1,5");
 }
 
 }  // namespace
