@@ -24,4 +24,8 @@ std::optional<NSData> Source::bestImageFromDisk(MPMediaGrouping, std::uint64_t) 
     return std::nullopt;
 }
 
+Result<Observation> Source::watch(Work) {
+    return Observation();
+}
+
 }  // namespace tavrion

@@ -1,17 +1,18 @@
 // Where a media library comes from: the library of one player, read into snapshots.
 //
-// Queue: one caller at a time, any queue; read() may take seconds. Who owns: the composition root.
+// Queue: one caller at a time, any queue; read() may take seconds. Who owns: the media library, and
+// whoever still reads pictures from it.
 // What a source cannot do it says in its capabilities; the screens leave that action out.
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
-#include <vector>
 
+#include "platform/foundation/Executor.h"
+#include "platform/foundation/Observation.h"
 #include "platform/foundation/Result.h"
 #include "platform/foundation/Value.h"
 #include "platform/mediaplayer/MPMediaItemCollection.h"
@@ -19,17 +20,12 @@
 
 namespace tavrion {
 
+class MPMusicPlayerController;
+
 struct SourceCapabilities {
     bool canWriteLikes = false;
     bool canWritePlaylists = false;
     bool canPlay = false;
-};
-
-/// What to watch to learn that a library changed. Owners replace their files whole, so the
-/// directory is watched for the file's name.
-struct SourceWatch {
-    std::filesystem::path directory;
-    std::string fileName;
 };
 
 class Source {
@@ -63,8 +59,13 @@ class Source {
     /// disk.
     virtual std::optional<NSData> bestImageFromDisk(MPMediaGrouping grouping,
                                                     std::uint64_t persistentID) const;
-    /// Empty when nothing on disk tells of changes.
-    virtual std::vector<SourceWatch> watches() const { return {}; }
+    /// Calls `changed` on a thread of the watch's own each time the library is another one and has
+    /// settled since, until the returned Observation ends. An empty one where nothing tells of
+    /// changes; the error is one line.
+    virtual Result<Observation> watch(Work changed);
+    /// Who plays the library's songs, for the main queue; null where nobody takes commands. It goes
+    /// with the source.
+    virtual MPMusicPlayerController* player() { return nullptr; }
 };
 
 }  // namespace tavrion

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/dispatch/FileWatch.h"
 #include "sources/musicxml/MusicXmlParser.h"
 #include "sources/musicxml/SettledReading.h"
 
@@ -125,10 +126,8 @@ Result<std::shared_ptr<const MediaSnapshot>> MusicXmlSource::read() {
     }
 }
 
-std::vector<SourceWatch> MusicXmlSource::watches() const {
-    const std::filesystem::path directory = file_.parent_path();
-    return {
-        {directory.empty() ? std::filesystem::path(".") : directory, file_.filename().string()}};
+Result<Observation> MusicXmlSource::watch(Work changed) {
+    return watchFile(file_, std::move(changed));
 }
 
 void registerMusicXmlSource(SourceRegistry& registry) {

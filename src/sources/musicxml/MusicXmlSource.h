@@ -24,7 +24,7 @@ class MusicXmlSource final : public Source {
     /// Which file it is, its size and its time.
     std::optional<std::string> stamp() const override;
     Result<std::shared_ptr<const MediaSnapshot>> read() override;
-    std::vector<SourceWatch> watches() const override;
+    Result<Observation> watch(Work changed) override;
 
   private:
     std::filesystem::path file_;

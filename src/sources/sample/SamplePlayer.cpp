@@ -1,6 +1,10 @@
 #include "sources/sample/SamplePlayer.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "sources/sample/SampleRandom.h"
 
 namespace tavrion {
 
@@ -79,9 +83,43 @@ Result<void> SamplePlayer::setQueue(const std::vector<std::uint64_t>& songs) {
     });
 }
 
+Result<void> SamplePlayer::setShuffle(SampleShuffle shuffle) {
+    return change([shuffle](SampleState& state, NSDate) { state.shuffle = shuffle; });
+}
+
+/// Songs that stay together are shuffled as one: each song alone, or the songs of an album that
+/// follow each other. The instant decides, so that no two starts are alike.
+void SamplePlayer::shuffle(SampleState& state, NSDate now) const {
+    std::vector<std::vector<std::uint64_t>> parts;
+    const SampleAlbum* last = nullptr;
+    for (const std::uint64_t persistentID : state.queue.songs) {
+        const auto song = catalogue_.songOfPersistentID(persistentID);
+        const SampleAlbum* album = song ? &catalogue_.albumOfSong(*song) : nullptr;
+        if (state.shuffle == SampleShuffle::songs || album == nullptr || album != last) {
+            parts.emplace_back();
+        }
+        parts.back().push_back(persistentID);
+        last = album;
+    }
+    SampleRandom random(sampleHash(
+        static_cast<std::uint64_t>(std::llround(now.timeIntervalSinceReferenceDate() * 1000)),
+        SamplePurpose::shuffle));
+    for (std::size_t left = parts.size(); left > 1; --left) {
+        std::swap(parts[left - 1], parts[random.below(static_cast<std::uint32_t>(left))]);
+    }
+    state.queue.songs.clear();
+    for (const auto& part : parts) {
+        state.queue.songs.insert(state.queue.songs.end(), part.begin(), part.end());
+    }
+}
+
 Result<void> SamplePlayer::play() {
-    return change([](SampleState& state, NSDate now) {
+    return change([this](SampleState& state, NSDate now) {
         if (!hasEnded(state.queue) && !state.queue.playingSince) {
+            if (state.shuffle != SampleShuffle::off && state.queue.index == 0 &&
+                state.queue.position == 0) {
+                shuffle(state, now);
+            }
             state.queue.playingSince = now;
         }
     });

@@ -47,6 +47,8 @@ class SamplePlayer {
     /// Puts other songs in place of the queue and stands before the first. It has to be played.
     /// Songs that are not in the library at present are left out.
     Result<void> setQueue(const std::vector<std::uint64_t>& songs);
+    /// Stays for later queues too. A queue is put into its order when it begins to play.
+    Result<void> setShuffle(SampleShuffle shuffle);
     Result<void> play();
     Result<void> pause();
     Result<void> skipToNextItem();
@@ -55,6 +57,8 @@ class SamplePlayer {
   private:
     /// Brings the queue to the present, then lets `work` do something with it.
     Result<void> change(const std::function<void(SampleState&, NSDate)>& work);
+
+    void shuffle(SampleState& state, NSDate now) const;
 
     const SampleStateFile& file_;
     const SampleCatalogue& catalogue_;

@@ -46,6 +46,7 @@ enum class SamplePurpose : std::uint64_t {
     seasonFavourites,
     affinity,
     noticed,
+    shuffle,
 };
 
 constexpr std::uint64_t sampleHash(std::uint64_t seed, SamplePurpose purpose,

@@ -7,6 +7,7 @@
 #include <new>
 #include <optional>
 
+#include "platform/dispatch/FileWatch.h"
 #include "platform/foundation/NSCalendar.h"
 #include "platform/mediaplayer/MediaSnapshotBuilder.h"
 #include "sources/sample/SampleListener.h"
@@ -113,7 +114,10 @@ class SampleReading {
 }  // namespace
 
 SampleSource::SampleSource(std::uint32_t songs, std::filesystem::path stateFile, std::uint64_t seed)
-    : catalogue_(seed, songs), file_(std::move(stateFile)), player_(file_, catalogue_) {}
+    : catalogue_(seed, songs),
+      file_(std::move(stateFile)),
+      player_(file_, catalogue_),
+      musicPlayer_(player_) {}
 
 std::string SampleSource::location() const {
     return std::to_string(catalogue_.outlines().size);
@@ -172,10 +176,8 @@ Result<void> SampleSource::addToPlaylist(std::uint64_t playlistID,
     return written;
 }
 
-std::vector<SourceWatch> SampleSource::watches() const {
-    const std::filesystem::path directory = file_.path().parent_path();
-    return {{directory.empty() ? std::filesystem::path(".") : directory,
-             file_.path().filename().string()}};
+Result<Observation> SampleSource::watch(Work changed) {
+    return watchFile(file_.path(), std::move(changed));
 }
 
 void registerSampleSource(SourceRegistry& registry, const std::filesystem::path& stateFile) {

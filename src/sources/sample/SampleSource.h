@@ -13,6 +13,7 @@
 #include "platform/mediaplayer/Source.h"
 #include "platform/mediaplayer/SourceRegistry.h"
 #include "sources/sample/SampleCatalogue.h"
+#include "sources/sample/SampleMusicPlayer.h"
 #include "sources/sample/SamplePlayer.h"
 #include "sources/sample/SampleStateFile.h"
 
@@ -38,15 +39,18 @@ class SampleSource final : public Source {
                                          std::span<const std::uint64_t> songs) override;
     Result<void> addToPlaylist(std::uint64_t playlistID,
                                std::span<const std::uint64_t> songs) override;
-    std::vector<SourceWatch> watches() const override;
+    /// Of what the user changes, in whichever process; what is heard comes with the clock alone.
+    Result<Observation> watch(Work changed) override;
+    MPMusicPlayerController* player() override { return &musicPlayer_; }
 
     const SampleCatalogue& catalogue() const { return catalogue_; }
-    SamplePlayer& player() { return player_; }
+    SamplePlayer& samplePlayer() { return player_; }
 
   private:
     const SampleCatalogue catalogue_;
     const SampleStateFile file_;
     SamplePlayer player_;
+    SampleMusicPlayer musicPlayer_;
 };
 
 /// Makes "sample" known. `stateFile` is where the user's changes are kept; its folder exists.

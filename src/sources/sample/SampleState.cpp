@@ -157,6 +157,14 @@ void SampleStateReader::readQueue(const Value& document, SampleState& state) {
     if (state.queue.index > state.queue.songs.size() || state.queue.position < 0) {
         fail("the player stands outside of its queue");
     }
+    if (const Value* shuffle = find(queue, "shuffle")) {
+        const auto* order = shuffle->get<std::int64_t>();
+        if (order == nullptr || *order < 1 || *order > 3) {
+            fail("the player's order is not a number from 1 to 3");
+            return;
+        }
+        state.shuffle = static_cast<SampleShuffle>(*order);
+    }
     const Value* since = find(queue, "playingSince");
     if (since != nullptr && !since->isAbsent()) {
         state.queue.playingSince =
@@ -201,11 +209,13 @@ std::string SampleState::text() const {
                                        {"date", ending.date.timeIntervalSinceReferenceDate()},
                                        {"whole", ending.isWhole}});
     }
+    Dictionary player = membersOf(queue);
+    player["shuffle"] = static_cast<std::int64_t>(shuffle);
     const Dictionary document{{"format", formatNumber},
                               {"likedStates", std::move(likes)},
                               {"playlists", std::move(lists)},
                               {"played", std::move(played)},
-                              {"player", membersOf(queue)}};
+                              {"player", std::move(player)}};
     return JsonText::textOf(document, 1) + "\n";
 }
 

@@ -43,12 +43,16 @@ struct SampleUserPlaylist {
     bool operator==(const SampleUserPlaylist&) const = default;
 };
 
+/// In which order the player takes the songs of a queue.
+enum class SampleShuffle : std::uint8_t { off = 1, songs = 2, albums = 3 };
+
 struct SampleState {
     std::map<std::uint64_t, std::uint32_t> likedStates;
     std::vector<SampleUserPlaylist> playlists;
     /// In the order in which they happened.
     std::vector<SampleEnding> endings;
     SampleQueue queue;
+    SampleShuffle shuffle = SampleShuffle::off;
     bool operator==(const SampleState&) const = default;
 
     /// As JSON.

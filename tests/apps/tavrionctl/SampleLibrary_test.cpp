@@ -201,8 +201,8 @@ TEST_F(SampleLibraryTest, WhatTheUserChangedIsThereInTheNextProcess) {
     SampleSource source(200, stateFile());
     ASSERT_TRUE(source.setLiked(song, 3));
     ASSERT_TRUE(source.createPlaylist("Mine", std::vector<std::uint64_t>{song}));
-    ASSERT_TRUE(source.player().setQueue({song}));
-    ASSERT_TRUE(source.player().play());
+    ASSERT_TRUE(source.samplePlayer().setQueue({song}));
+    ASSERT_TRUE(source.samplePlayer().play());
     const std::string later = "2026-03-15T03:30:00Z";
     const json after = value(later, {"library", "songs"})[0];
     EXPECT_EQ(after["persistentID"], song);

@@ -65,7 +65,8 @@ TEST(Source, CanDoNothingButReadUnlessItSaysSo) {
     EXPECT_FALSE(source.capabilities().canWriteLikes);
     EXPECT_FALSE(source.capabilities().canWritePlaylists);
     EXPECT_FALSE(source.capabilities().canPlay);
-    EXPECT_TRUE(source.watches().empty());
+    EXPECT_TRUE(source.watch([] {}).ok());
+    EXPECT_EQ(source.player(), nullptr);
     const auto written = source.setLiked(1, 2);
     ASSERT_FALSE(written.ok());
     EXPECT_NE(written.error().localizedDescription.find("plain"), std::string::npos);

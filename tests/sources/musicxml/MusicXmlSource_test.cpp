@@ -2,13 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fstream>
+#include <future>
 
+#include "platform/foundation/FileReplacement.h"
 #include "platform/mediaplayer/MPMediaQuery.h"
 #include "platform/testing/MediaLibraryFixture.h"
 #include "sources/musicxml/SettledReading.h"
 #include "tests/sources/musicxml/LibraryText.h"
 #include "tests/support/RealData.h"
+#include "tests/support/TestFolder.h"
 
 namespace tavrion {
 namespace {
@@ -86,11 +90,20 @@ TEST_F(MusicXmlSourceTest, RegistersItsKind) {
     EXPECT_EQ(source.value()->kind(), "music-xml");
     EXPECT_EQ(source.value()->location(), "/music/Library.xml");
     EXPECT_FALSE(source.value()->capabilities().canWriteLikes);
-    ASSERT_EQ(source.value()->watches().size(), 1U);
-    EXPECT_EQ(source.value()->watches()[0].directory, "/music");
-    EXPECT_EQ(source.value()->watches()[0].fileName, "Library.xml");
+    EXPECT_EQ(source.value()->player(), nullptr);
     EXPECT_FALSE(registry.create("music-xml", "").ok());
-    EXPECT_EQ(MusicXmlSource("Library.xml").watches()[0].directory, ".");
+}
+
+TEST_F(MusicXmlSourceTest, noticesThatItsFileWasReplaced) {
+    const TestFolder folder;
+    const auto file = folder.path() / "Library.xml";
+    ASSERT_FALSE(FileReplacement::replace(file, "old"));
+    MusicXmlSource source(file);
+    std::promise<void> changed;
+    auto watching = source.watch([&] { changed.set_value(); });
+    ASSERT_TRUE(watching.ok());
+    ASSERT_FALSE(FileReplacement::replace(file, "new"));
+    EXPECT_EQ(changed.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
 }
 
 class Settling : public testing::Test {

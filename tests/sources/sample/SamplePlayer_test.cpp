@@ -1,5 +1,9 @@
 #include "sources/sample/SamplePlayer.h"
 
+#include <algorithm>
+
+#include "platform/testing/MediaLibraryFixture.h"
+#include "sources/sample/SampleMusicPlayer.h"
 #include "tests/sources/sample/SampleFixture.h"
 #include "tests/support/TestFolder.h"
 
@@ -208,6 +212,89 @@ TEST_F(SamplePlayerTest, ABrokenFileIsTold) {
     EXPECT_FALSE(player.play());
     EXPECT_FALSE(player.pause());
     EXPECT_FALSE(player.skipToNextItem());
+}
+
+TEST_F(SamplePlayerTest, shufflesAQueueWhenItBeginsToPlay) {
+    std::vector<std::uint64_t> songs;
+    for (std::uint32_t song = 30; song < 90; ++song) {
+        if (catalogue.hasSong(song, clock.now())) {
+            songs.push_back(idOf(song));
+        }
+    }
+    ASSERT_GT(songs.size(), 20U);
+    const auto queued = [&] { return file.read().value().queue.songs; };
+    SamplePlayer player(file, catalogue);
+    ASSERT_TRUE(player.setShuffle(SampleShuffle::songs));
+    setQueue(songs);
+    EXPECT_EQ(queued(), songs) << "not before it plays";
+    play();
+    const std::vector<std::uint64_t> shuffled = queued();
+    EXPECT_NE(shuffled, songs);
+    EXPECT_TRUE(std::is_permutation(shuffled.begin(), shuffled.end(), songs.begin(), songs.end()));
+    clock.advance(1);
+    pause();
+    play();
+    EXPECT_EQ(queued(), shuffled) << "going on is no new beginning";
+    setQueue(songs);
+    ASSERT_TRUE(player.setShuffle(SampleShuffle::off));
+    play();
+    EXPECT_EQ(queued(), songs);
+}
+
+TEST_F(SamplePlayerTest, albumsAreShuffledWhole) {
+    std::vector<std::uint64_t> songs;
+    for (std::uint32_t song = 30; song < 90; ++song) {
+        if (catalogue.hasSong(song, clock.now())) {
+            songs.push_back(idOf(song));
+        }
+    }
+    const auto albumsOf = [&](const std::vector<std::uint64_t>& list) {
+        std::vector<const SampleAlbum*> albums;
+        for (const std::uint64_t id : list) {
+            const SampleAlbum* album = &catalogue.albumOfSong(*catalogue.songOfPersistentID(id));
+            if (albums.empty() || albums.back() != album) {
+                albums.push_back(album);
+            }
+        }
+        return albums;
+    };
+    const auto before = albumsOf(songs);
+    ASSERT_GT(before.size(), 3U);
+    ASSERT_TRUE(SamplePlayer(file, catalogue).setShuffle(SampleShuffle::albums));
+    // Few albums may come out as they went in, but not at many instants in turn.
+    bool isOtherOrder = false;
+    for (int i = 0; i < 10; ++i) {
+        clock.advance(1);
+        setQueue(songs);
+        play();
+        const auto after = albumsOf(file.read().value().queue.songs);
+        EXPECT_EQ(after.size(), before.size()) << "none is torn";
+        isOtherOrder = isOtherOrder || after != before;
+    }
+    EXPECT_TRUE(isOtherOrder);
+}
+
+TEST_F(SamplePlayerTest, obeysAsAnyPlayer) {
+    MediaLibraryFixture library({{.title = "One", .persistentID = idOf(first)},
+                                 {.title = "Two", .persistentID = idOf(second)}});
+    SamplePlayer player(file, catalogue);
+    SampleMusicPlayer controller(player);
+    MPMusicPlayerController& any = controller;
+    any.setQueueWithDescriptor(MPMusicPlayerMediaItemQueueDescriptor(
+        MPMediaItemCollection({library.song("Two"), library.song("One")})));
+    any.setShuffleMode(MPMusicShuffleMode::off);
+    any.prepareToPlay();
+    EXPECT_EQ(status().state, PlaybackState::paused);
+    any.play();
+    EXPECT_EQ(status().state, PlaybackState::playing);
+    EXPECT_EQ(status().song, idOf(second));
+    EXPECT_EQ(file.read().value().queue.songs, (std::vector{idOf(second), idOf(first)}));
+    any.setShuffleMode(MPMusicShuffleMode::albums);
+    EXPECT_EQ(file.read().value().shuffle, SampleShuffle::albums);
+    any.setShuffleMode(MPMusicShuffleMode::byUser);
+    EXPECT_EQ(file.read().value().shuffle, SampleShuffle::albums) << "as it was";
+    any.setShuffleMode(MPMusicShuffleMode::songs);
+    EXPECT_EQ(file.read().value().shuffle, SampleShuffle::songs);
 }
 
 }  // namespace

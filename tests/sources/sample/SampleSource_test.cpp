@@ -1,6 +1,8 @@
 #include "sources/sample/SampleSource.h"
 
+#include <chrono>
 #include <fstream>
+#include <future>
 #include <set>
 
 #include "sources/sample/SampleListener.h"
@@ -71,9 +73,17 @@ TEST_F(SampleSourceTest, CanDoEverything) {
     EXPECT_TRUE(source->capabilities().canWriteLikes);
     EXPECT_TRUE(source->capabilities().canWritePlaylists);
     EXPECT_TRUE(source->capabilities().canPlay);
-    ASSERT_EQ(source->watches().size(), 1U);
-    EXPECT_EQ(source->watches()[0].directory, folder.path());
-    EXPECT_EQ(source->watches()[0].fileName, "sample.json");
+    EXPECT_NE(source->player(), nullptr);
+}
+
+TEST_F(SampleSourceTest, noticesWhatTheUserChanges) {
+    const auto source = sourceOf("10");
+    std::promise<void> changed;
+    auto watching = source->watch([&] { changed.set_value(); });
+    ASSERT_TRUE(watching.ok());
+    const SampleCatalogue catalogue(SampleSource::usualSeed, 10);
+    ASSERT_TRUE(sourceOf("10")->setLiked(catalogue.persistentIDOfSong(0), 2));
+    EXPECT_EQ(changed.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
 }
 
 TEST_F(SampleSourceTest, CountsAndDatesAreThoseOfTheListenerInTheCurrentZone) {
@@ -190,10 +200,10 @@ TEST_F(SampleSourceTest, WhatThePlayerPlaysCountsAtALaterReading) {
     const std::uint64_t plays = before.at(song).playCount;
     const std::uint64_t skips = before.at(left).skipCount;
     SampleSource source(500, stateFile());
-    ASSERT_TRUE(source.player().setQueue({left, song}));
-    ASSERT_TRUE(source.player().play());
+    ASSERT_TRUE(source.samplePlayer().setQueue({left, song}));
+    ASSERT_TRUE(source.samplePlayer().play());
     clock.advance(20);
-    ASSERT_TRUE(source.player().skipToNextItem());
+    ASSERT_TRUE(source.samplePlayer().skipToNextItem());
     const NSDate skipped = clock.now();
     const NSDate end = skipped.dateByAddingTimeInterval(catalogue.durationOfSong(300));
     clock.set(end.dateByAddingTimeInterval(-1));
@@ -207,7 +217,7 @@ TEST_F(SampleSourceTest, WhatThePlayerPlaysCountsAtALaterReading) {
     EXPECT_EQ(snapshot->date(*snapshot->positionOfPersistentID(left), SongDate::lastSkipped),
               skipped);
     // Brought into the file, it is the same, and an earlier instant does not know of it.
-    ASSERT_TRUE(source.player().pause());
+    ASSERT_TRUE(source.samplePlayer().pause());
     EXPECT_TRUE(areByteEqual(*read(), *snapshot));
     clock.set(instant("2026-03-02T03:00:00Z"));
     EXPECT_EQ(byPersistentID(*read()).at(song).playCount, plays);
