@@ -113,6 +113,17 @@ struct PlaylistRecord {
 };
 static_assert(sizeof(PlaylistRecord) == 40, "a record has no hidden gaps");
 
+/// A song that came with the persistent identifier of an earlier one.
+struct DuplicateSongRecord {
+    /// As it came.
+    std::uint64_t persistentID = 0;
+    /// What it is known by instead; 0 when it was left out, since the two had one location or none.
+    std::uint64_t ownPersistentID = 0;
+    TextReference title;
+    TextReference artist;
+};
+static_assert(sizeof(DuplicateSongRecord) == 32, "a record has no hidden gaps");
+
 /// Positions by the hash of a key: bucket b holds entries[starts[b]] up to entries[starts[b + 1]],
 /// in library order. There are starts.size() - 1 buckets, a power of two. Whoever looks up compares
 /// the key itself.
@@ -128,6 +139,7 @@ struct MediaSnapshotParts {
     std::span<const SongRecord> songs;
     std::span<const PlaylistRecord> playlists;
     std::span<const std::uint32_t> playlistSongs;
+    std::span<const DuplicateSongRecord> duplicates;
     PositionIndex byPersistentID;
     /// By mediaTextHash().
     PositionIndex byTitle;
@@ -148,8 +160,9 @@ class MediaSnapshot {
     const MediaSnapshotParts& parts() const { return parts_; }
     std::span<const SongRecord> songs() const { return parts_.songs; }
     std::span<const PlaylistRecord> playlists() const { return parts_.playlists; }
-    /// Songs left out because an earlier one had the same persistent identifier, or because there
-    /// was no room.
+    /// In the order in which they came.
+    std::span<const DuplicateSongRecord> duplicates() const { return parts_.duplicates; }
+    /// Songs left out because an earlier one was the same, or because there was no room.
     std::uint64_t droppedSongCount() const { return parts_.droppedSongCount; }
 
     std::optional<std::string_view> text(TextReference reference) const;

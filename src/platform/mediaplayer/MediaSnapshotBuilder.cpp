@@ -1,5 +1,8 @@
 #include "platform/mediaplayer/MediaSnapshotBuilder.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <array>
 #include <unordered_map>
 
@@ -15,6 +18,7 @@ struct Arrays {
     std::vector<SongRecord> songs;
     std::vector<PlaylistRecord> playlists;
     std::vector<std::uint32_t> playlistSongs;
+    std::vector<DuplicateSongRecord> duplicates;
     PositionIndexArrays byPersistentID;
     PositionIndexArrays byTitle;
     PositionIndexArrays byAlbumTitle;
@@ -55,6 +59,10 @@ SongRecord recordWithoutTexts(const SongDescription& song) {
     record.flags |= song.isCloudItem ? SongRecord::cloud : 0U;
     record.flags |= song.existsInLibrary ? 0U : SongRecord::outsideLibrary;
     return record;
+}
+
+std::uint64_t locationHash(const SongDescription& song) {
+    return song.location && !song.location->empty() ? mediaTextHash(*song.location) : 0;
 }
 
 void removeSharedStoreIDs(std::vector<SongRecord>& songs, std::string_view texts) {
@@ -109,6 +117,7 @@ MediaSnapshotParts partsOf(const Arrays& arrays) {
     parts.songs = arrays.songs;
     parts.playlists = arrays.playlists;
     parts.playlistSongs = arrays.playlistSongs;
+    parts.duplicates = arrays.duplicates;
     parts.byPersistentID = arrays.byPersistentID.view();
     parts.byTitle = arrays.byTitle.view();
     parts.byAlbumTitle = arrays.byAlbumTitle.view();
@@ -124,6 +133,8 @@ struct MediaSnapshotBuilder::Storage {
     Arrays arrays;
     /// Place of the song in `arrays.songs` by its persistent identifier.
     std::unordered_map<std::uint64_t, std::uint32_t> positions;
+    /// Hashes, by the place of the song in `arrays.songs`; 0 for none.
+    std::vector<std::uint64_t> locations;
     /// By playlist, in the order of addPlaylist(); PlaylistRecord tells the range.
     std::vector<std::uint64_t> playlistSongIDs;
     /// The texts of the song before: neighbours often share artist and album.
@@ -138,6 +149,7 @@ MediaSnapshotBuilder::~MediaSnapshotBuilder() = default;
 void MediaSnapshotBuilder::reserve(std::size_t songs, std::size_t textBytes) {
     storage_->arrays.songs.reserve(songs);
     storage_->positions.reserve(songs);
+    storage_->locations.reserve(songs);
     storage_->arrays.texts.reserve(textBytes);
 }
 
@@ -159,19 +171,57 @@ TextReference MediaSnapshotBuilder::addText(std::optional<std::string_view> text
     return last;
 }
 
-void MediaSnapshotBuilder::addSong(const SongDescription& song) {
+/// Absent when the song is at the location of another one of its identifier.
+std::optional<std::uint64_t> MediaSnapshotBuilder::freeIdentifier(
+    const SongDescription& song) const {
+    const Storage& storage = *storage_;
+    const std::uint64_t location = locationHash(song);
+    std::uint64_t candidate = song.persistentID;
+    for (;;) {
+        const auto found = storage.positions.find(candidate);
+        if (found == storage.positions.end()) {
+            return candidate;
+        }
+        if (storage.locations[found->second] == location) {
+            return std::nullopt;
+        }
+        candidate = std::max<std::uint64_t>(1, mediaNumberHash(candidate ^ location));
+    }
+}
+
+void MediaSnapshotBuilder::noteDuplicate(const SongDescription& song, std::uint64_t own) {
+    TextReference none;
+    DuplicateSongRecord record{song.persistentID, own, addText(song.title, none), {}};
+    none = {};
+    record.artist = addText(song.artist, none);
+    storage_->arrays.duplicates.push_back(record);
+}
+
+std::uint64_t MediaSnapshotBuilder::addSong(const SongDescription& song) {
     Storage& storage = *storage_;
     const auto position = static_cast<std::uint32_t>(storage.arrays.songs.size());
-    if (storage.isFull || !storage.positions.try_emplace(song.persistentID, position).second) {
-        ++storage.droppedSongCount;
-        return;
+    const auto free = storage.isFull ? std::nullopt : freeIdentifier(song);
+    if (!storage.isFull && free != song.persistentID) {
+        noteDuplicate(song, free.value_or(0));
     }
+    if (!free) {
+        ++storage.droppedSongCount;
+        return song.persistentID;
+    }
+    const std::uint64_t persistentID = *free;
+    storage.positions.emplace(persistentID, position);
     SongRecord record = recordWithoutTexts(song);
+    record.persistentID = persistentID;
+    // Else the records of both would be taken for one song's.
+    const std::string ownLibraryID = fmt::format("{:016X}", persistentID);
+    const auto libraryID = song.libraryID && persistentID != song.persistentID
+                               ? std::optional<std::string_view>(ownLibraryID)
+                               : song.libraryID;
     // In the order of SongText.
     const std::array<std::optional<std::string_view>, songTextCount> texts{
         song.title,           song.artist,         song.albumArtist,     song.albumTitle,
         song.genre,           song.composer,       song.sortTitle,       song.sortArtist,
-        song.sortAlbumArtist, song.sortAlbumTitle, song.playbackStoreID, song.libraryID};
+        song.sortAlbumArtist, song.sortAlbumTitle, song.playbackStoreID, libraryID};
     for (std::size_t i = 0; i < songTextCount; ++i) {
         record.texts[i] = addText(texts[i], storage.lastTexts[i]);
     }
@@ -179,11 +229,13 @@ void MediaSnapshotBuilder::addSong(const SongDescription& song) {
         textOf(record, SongText::albumArtist) = textOf(record, SongText::artist);
     }
     if (storage.isFull) {
-        storage.positions.erase(song.persistentID);
+        storage.positions.erase(persistentID);
         ++storage.droppedSongCount;
-        return;
+        return persistentID;
     }
     storage.arrays.songs.push_back(record);
+    storage.locations.push_back(locationHash(song));
+    return persistentID;
 }
 
 void MediaSnapshotBuilder::addPlaylist(const PlaylistDescription& playlist) {

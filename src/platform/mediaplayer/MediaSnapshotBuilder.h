@@ -32,6 +32,8 @@ struct SongDescription {
     std::optional<std::string_view> playbackStoreID = {};
     /// Read back as "cloudUniversalLibraryId".
     std::optional<std::string_view> libraryID = {};
+    /// Where the song's file is; only tells two songs of one persistent identifier apart.
+    std::optional<std::string_view> location = {};
     /// Seconds.
     double playbackDuration = 0;
     /// Bytes.
@@ -77,8 +79,11 @@ class MediaSnapshotBuilder {
     MediaSnapshotBuilder& operator=(const MediaSnapshotBuilder&) = delete;
 
     void reserve(std::size_t songs, std::size_t textBytes);
-    /// The first song of a persistent identifier stays; later ones are dropped and counted.
-    void addSong(const SongDescription& song);
+    /// Gives the persistent identifier under which the song is known: its own, unless an earlier
+    /// song has it. Of two songs with one identifier the later one gets another, which follows from
+    /// identifier and location; at one and the same location, and where both have none, it is left
+    /// out. Either way it is noted among the duplicates.
+    std::uint64_t addSong(const SongDescription& song);
     void addPlaylist(const PlaylistDescription& playlist);
     /// Puts all in order and hands it over; the builder is empty afterwards.
     std::shared_ptr<const MediaSnapshot> finish();
@@ -87,6 +92,8 @@ class MediaSnapshotBuilder {
     struct Storage;
     /// `last` is a text that this one may repeat.
     TextReference addText(std::optional<std::string_view> text, TextReference& last);
+    std::optional<std::uint64_t> freeIdentifier(const SongDescription& song) const;
+    void noteDuplicate(const SongDescription& song, std::uint64_t own);
     void orderSongs();
     void resolvePlaylists();
     std::unique_ptr<Storage> storage_;

@@ -8,20 +8,21 @@
 #include <zlib.h>
 
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <type_traits>
 #include <vector>
+
+#include "platform/foundation/FileReplacement.h"
 
 namespace tavrion::MediaSnapshotFile {
 namespace {
 
 /// Of the arrays in the file; every record begins on such a boundary.
 constexpr std::size_t alignment = 64;
-/// texts, songs, playlists, playlist songs, and two arrays for each index.
-constexpr std::size_t partCount = 4 + 2 * (3 + songGroupCount);
+/// texts, songs, playlists, playlist songs, duplicates, and two arrays for each index.
+constexpr std::size_t partCount = 5 + 2 * (3 + songGroupCount);
 /// Changes with every change of what the arrays hold.
-constexpr std::uint32_t layoutVersion = 2;
+constexpr std::uint32_t layoutVersion = 3;
 
 struct Part {
     std::uint64_t offset = 0;
@@ -63,7 +64,8 @@ std::string_view bytesOf(std::span<const T> values) {
 
 std::vector<std::string_view> arraysOf(const MediaSnapshotParts& parts) {
     std::vector<std::string_view> arrays{parts.texts, bytesOf(parts.songs),
-                                         bytesOf(parts.playlists), bytesOf(parts.playlistSongs)};
+                                         bytesOf(parts.playlists), bytesOf(parts.playlistSongs),
+                                         bytesOf(parts.duplicates)};
     const auto add = [&](const PositionIndex& index) {
         arrays.push_back(bytesOf(index.starts));
         arrays.push_back(bytesOf(index.entries));
@@ -75,43 +77,6 @@ std::vector<std::string_view> arraysOf(const MediaSnapshotParts& parts) {
         add(index);
     }
     return arrays;
-}
-
-NSError failure(const std::filesystem::path& file) {
-    return {
-        fmt::format("{}: the snapshot can't be written ({})", file.string(), std::strerror(errno)),
-        {}};
-}
-
-/// A file of the calling scope's, closed with it.
-class Descriptor {
-  public:
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-    ~Descriptor() {
-        if (descriptor_ >= 0) {
-            ::close(descriptor_);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return descriptor_; }
-
-  private:
-    int descriptor_;
-};
-
-bool writeAll(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
 }
 
 /// The arrays one after the other, each on its boundary.
@@ -136,14 +101,14 @@ std::string bodyOf(std::string_view key, const MediaSnapshot& snapshot, Header& 
 class Mapping {
   public:
     explicit Mapping(const std::filesystem::path& file) {
-        const Descriptor open(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+        const OpenFile open(file, O_RDONLY);
         struct stat status {};
-        if (open.get() < 0 || ::fstat(open.get(), &status) != 0 || status.st_size <= 0) {
+        if (!open || ::fstat(open.descriptor(), &status) != 0 || status.st_size <= 0) {
             return;
         }
         const auto size = static_cast<std::size_t>(status.st_size);
         void* const place =
-            ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, open.get(), 0);
+            ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, open.descriptor(), 0);
         if (place != MAP_FAILED) {
             bytes_ = {static_cast<const char*>(place), size};
         }
@@ -183,6 +148,7 @@ MediaSnapshotParts partsOf(std::string_view bytes, const Header& header) {
     parts.songs = arrayAt<SongRecord>(bytes, *++next);
     parts.playlists = arrayAt<PlaylistRecord>(bytes, *++next);
     parts.playlistSongs = arrayAt<std::uint32_t>(bytes, *++next);
+    parts.duplicates = arrayAt<DuplicateSongRecord>(bytes, *++next);
     const auto index = [&] {
         const Part& starts = *++next;
         const Part& entries = *++next;
@@ -209,15 +175,13 @@ Result<void> write(const std::filesystem::path& file, std::string_view key,
     header.droppedSongCount = snapshot.droppedSongCount();
     header.checksum = checksumOf(body.data(), body.size());
     header.headerChecksum = checksumOf(header);
-    const std::filesystem::path draft = fmt::format("{}.new-{}", file.string(), ::getpid());
-    const Descriptor open(
-        ::open(draft.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (open.get() < 0 ||
-        !writeAll(open.get(), {reinterpret_cast<const char*>(&header), sizeof header}) ||
-        !writeAll(open.get(), body) || ::rename(draft.c_str(), file.c_str()) != 0) {
-        const NSError error = failure(file);
-        ::unlink(draft.c_str());
-        return error;
+    FileReplacement replacement(file);
+    replacement.write({reinterpret_cast<const char*>(&header), sizeof header});
+    replacement.write(body);
+    if (const auto failure = replacement.finish(FileReplacement::Durability::remakeable)) {
+        return NSError{
+            fmt::format("{}: the snapshot can't be written ({})", file.string(), failure.message()),
+            {}};
     }
     return {};
 }

@@ -284,11 +284,11 @@ bool MusicXmlDocument::endContainer() {
 
 void MusicXmlDocument::addTrack() {
     const SongDescription song = entry_.song();
-    builder_.addSong(song);
+    const std::uint64_t persistentID = builder_.addSong(song);
     if (entry_.hasInteger(MusicXmlKey::trackID)) {
-        songOfTrack_.emplace_back(entry_.integer(MusicXmlKey::trackID), song.persistentID);
+        songOfTrack_.emplace_back(entry_.integer(MusicXmlKey::trackID), persistentID);
     } else if (const auto number = musicXmlInteger(trackKey_)) {
-        songOfTrack_.emplace_back(static_cast<std::uint64_t>(*number), song.persistentID);
+        songOfTrack_.emplace_back(static_cast<std::uint64_t>(*number), persistentID);
     }
 }
 

@@ -159,6 +159,7 @@ SongDescription MusicXmlEntry::song() const {
     song.sortAlbumArtist = text(MusicXmlKey::sortAlbumArtist);
     song.sortAlbumTitle = text(MusicXmlKey::sortAlbum);
     song.libraryID = text(MusicXmlKey::persistentID);
+    song.location = text(MusicXmlKey::location);
     song.playbackDuration =
         static_cast<double>(integer(MusicXmlKey::totalTime)) / millisecondsOfSecond;
     song.fileSize = static_cast<double>(integer(MusicXmlKey::size));

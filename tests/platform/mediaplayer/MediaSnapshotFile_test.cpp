@@ -64,7 +64,8 @@ class MediaSnapshotFileTest : public testing::Test {
               .sortTitle = "Elan",
               .track = 3},
              {.title = "", .artist = "", .albumTitle = "", .persistentID = 77},
-             {.title = "Out", .playCount = 9, .inLibrary = false}},
+             {.title = "Out", .playCount = 9, .inLibrary = false},
+             {.title = "Left out", .persistentID = 77}},
             {{.name = "Mine", .persistentID = 5, .songs = {1, 77, 1}}, {.hidden = true}});
     }
     static std::string titleIn(const MediaSnapshot& snapshot) {
@@ -92,6 +93,8 @@ TEST_F(MediaSnapshotFileTest, everyArrayComesBackAsItWas) {
     EXPECT_TRUE(sameBytes(is.songs, was.songs));
     EXPECT_TRUE(sameBytes(is.playlists, was.playlists));
     EXPECT_TRUE(sameBytes(is.playlistSongs, was.playlistSongs));
+    ASSERT_FALSE(was.duplicates.empty());
+    EXPECT_TRUE(sameBytes(is.duplicates, was.duplicates));
     EXPECT_EQ(is.droppedSongCount, was.droppedSongCount);
     const auto sameIndex = [](const PositionIndex& a, const PositionIndex& b) {
         return sameBytes(a.starts, b.starts) && sameBytes(a.entries, b.entries);

@@ -60,6 +60,76 @@ TEST_F(MediaSnapshotTest, KeepsTheFirstOfOnePersistentIDAndCountsTheOthers) {
     EXPECT_EQ(snapshot->droppedSongCount(), 1U);
 }
 
+/// A song of one identifier, told apart by where it is.
+SongDescription songAt(const char* title, std::uint64_t persistentID, const char* location) {
+    SongDescription song{.persistentID = persistentID, .title = title, .libraryID = "00AA"};
+    if (*location != '\0') {
+        song.location = location;
+    }
+    return song;
+}
+
+TEST_F(MediaSnapshotTest, songsOfOneIdentifierAtTwoPlacesAreBothThere) {
+    MediaSnapshotBuilder builder;
+    EXPECT_EQ(builder.addSong(songAt("first", 5, "file:///a")), 5U);
+    const std::uint64_t own = builder.addSong(songAt("second", 5, "file:///b"));
+    const std::uint64_t third = builder.addSong(songAt("third", 5, "file:///c"));
+    builder.addPlaylist({.name = "Both", .songs = std::array<std::uint64_t, 2>{own, 5}});
+    const auto snapshot = builder.finish();
+    EXPECT_THAT(titles(*snapshot), ElementsAre("first", "second", "third"));
+    EXPECT_EQ(snapshot->droppedSongCount(), 0U);
+    EXPECT_NE(own, 5U);
+    EXPECT_NE(third, own);
+    EXPECT_EQ(snapshot->songs()[1].persistentID, own);
+    EXPECT_EQ(*snapshot->positionOfPersistentID(own), 1U);
+    EXPECT_THAT(snapshot->songsOfPlaylist(snapshot->playlists()[0]), ElementsAre(1U, 0U));
+    EXPECT_EQ(snapshot->text(0, SongText::libraryID), "00AA");
+    EXPECT_NE(snapshot->text(1, SongText::libraryID), "00AA") << "or their records would be one";
+    ASSERT_EQ(snapshot->duplicates().size(), 2U);
+    EXPECT_EQ(snapshot->duplicates()[0].persistentID, 5U);
+    EXPECT_EQ(snapshot->duplicates()[0].ownPersistentID, own);
+    EXPECT_EQ(snapshot->text(snapshot->duplicates()[1].title), "third");
+}
+
+TEST_F(MediaSnapshotTest, theOwnIdentifierFollowsFromThePlace) {
+    const auto ownOf = [](const char* first, const char* location) {
+        MediaSnapshotBuilder builder;
+        builder.addSong(songAt(first, 5, "file:///a"));
+        return builder.addSong(songAt("b", 5, location));
+    };
+    EXPECT_EQ(ownOf("x", "file:///b"), ownOf("y", "file:///b"));
+    EXPECT_NE(ownOf("x", "file:///b"), ownOf("x", "file:///c"));
+}
+
+TEST_F(MediaSnapshotTest, theSameSongTwiceIsThereOnce) {
+    MediaSnapshotBuilder builder;
+    builder.addSong(songAt("first", 5, "file:///a"));
+    EXPECT_EQ(builder.addSong(songAt("again", 5, "file:///a")), 5U);
+    const std::uint64_t own = builder.addSong(songAt("other", 5, "file:///b"));
+    EXPECT_EQ(builder.addSong(songAt("other again", 5, "file:///b")), 5U);
+    builder.addSong(songAt("nowhere", 6, ""));
+    builder.addSong(songAt("nowhere either", 6, ""));
+    const auto snapshot = builder.finish();
+    EXPECT_THAT(titles(*snapshot), ElementsAre("first", "nowhere", "other"));
+    EXPECT_EQ(snapshot->droppedSongCount(), 3U);
+    std::vector<std::uint64_t> owns;
+    for (const DuplicateSongRecord& duplicate : snapshot->duplicates()) {
+        owns.push_back(duplicate.ownPersistentID);
+    }
+    EXPECT_THAT(owns, ElementsAre(0U, own, 0U, 0U));
+}
+
+TEST_F(MediaSnapshotTest, anIdentifierThatWasGivenAwayGoesToNobodyElse) {
+    MediaSnapshotBuilder first;
+    first.addSong(songAt("a", 5, "file:///a"));
+    const std::uint64_t own = first.addSong(songAt("b", 5, "file:///b"));
+    MediaSnapshotBuilder builder;
+    builder.addSong(songAt("a", 5, "file:///a"));
+    builder.addSong(songAt("b", 5, "file:///b"));
+    EXPECT_NE(builder.addSong(songAt("its rightful owner", own, "file:///c")), own);
+    EXPECT_EQ(builder.finish()->songs().size(), 3U);
+}
+
 TEST_F(MediaSnapshotTest, TakesAStoreIdentifierFromAllSongsThatShareIt) {
     const auto snapshot = snapshotOf({{.title = "a", .persistentID = 1, .storeID = "900"},
                                       {.title = "b", .persistentID = 2, .storeID = "901"},

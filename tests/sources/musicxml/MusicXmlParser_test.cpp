@@ -173,6 +173,40 @@ TEST_F(MusicXmlParserTest, ReadsPlaylistsAndFolders) {
     EXPECT_THAT(snapshot.songsOfPlaylist(playlists[3]), ElementsAre(0, 1, 0));
 }
 
+TEST_F(MusicXmlParserTest, anEntryOfAnUnknownTrackIsLeftOutWhereverItStands) {
+    const auto outcome = parsed(library(track(20, text("Name", "a")) + track(30, text("Name", "b")),
+                                        playlist("P", "", {10, 20, 25, 30, 35, 20})));
+    ASSERT_TRUE(outcome.ok()) << outcome.error().localizedDescription;
+    const MediaSnapshot& snapshot = *outcome.value();
+    EXPECT_THAT(snapshot.songsOfPlaylist(snapshot.playlists()[0]), ElementsAre(0, 1, 0));
+}
+
+TEST_F(MusicXmlParserTest, aTrackWithoutItsNumberInsideIsKnownByItsKey) {
+    const std::string own =
+        "<key>7</key><dict>" + text("Name", "a") + text("Persistent ID", "A") + "</dict>";
+    const std::string other = "<key>8</key><dict>" + integer("Track ID", "9") + text("Name", "b") +
+                              text("Persistent ID", "B") + "</dict>";
+    const auto outcome = parsed(library(own + other, playlist("P", "", {8, 9, 7})));
+    ASSERT_TRUE(outcome.ok()) << outcome.error().localizedDescription;
+    const MediaSnapshot& snapshot = *outcome.value();
+    EXPECT_THAT(snapshot.songsOfPlaylist(snapshot.playlists()[0]), ElementsAre(1, 0))
+        << "the number inside goes before the key";
+}
+
+TEST_F(MusicXmlParserTest, twoTracksOfOneIdentifierAreListedEachByItsNumber) {
+    const auto outcome = parsed(library(
+        "<key>1</key><dict>" + integer("Track ID", "1") + text("Persistent ID", "A") +
+            text("Name", "a") + text("Location", "file:///a") + "</dict><key>2</key><dict>" +
+            integer("Track ID", "2") + text("Persistent ID", "A") + text("Name", "b") +
+            text("Location", "file:///b") + "</dict>",
+        playlist("P", "", {2, 1})));
+    ASSERT_TRUE(outcome.ok()) << outcome.error().localizedDescription;
+    const MediaSnapshot& snapshot = *outcome.value();
+    ASSERT_EQ(snapshot.songs().size(), 2U);
+    EXPECT_THAT(snapshot.songsOfPlaylist(snapshot.playlists()[0]), ElementsAre(1, 0));
+    EXPECT_EQ(snapshot.duplicates().size(), 1U);
+}
+
 TEST_F(MusicXmlParserTest, ReadsPlaylistsThatComeBeforeTheTracks) {
     const auto outcome = parsed(plist("<dict><key>Playlists</key><array>" + playlist("P", "", {5}) +
                                       "</array><key>Tracks</key><dict>" +
