@@ -5,13 +5,13 @@
 #include "persistence/FailurePresenter.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSUUID.h"
+#include "recording/AwardSink.h"
 #include "recording/DataProcess.h"
 
 namespace tavrion {
 namespace {
 
 const std::string cloudSyncEnabled = "CloudSyncEnabled";
-const std::string dailyRecordDate = "com.oskelvane.Nerinda.dailyRecordDate";
 
 void endProcess(const NSError& error) {
     NSLog("Unresolved error {}, {}", error.localizedDescription, error.userInfo);
@@ -150,7 +150,7 @@ void RVCoreDataManager::deleteAllData() {
                     handle_CoreDataFailure(saved.error());
                 }
             }
-            NSUserDefaults::standardUserDefaults().removeObject(dailyRecordDate);
+            NSUserDefaults::standardUserDefaults().removeObject(AwardDefaults::dailyRecordDate);
             NSNotificationCenter::defaultCenter().postNotificationName(AchievementsDidChange);
             DataProcess::postFinish();
         }

@@ -25,9 +25,6 @@
 
 namespace tavrion {
 
-/// Posted when awards changed.
-inline const std::string AchievementsDidChange = "AchievementsDidChange";
-
 class RVCoreDataManager final : public RecordStore {
   public:
     static constexpr const char* portName = "the data manager is plugged in";

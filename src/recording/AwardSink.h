@@ -25,6 +25,17 @@ class AwardSink {
     virtual void updateAchievements() = 0;
 };
 
+/// Posted when awards changed.
+inline const std::string AchievementsDidChange = "AchievementsDidChange";
+
+/// The user defaults of the awards that lower floors reset.
+namespace AwardDefaults {
+/// Up to when the award pass has looked.
+inline const char* const awardsScanDate = "com.oskelvane.Nerinda.awardsScanDate";
+/// Where earlier versions kept the record day; only ever removed.
+inline const char* const dailyRecordDate = "com.oskelvane.Nerinda.dailyRecordDate";
+}  // namespace AwardDefaults
+
 /// Earns nothing.
 class NoAwards final : public AwardSink {
   public:
