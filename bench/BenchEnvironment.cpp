@@ -6,7 +6,6 @@
 
 #include "platform/coredata/StoreFile.h"
 #include "recording/DataProcess.h"
-#include "recording/MPMediaItem+Nerinda.h"
 #include "recording/NerindaModel.h"
 #include "recording/RVPlaybackHistoryManager.h"
 
@@ -40,20 +39,25 @@ std::string storeSchema() {
 }
 
 BenchEnvironment::BenchEnvironment(const std::filesystem::path& file, double now)
-    : clock_(NSDate::dateWithTimeIntervalSinceReferenceDate(now)) {
-    Nerinda::registerComputedKeys();
+    : clock_(NSDate::dateWithTimeIntervalSinceReferenceDate(now)),
+      wiring_({.clock = clock_,
+               .defaults = *defaults_,
+               .notifications = centre_,
+               .mainQueue = mainQueue,
+               .timers = timers_,
+               .library = library_,
+               .awards = awards_,
+               .mirroring = mirroring_,
+               .scanPresenter = presenter_,
+               .failurePresenter = failures_},
+              file),
+      data(&wiring_.data()) {
     updates_ = centre_.addObserver(DataProcess::didUpdate, nullptr, nullptr,
                                    [this](const NSNotification&) { ++songsMatched_; });
-    data = std::make_unique<RVCoreDataManager>(file, mainQueue);
-    dataPlug_.emplace(*data);
-    storePlug_.emplace(*data);
 }
 
 BenchEnvironment::~BenchEnvironment() {
-    mainQueue->runUntilIdle();
-    storePlug_.reset();
-    dataPlug_.reset();
-    data.reset();
+    wiring_.closeStore();
 }
 
 void BenchEnvironment::publish(std::shared_ptr<const MediaSnapshot> snapshot) {

@@ -1,4 +1,4 @@
-// A running core for one measurement: every port plugged as the command line plugs it, a clock that
+// A running core for one measurement: every port plugged as the programs plug it, a clock that
 // stands still, and a library that the measurement publishes.
 //
 // Queue: the thread that makes it is the main queue. Who owns: the directory goes with it.
@@ -20,6 +20,7 @@
 #include "platform/testing/ManualClock.h"
 #include "recording/AwardSink.h"
 #include "recording/ScanPresenter.h"
+#include "session/Wiring.h"
 
 namespace tavrion::bench {
 
@@ -75,40 +76,27 @@ class BenchEnvironment {
 
   private:
     ManualClock clock_;
-    Port<Clock>::Plug clockPlug_{clock_};
     Regional region_{*NSTimeZone::timeZoneWithName("Europe/Berlin"), "en_US"};
     Port<Regional>::Plug regionPlug_{region_};
     std::unique_ptr<NSUserDefaults> defaults_ = NSUserDefaults::inMemory();
-    Port<NSUserDefaults>::Plug defaultsPlug_{*defaults_};
     NSNotificationCenter centre_;
-    Port<NSNotificationCenter>::Plug centrePlug_{centre_};
+    TimerService timers_{true};
+    MPMediaLibrary library_;
+    NoAwards awards_;
+    LocalOnlyMirroring mirroring_;
+    SilentScanPresenter presenter_;
+    EndingPresenter failures_;
+    std::atomic<std::size_t> songsMatched_{0};
+    NSNotificationCenter::Observation updates_;
 
   public:
     std::shared_ptr<MainQueue> mainQueue = MainQueue::make();
 
   private:
-    Port<MainQueue>::Plug mainQueuePlug_{*mainQueue};
-    TimerService timers_{true};
-    Port<TimerService>::Plug timersPlug_{timers_};
-    MPMediaLibrary library_;
-    Port<MPMediaLibrary>::Plug libraryPlug_{library_};
-    NoAwards awards_;
-    Port<AwardSink>::Plug awardsPlug_{awards_};
-    LocalOnlyMirroring mirroring_;
-    Port<MirroringService>::Plug mirroringPlug_{mirroring_};
-    SilentScanPresenter presenter_;
-    Port<ScanPresenter>::Plug presenterPlug_{presenter_};
-    EndingPresenter failures_;
-    Port<FailurePresenter>::Plug failuresPlug_{failures_};
-    std::atomic<std::size_t> songsMatched_{0};
-    NSNotificationCenter::Observation updates_;
+    Wiring wiring_;
 
   public:
-    std::unique_ptr<RVCoreDataManager> data;
-
-  private:
-    std::optional<Port<RVCoreDataManager>::Plug> dataPlug_;
-    std::optional<Port<RecordStore>::Plug> storePlug_;
+    RVCoreDataManager* data;
 };
 
 }  // namespace tavrion::bench

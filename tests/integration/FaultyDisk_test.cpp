@@ -71,11 +71,7 @@ class FaultyDiskTest : public testing::TestWithParam<Disaster> {
         }
     }
     /// Closes the store, which brings the log into the file, as far as the disk lets it.
-    void closeStore() {
-        environment->storePlug.reset();
-        environment->dataPlug.reset();
-        environment->data.reset();
-    }
+    void closeStore() { environment->wiring.closeStore(); }
     std::size_t countOfFiles() const {
         return static_cast<std::size_t>(
             std::distance(fs::directory_iterator(kept.path()), fs::directory_iterator()));

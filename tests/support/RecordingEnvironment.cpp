@@ -5,7 +5,6 @@
 
 #include "platform/foundation/NSUUID.h"
 #include "platform/foundation/Precondition.h"
-#include "recording/MPMediaItem+Nerinda.h"
 #include "recording/RVPlaybackHistoryManager.h"
 
 namespace tavrion {
@@ -43,18 +42,23 @@ void RecordingScanPresenter::ask(const SuspectQuestion& question,
 RecordingEnvironment::RecordingEnvironment(NSDate now, const std::string& zone)
     : directory_(makeDirectory()),
       clock(now),
-      region(*NSTimeZone::timeZoneWithName(zone), "en_US") {
-    Nerinda::registerComputedKeys();
-    data = std::make_unique<RVCoreDataManager>(storeFile(), mainQueue);
-    dataPlug.emplace(*data);
-    storePlug.emplace(*data);
-}
+      region(*NSTimeZone::timeZoneWithName(zone), "en_US"),
+      wiring({.clock = clock,
+              .defaults = *defaults,
+              .notifications = centre,
+              .mainQueue = mainQueue,
+              .timers = timers,
+              .library = library.library(),
+              .awards = awards,
+              .mirroring = mirroring,
+              .scanPresenter = presenter,
+              .failurePresenter = failures,
+              .log = &log},
+             storeFile()),
+      data(&wiring.data()) {}
 
 RecordingEnvironment::~RecordingEnvironment() {
-    runUntilIdle();
-    storePlug.reset();
-    dataPlug.reset();
-    data.reset();
+    wiring.closeStore();
     std::filesystem::remove_all(directory_);
 }
 

@@ -31,6 +31,7 @@
 #include "recording/PlayEvent.h"
 #include "recording/PlaybackHistory.h"
 #include "recording/ScanPresenter.h"
+#include "session/Wiring.h"
 
 namespace tavrion {
 
@@ -141,31 +142,21 @@ class RecordingEnvironment {
 
     std::filesystem::path directory_;
     ManualClock clock;
-    Port<Clock>::Plug clockPlug{clock};
     Regional region;
     Port<Regional>::Plug regionPlug{region};
     std::unique_ptr<NSUserDefaults> defaults = NSUserDefaults::inMemory();
-    Port<NSUserDefaults>::Plug defaultsPlug{*defaults};
     NSNotificationCenter centre;
-    Port<NSNotificationCenter>::Plug centrePlug{centre};
     std::shared_ptr<MainQueue> mainQueue = MainQueue::make();
-    Port<MainQueue>::Plug mainQueuePlug{*mainQueue};
     TimerService timers{true};
-    Port<TimerService>::Plug timersPlug{timers};
     MediaLibraryFixture library;
     RecordingAwards awards;
-    Port<AwardSink>::Plug awardsPlug{awards};
     LocalOnlyMirroring mirroring;
-    Port<MirroringService>::Plug mirroringPlug{mirroring};
     RecordingScanPresenter presenter;
-    Port<ScanPresenter>::Plug presenterPlug{presenter};
     RecordingFailurePresenter failures;
-    Port<FailurePresenter>::Plug failuresPlug{failures};
     RecordingLogSink log;
-    Port<LogSink>::Plug logPlug{log};
-    std::unique_ptr<RVCoreDataManager> data;
-    std::optional<Port<RVCoreDataManager>::Plug> dataPlug;
-    std::optional<Port<RecordStore>::Plug> storePlug;
+    /// As a program is wired, with the parts above.
+    Wiring wiring;
+    RVCoreDataManager* data;
 };
 
 }  // namespace tavrion

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "apps/tavrionctl/JsonWriter.h"
+#include "apps/tavrionctl/LibraryStatus.h"
 #include "apps/tavrionctl/Session.h"
 #include "apps/tavrionctl/TextTable.h"
 #include "library/RVMetadataManager.h"
@@ -66,36 +67,6 @@ Value songProperty(const MPMediaItem& song, std::string_view property) {
     return song.valueForProperty(property);
 }
 
-void writeStatus(const Session& session, const std::optional<LibraryChoice>& choice,
-                 std::size_t songs, std::size_t playlists, const SourceCapabilities& capabilities) {
-    const auto absent = std::optional<std::string_view>();
-    if (session.options().json) {
-        JsonWriter json(stdout);
-        json.beginObject();
-        json.key("kind").optionalText(choice ? std::optional<std::string_view>(choice->kind)
-                                             : absent);
-        json.key("location")
-            .optionalText(choice ? std::optional<std::string_view>(choice->location) : absent);
-        json.key("songs").unsignedInteger(songs).key("playlists").unsignedInteger(playlists);
-        json.key("canWriteLikes").boolean(capabilities.canWriteLikes);
-        json.key("canWritePlaylists").boolean(capabilities.canWritePlaylists);
-        json.key("canPlay").boolean(capabilities.canPlay).endObject().finish();
-    } else if (choice) {
-        fmt::print("{} library: {}\n{} songs, {} playlists\n", choice->kind, choice->location,
-                   songs, playlists);
-    } else {
-        fmt::print(
-            "No music library is chosen. Choose one with: tavrionctl library use KIND LOCATION\n");
-    }
-}
-
-/// Songs and playlists of the published library, as a user counts them.
-void writePublishedStatus(const Session& session, const LibraryChoice& choice) {
-    const std::shared_ptr<const Source> source = MPMediaLibrary::defaultMediaLibrary().source();
-    writeStatus(session, choice, RVQueryManager::defaultQuery().items().size(),
-                MPMediaQuery::playlistsQuery().collections().size(), source->capabilities());
-}
-
 /// How many songs share their title and duration with another one.
 std::size_t songsWithTwins() {
     std::map<std::pair<std::string, double>, std::size_t> counts;
@@ -144,7 +115,7 @@ Outcome LibraryUseCommand::guardExistingRecords(Session& session, const std::str
     if (session.records()->table(NerindaEntity::PlaybackHistory).size() == 0) {
         return {};
     }
-    const auto copy = session.makeSafetyCopy("before-library-change");
+    const auto copy = session.writer().makeSafetyCopy("before-library-change");
     if (!copy) {
         return Outcome::failure("the safety copy can't be made (" +
                                 copy.error().localizedDescription + "); the chosen library stays");
@@ -175,8 +146,7 @@ Outcome LibraryUseCommand::execute(Session& session) {
         !guarded.isDone()) {
         return guarded;
     }
-    if (const auto written = writeLibraryChoice(session.directory().libraryChoice(), choice);
-        !written) {
+    if (const auto written = session.writer().chooseLibrary(choice); !written) {
         return Outcome::failure(written.error().localizedDescription);
     }
     session.publish(std::move(source).value(), std::move(snapshot).value());
@@ -199,7 +169,7 @@ Outcome LibraryStatusCommand::execute(Session& session) {
         return Outcome::failure(choice.error().localizedDescription);
     }
     if (!choice.value()) {
-        writeStatus(session, std::nullopt, 0, 0, {});
+        writeStatusWithoutLibrary(session);
         return {};
     }
     if (Outcome opened = session.openLibrary(); !opened.isDone()) {
@@ -259,11 +229,8 @@ Outcome LibraryForgetCommand::execute(Session& session) {
     if (Outcome writer = session.becomeWriter(); !writer.isDone()) {
         return writer;
     }
-    std::error_code failure;
-    std::filesystem::remove(session.directory().libraryChoice(), failure);
-    if (failure) {
-        return Outcome::failure(session.directory().libraryChoice().string() +
-                                ": the choice can't be removed (" + failure.message() + ")");
+    if (const Result<void> forgotten = session.writer().forgetLibrary(); !forgotten) {
+        return Outcome::failure(forgotten.error().localizedDescription);
     }
     if (session.options().json) {
         JsonWriter(stdout).beginObject().endObject().finish();

@@ -130,7 +130,7 @@ void ScanCommand::prepareRestore() const {
         calendar.dateFromYear(calendar.timeZone().civilTime(NSDate::date()).year));
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
     defaults.setObject(ScanDefaults::installationDate, startOfYear);
-    defaults.setObject("com.oskelvane.Nerinda.awardsScanDate", startOfYear);
+    defaults.setObject(AwardDefaults::awardsScanDate, startOfYear);
 }
 
 void ScanCommand::choosePolicy(Session& session) const {
@@ -159,8 +159,8 @@ Outcome ScanCommand::execute(Session& session) {
     std::atomic<bool> completed{false};
     RVPlaybackHistoryManager::recordPlaybackHistorySinceDate(since, true,
                                                              [&completed] { completed = true; });
-    if (Outcome ended = session.resignActive(); !ended.isDone()) {
-        return ended;
+    if (const Result<void> ended = session.writer().resignActive(); !ended) {
+        return Outcome::failure(ended.error().localizedDescription);
     }
     if (!completed) {
         return Outcome::failure("the scan did not come to its end; run it again");

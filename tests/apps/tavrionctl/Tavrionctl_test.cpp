@@ -1,6 +1,7 @@
 // The command line as a user has it: the true executable, its output, its messages and its exit
 // status.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/wait.h>
@@ -11,6 +12,9 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <set>
+
+#include "tests/support/RecordingEnvironment.h"
 
 namespace tavrion {
 namespace {
@@ -82,6 +86,24 @@ class TavrionctlTest : public testing::Test {
             run("--quiet library use music-xml '" + exportFile().string() + "'");
         ASSERT_EQ(used.status, 0) << used.err;
     }
+    std::size_t safetyCopies() const {
+        std::size_t copies = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(data() / "backups")) {
+            copies += entry.path().extension() == ".sqlite" ? 1 : 0;
+        }
+        return copies;
+    }
+    /// As the program itself makes it.
+    void makeDataDirectory() const {
+        std::filesystem::create_directories(data());
+        std::filesystem::permissions(data(), std::filesystem::perms::owner_all);
+    }
+    /// A file of the data directory that only its user may look at.
+    void writeData(const char* name, const std::string& content) const {
+        std::ofstream(data() / name) << content;
+        std::filesystem::permissions(data() / name, std::filesystem::perms::owner_read |
+                                                        std::filesystem::perms::owner_write);
+    }
     static void expectOneLine(const CommandRun& result) {
         EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
         EXPECT_TRUE(result.err.starts_with("tavrionctl: ")) << result.err;
@@ -103,7 +125,8 @@ TEST_F(TavrionctlTest, theRoundFromTheLibraryToThePlays) {
                                   {"playlists", 0},
                                   {"canWriteLikes", false},
                                   {"canWritePlaylists", false},
-                                  {"canPlay", false}}));
+                                  {"canPlay", false},
+                                  {"duplicateIdentifiers", json::array()}}));
     EXPECT_EQ(run("--json library status").value(), used.value());
     const json first = run("--json --now 2026-03-01T12:00:00Z scan --since all").value();
     EXPECT_EQ(first["songsMatched"], 2);
@@ -252,13 +275,13 @@ TEST_F(TavrionctlTest, anotherLibraryOverExistingRecordsWarnsAndMakesASafetyCopy
         run("--now 2026-03-02T12:00:00Z library use music-xml '" + other.string() + "'");
     EXPECT_EQ(second.status, 0) << second.err;
     EXPECT_NE(second.err.find("Safety copy"), std::string::npos) << second.err;
-    std::size_t copies = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(data() / "backups")) {
-        copies += entry.path().extension() == ".sqlite" ? 1 : 0;
-    }
-    EXPECT_EQ(copies, 1U);
-    run("--quiet library use music-xml '" + other.string() + "'");
+    EXPECT_EQ(safetyCopies(), 1U);
     EXPECT_FALSE(std::filesystem::exists(data() / "library.json.new"));
+    const CommandRun again = run("library use music-xml '" + other.string() + "'");
+    EXPECT_EQ(again.err.find("Safety copy"), std::string::npos) << again.err;
+    EXPECT_EQ(safetyCopies(), 1U) << "the same library again is no change";
+    run("--quiet library use music-xml '" + exportFile().string() + "'");
+    EXPECT_EQ(safetyCopies(), 2U);
 }
 
 TEST_F(TavrionctlTest, forgettingTheLibraryKeepsTheRecords) {
@@ -271,9 +294,9 @@ TEST_F(TavrionctlTest, forgettingTheLibraryKeepsTheRecords) {
 }
 
 TEST_F(TavrionctlTest, aStoreThatIsNotOursIsToldInOneLineAndStaysAsItIs) {
-    std::filesystem::create_directories(data());
+    makeDataDirectory();
     const std::filesystem::path store = data() / "Nerinda.sqlite";
-    std::ofstream(store) << std::string(3000, 'x');
+    writeData("Nerinda.sqlite", std::string(3000, 'x'));
     for (const char* const command : {"plays", "histories", "--json plays"}) {
         const CommandRun result = run(command);
         EXPECT_EQ(result.status, 1) << command;
@@ -336,8 +359,9 @@ TEST_F(TavrionctlTest, defaultsOfEveryTypeAreWrittenAndRead) {
     EXPECT_EQ(run("--json defaults read key").value(), json());
     EXPECT_EQ(run("defaults read key").status, 1);
     for (const char* const wrong :
-         {"key -int x", "key -bool maybe", "key -date yesterday", "key -data !", "key -dict []",
-          "key -nothing x", "key", "key -array '[null]'", "key -dict '{\"a\": [[null]]}'"}) {
+         {"key -int x", "key -int 12abc", "key -bool maybe", "key -date yesterday", "key -data !",
+          "key -dict []", "key -nothing x", "key", "key -array '[null]'",
+          "key -dict '{\"a\": [[null]]}'"}) {
         EXPECT_EQ(run(std::string("defaults write ") + wrong).status, 2) << wrong;
     }
 }
@@ -359,7 +383,9 @@ TEST_F(TavrionctlTest, valuesTooDeepForTheFileOfDefaultsAreRefused) {
 TEST_F(TavrionctlTest, wrongUsageEndsWithTwo) {
     for (const char* const wrong :
          {"", "nothing", "scan --since never", "--now yesterday plays", "plays --range soon",
-          "plays --range 2026-02-30..2026-03-01", "library", "plays extra"}) {
+          "plays --range 2026-02-30..2026-03-01", "plays --range 2026-02-30..2026-03-31",
+          "plays --range 2026-01-01..2026-02-29", "plays --range 2026-04-31..2026-05-31", "library",
+          "plays extra"}) {
         const CommandRun result = run(wrong);
         EXPECT_EQ(result.status, 2) << wrong;
         expectOneLine(result);
@@ -405,6 +431,140 @@ TEST_F(TavrionctlTest, anUnchangedLibraryIsNotReadAgain) {
     EXPECT_EQ(run("--json library songs").value()[0]["title"], "One");
     std::filesystem::last_write_time(exportFile(), time + std::chrono::seconds(1));
     EXPECT_EQ(run("--json library songs").value()[0]["title"], "Two");
+}
+
+TEST_F(TavrionctlTest, awardsThatWaitedBeforeAScanAreNotItsOwn) {
+    writeExport({{1, "One", 1, "2026-02-28T10:00:00Z"}});
+    useExport();
+    run("defaults write pendingAchievementIdentifiers -array rv_award.earlier");
+    const json scan = run("--json --now 2026-03-01T12:00:00Z scan --since all").value();
+    EXPECT_EQ(scan["awardsEarned"], json::array());
+    EXPECT_EQ(run("--json defaults read pendingAchievementIdentifiers").value(),
+              json::array({"rv_award.earlier"}));
+}
+
+TEST_F(TavrionctlTest, songsOfOneIdentifierAreCountedAndNamed) {
+    const auto track = [](int id, const std::string& name, const std::string& location) {
+        return fmt::format(
+            "<key>{0}</key><dict><key>Track ID</key><integer>{0}</integer>"
+            "<key>Name</key><string>{1}</string><key>Artist</key>"
+            "<string>Band</string><key>Total Time</key><integer>{0}000</integer>"
+            "<key>Play Count</key><integer>1</integer><key>Play Date UTC</key>"
+            "<date>2026-02-28T10:00:0{0}Z</date><key>Persistent ID</key>"
+            "<string>00000000000000AA</string><key>Location</key>"
+            "<string>{2}</string></dict>\n",
+            id, name, location);
+    };
+    std::ofstream(exportFile()) << "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict>"
+                                   "<key>Tracks</key><dict>\n"
+                                << track(1, "First", "file:///a") << track(2, "Second", "file:///b")
+                                << track(3, "Again", "file:///a")
+                                << "</dict><key>Playlists</key><array/></dict></plist>\n";
+    const CommandRun used = run("library use music-xml '" + exportFile().string() + "'");
+    ASSERT_EQ(used.status, 0) << used.err;
+    EXPECT_NE(used.out.find("2 songs came with the identifier of another song"), std::string::npos)
+        << used.out;
+    EXPECT_NE(used.out.find("Second by Band: known by"), std::string::npos) << used.out;
+    EXPECT_NE(used.out.find("Again by Band: left out"), std::string::npos) << used.out;
+    const json status = run("--json library status").value();
+    EXPECT_EQ(status["songs"], 2);
+    ASSERT_EQ(status["duplicateIdentifiers"].size(), 2U);
+    const json second = status["duplicateIdentifiers"][0];
+    EXPECT_EQ(second["persistentID"], 0xAA);
+    EXPECT_EQ(second["title"], "Second");
+    EXPECT_EQ(second["artist"], "Band");
+    EXPECT_EQ(second["isLeftOut"], false);
+    const json again = status["duplicateIdentifiers"][1];
+    EXPECT_EQ(again["isLeftOut"], true);
+    EXPECT_EQ(again["ownPersistentID"], nullptr);
+    const json songs = run("--json library songs").value();
+    EXPECT_EQ(songs[1]["title"], "Second");
+    EXPECT_EQ(songs[1]["persistentID"], second["ownPersistentID"]);
+    // Neither in records do the two become one.
+    EXPECT_EQ(run("--json --now 2026-03-01T12:00:00Z scan --since all").value()["historiesCreated"],
+              2);
+    run("--quiet --now 2026-03-01T12:00:00Z scan --since all");
+    EXPECT_EQ(run("--json histories").value().size(), 2U);
+}
+
+TEST_F(TavrionctlTest, aDirectoryThatOthersCouldLookIntoIsClosedAndTheUserIsTold) {
+    writeExport({{1, "One", 1, "2026-02-28T10:00:00Z"}});
+    useExport();
+    using std::filesystem::perms;
+    std::filesystem::permissions(data(), perms::owner_all | perms::others_read);
+    std::filesystem::permissions(data() / "library.json", perms::owner_read | perms::group_read);
+    const CommandRun status = run("--json library status");
+    EXPECT_EQ(status.status, 0);
+    EXPECT_EQ(status.value()["songs"], 1);
+    EXPECT_NE(status.err.find("other users could look into the data directory"), std::string::npos);
+    EXPECT_NE(status.err.find("other users could read files"), std::string::npos) << status.err;
+    EXPECT_EQ(std::filesystem::status(data()).permissions(), perms::owner_all);
+    EXPECT_EQ(std::filesystem::status(data() / "library.json").permissions(), perms::owner_read);
+    EXPECT_EQ(run("--json library status").err, "");
+}
+
+TEST_F(TavrionctlTest, eachVariableOfTheLocaleDecidesItsOwnMatter) {
+    writeExport(
+        {{1, "Zebra", 1, "2026-02-28T10:00:00Z"}, {2, "\xC3\x84ra", 1, "2026-02-28T11:00:00Z"}});
+    useExport();
+    run("--quiet --now 2026-03-01T12:00:00Z scan --since all");
+    const auto firstSong = [&](const std::string& environment) {
+        return run("--json browse --group songs --sort alphabetical", "TZ=UTC " + environment)
+            .value()["items"][0]["title"];
+    };
+    EXPECT_EQ(firstSong("LC_ALL= LANG=de_DE.UTF-8"), "\xC3\x84ra");
+    EXPECT_EQ(firstSong("LC_ALL= LANG=de_DE.UTF-8 LC_COLLATE=sv_SE.UTF-8"), "Zebra");
+    EXPECT_EQ(firstSong("LC_ALL=de_DE.UTF-8 LC_COLLATE=sv_SE.UTF-8"), "\xC3\x84ra");
+    EXPECT_EQ(firstSong("LC_ALL= LANG=sv_SE.UTF-8 LC_COLLATE=de_DE.UTF-8 LC_TIME=sv_SE.UTF-8"),
+              "\xC3\x84ra");
+    const auto day = [&](const std::string& environment) {
+        return run("--json --now 2026-03-01T12:00:00Z history --range lifetime",
+                   "TZ=UTC " + environment)
+            .value()["sections"][0]["title"]
+            .get<std::string>();
+    };
+    EXPECT_NE(day("LC_ALL= LANG=de_DE.UTF-8").find("Februar"), std::string::npos);
+    EXPECT_NE(day("LC_ALL= LANG=en_US.UTF-8 LC_TIME=de_DE.UTF-8").find("Februar"),
+              std::string::npos);
+    EXPECT_EQ(day("LC_ALL= LANG=de_DE.UTF-8 LC_TIME=en_US.UTF-8").find("Februar "),
+              std::string::npos);
+}
+
+/// The rows of a table and the numbers of its records part as soon as a record has gone.
+TEST_F(TavrionctlTest, playsAreFoundByTheirSongAlsoAfterAnotherSongWasDeleted) {
+    makeDataDirectory();
+    std::string kept;
+    {
+        RecordingEnvironment environment;
+        for (const char* const title : {"Gone", "Kept", "Also kept"}) {
+            PlaybackHistory song = environment.makeHistory(title, 100);
+            environment.makePlay(song, 1000);
+            if (std::string(title) == "Kept") {
+                environment.makePlay(song, 2000);
+                kept = song.objectID().text(*nerindaModel());
+            }
+        }
+        environment.saveMain();
+        environment.main().deleteObject(environment.history("Gone"));
+        environment.saveMain();
+        environment.wiring.closeStore();
+        std::filesystem::copy_file(environment.storeFile(), data() / "Nerinda.sqlite");
+    }
+    const json plays = run("--json plays --song " + kept).value();
+    ASSERT_EQ(plays.size(), 2U);
+    for (const json& play : plays) {
+        EXPECT_EQ(play["title"], "Kept");
+        EXPECT_EQ(play["historyID"], kept);
+    }
+    std::multiset<std::string> titles;
+    for (const json& play : run("--json plays").value()) {
+        titles.insert(play["title"].is_null() ? "none" : play["title"].get<std::string>());
+    }
+    EXPECT_EQ(titles.count("Kept"), 2U);
+    EXPECT_EQ(titles.count("Also kept"), 1U);
+    EXPECT_EQ(titles.count("Gone"), 0U);
+    const CommandRun gone = run("plays --song PlaybackHistory/1");
+    EXPECT_EQ(gone.status, 1);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 
 #include "platform/foundation/Result.h"
 
-namespace tavrion::ctl {
+namespace tavrion {
 
 struct LibraryChoice {
     std::string kind;
@@ -21,4 +21,4 @@ struct LibraryChoice {
 Result<std::optional<LibraryChoice>> readLibraryChoice(const std::filesystem::path& file);
 Result<void> writeLibraryChoice(const std::filesystem::path& file, const LibraryChoice& choice);
 
-}  // namespace tavrion::ctl
+}  // namespace tavrion

@@ -1,4 +1,4 @@
-// The directory in which a user's data lies, and the lock that lets one writer in.
+// The directory in which a user's data is kept. Nobody else may look into it.
 //
 // Queue: the main thread. Errors are one line that names the path and says what to do.
 #pragma once
@@ -6,10 +6,11 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/foundation/Result.h"
 
-namespace tavrion::ctl {
+namespace tavrion {
 
 class DataDirectory {
   public:
@@ -25,6 +26,11 @@ class DataDirectory {
     std::filesystem::path backups() const { return path_ / "backups"; }
     std::filesystem::path lock() const { return path_ / "lock"; }
 
+    /// Takes from everybody but the user what they were allowed to do with the directory, with the
+    /// files that the program keeps in it, and with its cache. The lines say what others could do
+    /// until now, and what they can still do where it can't be changed; none when all was well.
+    std::vector<std::string> closeToOthers() const;
+
   private:
     explicit DataDirectory(std::filesystem::path path) : path_(std::move(path)) {}
     std::filesystem::path path_;
@@ -34,27 +40,4 @@ class DataDirectory {
 /// there is none.
 std::optional<std::filesystem::path> cacheDirectory();
 
-/// Held by the one process that writes; the file names its process id.
-class WriterLock {
-  public:
-    enum class Failure { inUse, impossible };
-    struct Refusal {
-        Failure failure;
-        std::string message;
-    };
-    WriterLock() = default;
-    ~WriterLock();
-    WriterLock(const WriterLock&) = delete;
-    WriterLock& operator=(const WriterLock&) = delete;
-
-    /// Absent when the lock is taken; taking it twice is taking it once.
-    std::optional<Refusal> take(const std::filesystem::path& file);
-
-  private:
-    int descriptor_ = -1;
-};
-
-/// Replaces the file by one with this content, whole or not at all.
-Result<void> replaceFile(const std::filesystem::path& file, const std::string& content);
-
-}  // namespace tavrion::ctl
+}  // namespace tavrion

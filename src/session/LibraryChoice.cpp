@@ -1,13 +1,13 @@
-#include "apps/tavrionctl/LibraryChoice.h"
+#include "session/LibraryChoice.h"
 
 #include <fmt/format.h>
 
 #include <fstream>
 
-#include "apps/tavrionctl/DataDirectory.h"
+#include "platform/foundation/FileReplacement.h"
 #include "platform/foundation/JsonText.h"
 
-namespace tavrion::ctl {
+namespace tavrion {
 namespace {
 
 const std::string* textOfMember(const Value& value, const char* name) {
@@ -41,7 +41,14 @@ Result<std::optional<LibraryChoice>> readLibraryChoice(const std::filesystem::pa
 
 Result<void> writeLibraryChoice(const std::filesystem::path& file, const LibraryChoice& choice) {
     const Value::Dictionary members{{"kind", choice.kind}, {"location", choice.location}};
-    return replaceFile(file, JsonText::textOf(members, 2) + "\n");
+    const std::string text = JsonText::textOf(members, 2) + "\n";
+    if (const auto failure = FileReplacement::replace(file, text)) {
+        return NSError{
+            fmt::format("{}: the file can't be written ({}); check the disk and the permissions",
+                        file.string(), failure.message()),
+            {}};
+    }
+    return {};
 }
 
-}  // namespace tavrion::ctl
+}  // namespace tavrion
