@@ -57,6 +57,9 @@ Result<std::string> Writer::makeSafetyCopy(const std::string& reason) {
     if (!copied) {
         return copied.error();
     }
+    std::filesystem::permissions(
+        folder / (name + ".sqlite"),
+        std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, failure);
     return name;
 }
 

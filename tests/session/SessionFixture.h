@@ -72,8 +72,9 @@ class SessionTest : public ::testing::Test {
                  << "</integer><key>Name</key><string>" << titles[i - 1]
                  << "</string><key>Total Time</key><integer>180000</integer>"
                     "<key>Play Count</key><integer>1</integer><key>Play Date UTC</key>"
-                    "<date>2026-02-28T10:00:00Z</date><key>Persistent ID</key><string>"
-                 << std::string(15, '0') << i << "</string></dict>\n";
+                    "<date>2026-02-28T10:00:0"
+                 << i << "Z</date><key>Persistent ID</key><string>" << std::string(15, '0') << i
+                 << "</string></dict>\n";
         }
         file << "</dict><key>Playlists</key><array/></dict></plist>\n";
     }

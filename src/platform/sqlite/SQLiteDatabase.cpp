@@ -1,5 +1,6 @@
 #include "platform/sqlite/SQLiteDatabase.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
 
@@ -8,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/foundation/OpenFile.h"
 #include "platform/foundation/Precondition.h"
 
 namespace tavrion {
@@ -177,6 +179,16 @@ std::string_view SQLiteStatement::blob(int column) const {
     return bytes == nullptr ? std::string_view() : std::string_view(bytes, length);
 }
 
+namespace {
+
+/// SQLite would let everybody read what it makes. The files that it puts beside a database follow
+/// the database's own rights.
+void makeForTheUserAlone(const std::filesystem::path& file) {
+    const OpenFile made(file, O_RDWR | O_CREAT | O_EXCL);
+}
+
+}  // namespace
+
 Result<std::unique_ptr<SQLiteDatabase>> SQLiteDatabase::open(const std::filesystem::path& file,
                                                              Mode mode) {
     // SQLite would take a file without a name for a temporary one.
@@ -192,6 +204,7 @@ Result<std::unique_ptr<SQLiteDatabase>> SQLiteDatabase::open(const std::filesyst
             flags |= SQLITE_OPEN_READWRITE;
             break;
         case Mode::create:
+            makeForTheUserAlone(file);
             flags |= SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
             break;
     }
