@@ -57,13 +57,15 @@ NSDate instant(const std::string& text) {
 
 TEST_F(SampleLibraryTest, IsChosenByItsNumberOfSongs) {
     const std::string now = "2026-03-01T12:00:00Z";
-    EXPECT_EQ(value(now, {"library", "use", "sample", "200"}), (json{{"kind", "sample"},
-                                                                     {"location", "200"},
-                                                                     {"songs", 200},
-                                                                     {"playlists", 9},
-                                                                     {"canWriteLikes", true},
-                                                                     {"canWritePlaylists", true},
-                                                                     {"canPlay", true}}));
+    EXPECT_EQ(value(now, {"library", "use", "sample", "200"}),
+              (json{{"kind", "sample"},
+                    {"location", "200"},
+                    {"songs", 200},
+                    {"playlists", 9},
+                    {"canWriteLikes", true},
+                    {"canWritePlaylists", true},
+                    {"canPlay", true},
+                    {"duplicateIdentifiers", json::array()}}));
     EXPECT_EQ(value(now, {"library", "status"})["songs"], 200);
     EXPECT_EQ(value("", {"library", "status"})["songs"], 200) << "at the present, whenever that is";
     EXPECT_EQ(value(now, {"library", "songs"}).size(), 200U);
@@ -217,6 +219,7 @@ TEST_F(SampleLibraryTest, WhatTheUserChangedIsThereInTheNextProcess) {
 TEST_F(SampleLibraryTest, ABrokenFileOfTheUsersChangesIsToldAndStays) {
     value("", {"library", "use", "sample", "20"});
     std::ofstream(stateFile()) << "{]";
+    std::filesystem::permissions(stateFile(), std::filesystem::perms::owner_read);
     for (const std::vector<std::string>& command :
          {std::vector<std::string>{"scan"}, {"library", "status"}, {"library", "use", "sample"}}) {
         expectOneLine(run("", command), stateFile().string());
