@@ -43,7 +43,7 @@ class BodiesTest(unittest.TestCase):
         self.assert_finds(head + "}\n", (1, "House::room has 4 lines"))
 
     def test_a_class_of_the_greatest_length_passes_and_a_longer_one_does_not(self):
-        for head in ("class A", "struct A final : B<C>, D", "template <class T>\nclass A", 'class MARK("x") A',
+        for head in ("class A", "struct A final : B<C>, D", "template <class T>\nclass A", 'class MARK("x") A', 'class MARK("x") A final',
                      "enum class A : int"):
             with self.subTest(head=head):
                 self.assert_clean(head + " {\n1\n2\n3\n4\n};\n")
@@ -53,12 +53,17 @@ class BodiesTest(unittest.TestCase):
         self.assert_finds("namespace a::b {\nnamespace {\nclass A {\n  public:\n    int f() const override {\n\n\n    }\n};\n}\n}\n",
                           (5, "f has 4 lines"), (3, "A has 5 lines"))
 
+    def test_what_says_who_may_call_belongs_to_no_function(self):
+        for word in ("public", "protected", "private"):
+            self.assertEqual(measure(f"class A {{\n  {word}:\n    int f() {{\n\n    }}\n}};\n", "--function", "3", "src").stdout, "")
+
     def test_many_short_functions_are_no_long_one(self):
         self.assert_clean("int f() {\n}\n" * 50 + "int a = 1;\n" * 50 + "int g() { return 1; }\n" * 50)
 
     def test_a_constructor_with_members_in_braces(self):
         text = "A::A(int a)\n    : B{a}, c_(1), d_{{1}, {2}},\n      e_(f(g{})) {\n}\nint f() {\n}\n"
         self.assert_finds(text, (1, "A::A has 4 lines"))
+        self.assert_finds("A::A()\n    : a_{1} {\n\n}\n", (1, "A::A has 4 lines"))
         self.assert_finds("A::~A() {\n\n\n}\n", (1, "A::~A has 4 lines"))
 
     def test_blocks_and_lambdas_are_part_of_their_function(self):
@@ -79,7 +84,7 @@ class BodiesTest(unittest.TestCase):
                 self.assertEqual(measure(head + " {\n\n\n}\n").returncode, 1)
 
     def test_braces_in_texts_comments_and_directives_open_nothing(self):
-        for hidden in ('"{"', "'{'", '"\\"{"', "// {", "/* {\n{ */", 'R"x({\n")")x"', "u8R\"({)\"", "1'000 + '{'", "#define A {",
+        for hidden in ('"{"', "'{'", '"\\"{"', "// {", "/* {\n{ */", 'R"x({\n")")x"', "u8R\"({)\"", 'LR"({"{)"', "1'000 + '{'", "#define A {",
                        "#define A \\\n  {", "L'{'", "0x1'F + u'{'"):
             with self.subTest(hidden=hidden):
                 self.assert_clean(f"int a;\n{hidden}\n;\nint f() {{\n}}\n")
