@@ -1,75 +1,71 @@
 #include "library/EntityActivity.h"
 
-#include <map>
+#include <algorithm>
 
-#include "platform/foundation/Clock.h"
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "recording/MPMediaItem+Nerinda.h"
-#include "recording/PlayEvent.h"
+#include "recording/Plays.h"
 
 namespace tavrion {
 
 namespace {
 
-/// Seconds listened by the start of the day.
-using SecondsOfDays = std::map<NSTimeInterval, double>;
-
-class ActivityCount {
-  public:
-    ActivityCount(NSDate start, NSDate end) : start_(start), end_(end) {}
-
-    void add(const MPMediaItem& song, NSManagedObjectContext& context) {
-        const auto history = Nerinda::playbackHistoryInContext(song, context);
-        if (!history) {
-            return;
-        }
-        for (const PlayEvent& play : history->plays()) {
-            const std::optional<NSDate> date = play.eventDate();
-            if (date && *date > start_ && *date < end_) {
-                seconds_[Extended::startOfDay(*date).timeIntervalSinceReferenceDate()] +=
-                    song.playbackDuration();
-            }
-        }
-    }
-    const SecondsOfDays& seconds() const { return seconds_; }
-
-  private:
-    NSDate start_;
-    NSDate end_;
-    SecondsOfDays seconds_;
+/// A song's record, and how long the song is known to last.
+struct PlayedSong {
+    RecordCounter history = 0;
+    double duration = 0;
 };
 
-EntityActivity::Days barsOf(const SecondsOfDays& seconds, NSDate firstDay) {
-    const NSCalendar calendar = NSCalendar::currentCalendar();
-    EntityActivity::Days days{};
-    for (std::size_t i = 0; i < days.size(); ++i) {
-        const NSDate day = calendar.dateByAddingComponents({.day = static_cast<int>(i)}, firstDay);
-        const auto found = seconds.find(day.timeIntervalSinceReferenceDate());
-        days[i] = found == seconds.end() ? 0 : static_cast<std::int64_t>(found->second);
+/// The songs of the entity that were ever seen playing.
+std::vector<PlayedSong> playedSongs(const MPMediaEntity& entity, NSManagedObjectContext& context) {
+    std::vector<PlayedSong> songs;
+    const auto add = [&](const MPMediaItem& song) {
+        if (const auto history = Nerinda::playbackHistoryInContext(song, context)) {
+            songs.push_back({history->objectID().counter, song.playbackDuration()});
+        }
+    };
+    if (const MPMediaItem* song = entity.item()) {
+        add(*song);
+    } else if (const MPMediaItemCollection* collection = entity.collection()) {
+        for (const MPMediaItem& each : collection->items()) {
+            add(each);
+        }
     }
-    return days;
+    return songs;
 }
 
 }  // namespace
 
 EntityActivity recentActivity(const MPMediaEntity& entity, NSManagedObjectContext& context) {
     const NSDate now = NSDate::date();
-    const NSDate firstDay =
-        Extended::startOfDay(NSCalendar::currentCalendar().dateByAddingComponents(
-            {.day = 1 - static_cast<int>(EntityActivity::dayCount)}, now));
-    ActivityCount count(firstDay, Extended::endOfDay(now));
-    if (const MPMediaItem* song = entity.item()) {
-        count.add(*song, context);
-    } else if (const MPMediaItemCollection* collection = entity.collection()) {
-        for (const MPMediaItem& each : collection->items()) {
-            count.add(each, context);
-        }
+    const NSTimeZone zone = NSCalendar::currentCalendar().timeZone();
+    constexpr auto daysBack = static_cast<std::int64_t>(EntityActivity::dayCount) - 1;
+    const CivilDay firstDay{zone.civilDay(now).number - daysBack};
+    EntityActivity activity{zone.startOfDay(firstDay), std::nullopt};
+    // Looking a song up can bring records together, so that all are looked up before any is read.
+    const std::vector<PlayedSong> songs = playedSongs(entity, context);
+    const auto records = context.snapshot();
+    const Plays plays(*records, activity.firstDay, Extended::endOfDay(now));
+    CalendarDays days(zone);
+    std::array<double, EntityActivity::dayCount> seconds{};
+    bool isPlayed = false;
+    for (const PlayedSong& song : songs) {
+        plays.forEachOfSong(song.history, [&](double date) {
+            // Where the clock was set back over midnight, the day before goes on behind it.
+            const auto day = static_cast<std::size_t>(days.dayOf(date).number - firstDay.number);
+            if (day < seconds.size()) {
+                seconds[day] += song.duration;
+                isPlayed = true;
+            }
+        });
     }
-    if (count.seconds().empty()) {
-        return {firstDay, std::nullopt};
+    if (isPlayed) {
+        activity.days.emplace();
+        std::transform(seconds.begin(), seconds.end(), activity.days->begin(),
+                       [](double sum) { return static_cast<std::int64_t>(sum); });
     }
-    return {firstDay, barsOf(count.seconds(), firstDay)};
+    return activity;
 }
 
 }  // namespace tavrion

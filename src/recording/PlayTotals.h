@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-#include "platform/coredata/StoreVersion.h"
+#include "recording/Plays.h"
 
 namespace tavrion {
 
@@ -18,6 +18,7 @@ struct PlayTotals {
     double seconds = 0;
 };
 
+PlayTotals playTotals(const StoreVersion& records, const Plays& plays);
 PlayTotals playTotalsBetween(const StoreVersion& records, NSDate start, NSDate end);
 
 }  // namespace tavrion

@@ -7,7 +7,7 @@
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "platform/foundation/NSDateFormatter.h"
-#include "timeviews/HistoryPlays.h"
+#include "recording/Plays.h"
 
 namespace tavrion {
 namespace {
@@ -21,16 +21,14 @@ constexpr std::size_t daysInView = 7;
 /// The plays of a range with their lengths.
 class BarSums {
   public:
-    BarSums(const std::shared_ptr<const StoreVersion>& records, const NSDateInterval& interval)
-        : plays_(records, interval.startDate(), interval.endDate()),
-          durations_(*records, plays_.count()) {}
+    BarSums(const StoreVersion& records, const NSDateInterval& interval)
+        : plays_(records, interval.startDate(), interval.endDate()), durations_(records, plays_) {}
 
     /// Calls `visit(date, seconds)` for each play, the oldest first.
     template <class Visit>
     void forEach(Visit visit) const {
-        plays_.forEach([&](std::uint64_t key, RecordCounter play) {
-            visit(IndexKeys::numberOfKey(key), durations_.of(play));
-        });
+        plays_.forEachByDate(
+            [&](PlayDate date, RecordCounter play) { visit(date.seconds(), durations_.of(play)); });
     }
     /// Calls `visit(day, seconds)` for the plays of a day that follow one another; a day can come
     /// again.
@@ -46,15 +44,15 @@ class BarSums {
                 }
                 current = day;
             },
-            [&](std::uint64_t, RecordCounter play) { sum += durations_.of(play); });
+            [&](PlayDate, RecordCounter play) { sum += durations_.of(play); });
         if (current) {
             visit(*current, sum);
         }
     }
 
   private:
-    HistoryPlays plays_;
-    PlayDurations durations_;
+    const Plays plays_;
+    const PlayDurations durations_;
 };
 
 NSDate at(double seconds) {
@@ -157,7 +155,7 @@ HistoryChartForm historyChartForm(const HistoryRange& range) {
 
 HistoryChart historyChart(const std::shared_ptr<const StoreVersion>& records,
                           const HistoryRange& range) {
-    const BarSums plays(records, range.interval);
+    const BarSums plays(*records, range.interval);
     HistoryChart chart;
     chart.form = historyChartForm(range);
     switch (chart.form) {

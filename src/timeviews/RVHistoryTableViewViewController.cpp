@@ -30,7 +30,7 @@ void post(const std::string& name, std::optional<float> progress = std::nullopt)
 
 /// One is left alone.
 void deleteStrays(NSManagedObjectContext& context, const StoreVersion& records) {
-    const std::vector<RecordCounter> strays = playsWithoutDate(records);
+    const std::vector<RecordCounter> strays = Plays::withoutDate(records);
     if (strays.size() <= 1) {
         return;
     }

@@ -2,49 +2,14 @@
 
 #include <cmath>
 #include <limits>
-#include <span>
 
-#include "platform/coredata/IndexKeys.h"
-#include "recording/NerindaModel.h"
+#include "recording/Plays.h"
 #include "timeviews/BestFirst.h"
 
 namespace tavrion {
 namespace {
 
-/// Under this part of all plays the way through the index is shorter than the walk over all.
-constexpr std::size_t rangeWorthAnIndex = 16;
 constexpr double firstPassShare = 0.6;
-
-/// Calls `visit(song)` for each play strictly between the ends; 0 is no song.
-template <class Visit>
-void forEachPlayIn(const TableVersion& plays, const NSDateInterval& interval, Visit visit) {
-    const double low = interval.startDate().timeIntervalSinceReferenceDate();
-    const double high = interval.endDate().timeIntervalSinceReferenceDate();
-    const SortedIndex& byDate = *plays.indexes()[*nerindaModel()
-                                                      ->entity(NerindaEntity::PlayEvent)
-                                                      .indexOver({PlayEventKey::eventDate})];
-    const std::uint64_t lowKey = IndexKeys::ofDate(interval.startDate());
-    const std::uint64_t highKey = IndexKeys::ofDate(interval.endDate());
-    if (byDate.countBetween(lowKey, highKey) < plays.size() / rangeWorthAnIndex) {
-        byDate.forEachBetween(lowKey, highKey, [&](std::uint64_t key, RecordCounter record) {
-            if (key != lowKey && key != highKey) {
-                const RowPosition play = *plays.find(record);
-                visit(play.leaf->columns[PlayEventKey::parentHistory]->references()[play.row]);
-            }
-        });
-        return;
-    }
-    for (const auto& leaf : plays.leaves()) {
-        const auto dates = leaf->columns[PlayEventKey::eventDate]->reals();
-        const auto parents = leaf->columns[PlayEventKey::parentHistory]->references();
-        for (std::size_t row = 0; row < dates.size(); ++row) {
-            // An absent date is not a number and lies in no span.
-            if (dates[row] > low && dates[row] < high) {
-                visit(parents[row]);
-            }
-        }
-    }
-}
 
 /// Tells of the progress when somebody listens. Whether somebody does is asked for a few songs at
 /// once, since a screen begins to listen while the songs are walked already.
@@ -95,17 +60,17 @@ TrendingSums::TrendingSums(const StoreVersion& records, const TrendingRequest& r
                            TrendingKeys& keys)
     : request_(request), songs_(records.table(NerindaEntity::PlaybackHistory)), keys_(keys) {
     keys_.follow(songs_);
-    countPlays(records.table(NerindaEntity::PlayEvent));
+    countPlays(records);
     keepSongs();
     addSongs();
 }
 
-void TrendingSums::countPlays(const TableVersion& plays) {
+void TrendingSums::countPlays(const StoreVersion& records) {
     const std::size_t songs =
         songs_.leaves().empty() ? 0 : std::size_t{songs_.leaves().back()->records->back()};
     plays_.resize(songs + 1, 0);
-    forEachPlayIn(plays, request_.interval,
-                  [&](RecordCounter song) { ++plays_[song < plays_.size() ? song : 0]; });
+    Plays(records, request_.interval.startDate(), request_.interval.endDate())
+        .forEachSong([&](RecordCounter song) { ++plays_[song < plays_.size() ? song : 0]; });
 }
 
 void TrendingSums::keepSongs() {

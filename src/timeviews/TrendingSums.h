@@ -45,7 +45,7 @@ class TrendingSums {
         bool isThere = false;
     };
 
-    void countPlays(const TableVersion& plays);
+    void countPlays(const StoreVersion& records);
     void keepSongs();
     void addSongs();
     void addToGroups(std::size_t leaf, std::size_t row, double trendValue);

@@ -6,14 +6,10 @@
 #include "apps/tavrionctl/TextTable.h"
 #include "recording/MPMediaItem+Nerinda.h"
 #include "recording/PlaybackHistory.h"
+#include "recording/Plays.h"
 
 namespace tavrion::ctl {
 namespace {
-
-std::size_t playsOf(const StoreVersion& records, NSManagedObjectID history) {
-    const auto& byParent = records.table(NerindaEntity::PlayEvent).indexes()[1];
-    return byParent->countBetween(history.counter, history.counter);
-}
 
 void writeHistory(JsonWriter& json, PlaybackHistory history, std::size_t plays, bool hasLibrary) {
     json.beginObject().key("id").text(history.objectID().text(*nerindaModel()));
@@ -71,7 +67,7 @@ Outcome HistoriesCommand::execute(Session& session) {
     }
     for (const NSManagedObject& object : histories.value()) {
         const PlaybackHistory history(object);
-        const std::size_t plays = playsOf(*records, history.objectID());
+        const std::size_t plays = Plays::countOfSong(*records, history.objectID().counter);
         if (json) {
             writeHistory(*json, history, plays, hasLibrary);
         } else {

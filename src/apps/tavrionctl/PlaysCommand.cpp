@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include <limits>
+#include <algorithm>
 
 #include "apps/tavrionctl/JsonWriter.h"
 #include "apps/tavrionctl/PlayRows.h"
@@ -8,39 +8,23 @@
 #include "apps/tavrionctl/RecordCommands.h"
 #include "apps/tavrionctl/Session.h"
 #include "apps/tavrionctl/TextTable.h"
-#include "platform/coredata/IndexKeys.h"
-#include "recording/NerindaModel.h"
+#include "recording/Plays.h"
 
 namespace tavrion::ctl {
 namespace {
 
 /// Identifiers of the plays to list, newest first; plays without a date come last.
-std::vector<RecordCounter> playsNewestFirst(const TableVersion& table,
+std::vector<RecordCounter> playsNewestFirst(const StoreVersion& records,
                                             const std::optional<DateRange>& range) {
-    std::vector<RecordCounter> plays;
-    const std::uint64_t low = range ? IndexKeys::ofDate(range->start) : 0;
-    const std::uint64_t high =
-        range ? IndexKeys::ofDate(range->end) : std::numeric_limits<std::uint64_t>::max();
-    table.indexes()[0]->forEachBetween(low, high, [&](std::uint64_t key, RecordCounter record) {
-        // Both ends of a range lie outside of it, as on every screen.
-        if (!range || (key != low && key != high)) {
-            plays.push_back(record);
-        }
-    });
-    if (!range && plays.size() < table.size()) {
-        std::vector<RecordCounter> undated;
-        for (const auto& leaf : table.leaves()) {
-            for (std::size_t row = 0; row < leaf->size(); ++row) {
-                if (std::holds_alternative<std::monostate>(
-                        leaf->columns[PlayEventKey::eventDate]->at(row))) {
-                    undated.push_back((*leaf->records)[row]);
-                }
-            }
-        }
-        plays.insert(plays.begin(), undated.begin(), undated.end());
+    std::vector<RecordCounter> listed;
+    if (!range) {
+        listed = Plays::withoutDate(records);
     }
-    std::reverse(plays.begin(), plays.end());
-    return plays;
+    const Plays plays = range ? Plays(records, range->start, range->end) : Plays(records);
+    listed.reserve(listed.size() + plays.count());
+    plays.forEachByDate([&](PlayDate, RecordCounter play) { listed.push_back(play); });
+    std::reverse(listed.begin(), listed.end());
+    return listed;
 }
 
 void printPlay(const PlayRow& play) {
@@ -81,8 +65,7 @@ Outcome PlaysCommand::execute(Session& session) {
                 fmt::format("there is no song record {}; tavrionctl histories lists them", song_));
         }
     }
-    const std::vector<RecordCounter> plays =
-        playsNewestFirst(records->table(NerindaEntity::PlayEvent), range);
+    const std::vector<RecordCounter> plays = playsNewestFirst(*records, range);
     std::optional<JsonWriter> json;
     if (session.options().json) {
         json.emplace(stdout).beginArray();

@@ -1,4 +1,4 @@
-#include "timeviews/CalendarDays.h"
+#include "platform/foundation/CalendarDays.h"
 
 #include <gtest/gtest.h>
 
