@@ -31,9 +31,11 @@ NSDateInterval spanOfHistoryBar(NSDate date, bool isCurrentYear) {
     }
     const NSCalendar calendar = NSCalendar::currentCalendar();
     const CivilTime time = calendar.timeZone().civilTime(date);
-    const NSDate start =
-        calendar.timeZone().startOfDay(CivilDay::fromDate(time.year, time.month, 1));
-    return {start, calendar.dateByAddingComponents({.month = 1}, start)};
+    const bool isDecember = time.month == 12;
+    const NSTimeZone& zone = calendar.timeZone();
+    return {zone.startOfDay(CivilDay::fromDate(time.year, time.month, 1)),
+            zone.startOfDay(isDecember ? CivilDay::fromDate(time.year + 1, 1, 1)
+                                       : CivilDay::fromDate(time.year, time.month + 1, 1))};
 }
 
 }  // namespace tavrion

@@ -5,6 +5,7 @@
 #include "library/RVEntityCollectionViewController.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "platform/mediaplayer/MPMusicPlayerController.h"
+#include "tests/support/DayZones.h"
 #include "tests/support/RecordingEnvironment.h"
 
 namespace tavrion {
@@ -280,6 +281,41 @@ TEST_F(EntityActivityTest, aScreenMayGoWhileItIsShownThePage) {
     environment_.runUntilIdle();
     EXPECT_EQ(screen_.pages.size(), 1U);
     EXPECT_EQ(page, nullptr);
+}
+
+class ActivityOfZones : public testing::TestWithParam<DayZone> {
+  protected:
+    /// What thirty days show at the noon of a day of the zone, one song being played at its first
+    /// second, its noon and its last second before, on that day and on all days before and after.
+    void expectEachDayOnce(const WalkedDay& present) {
+        RecordingEnvironment environment(present.noon(), GetParam().zone);
+        environment.library.publish({{.title = "Sky", .duration = 10}});
+        PlaybackHistory sky = environment.makeHistory("Sky", 10);
+        EntityActivity::Days expected{};
+        for (const WalkedDay& lived : GetParam().days(70, 40)) {
+            for (const NSDate date :
+                 {lived.after(1), lived.noon(), lived.last.dateByAddingTimeInterval(-1)}) {
+                environment.makePlay(sky, date.timeIntervalSinceReferenceDate());
+            }
+            const std::int64_t bar = lived.day.number - present.day.number + 29;
+            if (bar >= 0 && bar < 30) {
+                expected[static_cast<std::size_t>(bar)] = 30;
+            }
+        }
+        environment.saveMain();
+        EXPECT_EQ(recentActivity(environment.library.song("Sky"), environment.main()).days,
+                  expected)
+            << present.day.number - GetParam().oddDay().number << " days from the odd one";
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(EntityActivity, ActivityOfZones, testing::ValuesIn(dayZones),
+                         nameOfDayZone);
+
+TEST_P(ActivityOfZones, everyDayHasItsOwnBar) {
+    for (const int offset : {0, 1, 2, 15, 27, 28, 29, 30}) {
+        expectEachDayOnce(GetParam().livedDay(offset));
+    }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSDate+Extended.h"
 #include "platform/foundation/NSKeyedArchiver.h"
 #include "recording/RVPlaybackHistoryManager.h"
+#include "tests/support/DayZones.h"
 #include "tests/support/RecordingEnvironment.h"
 #include "timeviews/RVDateRangeSelectorViewController.h"
 
@@ -281,6 +282,39 @@ TEST_F(DateRangesTest, theMarkerStandsBehindItsSegment) {
     EXPECT_EQ(center(3), (DateRangeMarkerCenter{101, 40}));
     EXPECT_EQ(center(4), (DateRangeMarkerCenter{302, 40}));
     EXPECT_EQ(center(6), center(0));
+}
+
+class PresetsOfZones : public testing::TestWithParam<DayZone> {
+  protected:
+    static NSDateInterval of(DateRangePreset preset) {
+        return Selector::dateIntervalForPreset(preset);
+    }
+    RecordingEnvironment environment{NSDate(), GetParam().zone};
+};
+
+INSTANTIATE_TEST_SUITE_P(DateRanges, PresetsOfZones, testing::ValuesIn(dayZones), nameOfDayZone);
+
+TEST_P(PresetsOfZones, areWholeDaysAtEveryTimeOfTheDay) {
+    for (const int offset : {-1, 0, 1, 2, 5, 6, 28, 29}) {
+        // The day before the one that was left out is two numbers away.
+        const int before = offset < 0 && GetParam().lived().day != GetParam().oddDay() ? 1 : 0;
+        const WalkedDay today = GetParam().livedDay(offset - before);
+        const auto firstOf = [&](int daysBack) {
+            const std::vector<WalkedDay> days = GetParam().days(70, 40);
+            return std::find_if(days.begin(), days.end(),
+                                [&](const WalkedDay& day) {
+                                    return day.day.number >= today.day.number - daysBack;
+                                })
+                ->first;
+        };
+        for (const NSDate now : {today.first, today.after(1800), today.noon(), today.last}) {
+            environment.clock.set(now);
+            EXPECT_EQ(of(DateRangePreset::today), NSDateInterval(today.first, today.last));
+            EXPECT_EQ(of(DateRangePreset::pastWeek), NSDateInterval(firstOf(6), today.last));
+            EXPECT_EQ(of(DateRangePreset::pastMonth), NSDateInterval(firstOf(29), today.last));
+            EXPECT_EQ(of(DateRangePreset::currentYear).endDate(), today.last);
+        }
+    }
 }
 
 // Titles

@@ -7,6 +7,7 @@
 #include "library/RVMetadataManager.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "recording/RecordPredicates.h"
+#include "tests/support/DayZones.h"
 #include "tests/timeviews/HistoryFixture.h"
 
 namespace tavrion {
@@ -209,6 +210,91 @@ TEST_P(HistoryZones, noPlayIsLostOnADayWithoutAMidnight) {
         shown += list.numberOfItemsInSection(section);
     }
     EXPECT_EQ(shown, made);
+}
+
+class HistoryOfZones : public testing::TestWithParam<DayZone> {
+  protected:
+    /// A play in the first, a middle and the last second of each day of the interval.
+    void makePlays(int before, int after) {
+        for (const WalkedDay& day : GetParam().days(before, after)) {
+            for (const NSDate date :
+                 {day.after(1), day.noon(), day.last.dateByAddingTimeInterval(-1)}) {
+                environment.makePlay(song, date.timeIntervalSinceReferenceDate());
+            }
+        }
+    }
+    void show(const Value& range) {
+        environment.defaults->setObject(DateRangeKey::history, range);
+        screen->updateDataSource();
+        environment.runUntilIdle();
+    }
+    void choose(const HistoryBar& bar) {
+        screen->chartValueSelected(bar);
+        environment.runUntilIdle();
+    }
+
+    RecordingEnvironment environment{GetParam().livedDay(2).noon(), GetParam().zone};
+    PlaybackHistory song = environment.makeHistory("One", 100);
+    std::shared_ptr<RVHistoryTableViewViewController> screen =
+        RVHistoryTableViewViewController::make();
+};
+
+INSTANTIATE_TEST_SUITE_P(HistoryChart, HistoryOfZones, testing::ValuesIn(dayZones), nameOfDayZone);
+
+TEST_P(HistoryOfZones, aDayHasOneSectionOneTitleAndOneBar) {
+    makePlays(8, 8);
+    show(1);
+    const std::vector<HistoryBar> bars = screen->statCell().chart->bars;
+    const NSDiffableDataSourceSnapshot list = screen->snapshot();
+    ASSERT_EQ(list.numberOfSections(), bars.size() + 1);
+    std::set<std::string> titles;
+    for (const HistoryBar& bar : bars) {
+        const std::size_t section = bars.size() - bar.x;
+        titles.insert(screen->titleForHeaderInSection(section).value_or(""));
+        // The bounds of a range lie outside of it.
+        EXPECT_EQ(list.numberOfItemsInSection(section), 3U);
+        EXPECT_EQ(bar.y, 300);
+        EXPECT_EQ(list.sectionIdentifier(section), Value(Extended::endOfDay(*bar.data)));
+    }
+    EXPECT_EQ(titles.size(), bars.size());
+    for (const HistoryBar& bar : bars) {
+        choose(bar);
+        EXPECT_EQ(screen->snapshot().numberOfItemsInSection(1), 3U);
+    }
+}
+
+TEST_P(HistoryOfZones, todayIsOneDayAndShowsItsHours) {
+    makePlays(8, 8);
+    for (const int offset : {0, 1, 2}) {
+        environment.clock.set(GetParam().livedDay(offset).noon());
+        show(0);
+        EXPECT_EQ(screen->statCell().chart->form, HistoryChartForm::hours);
+        ASSERT_EQ(screen->snapshot().numberOfSections(), 2U);
+        EXPECT_EQ(screen->snapshot().numberOfItemsInSection(1), 3U);
+        EXPECT_EQ(screen->titleForHeaderInSection(1), "Today");
+    }
+}
+
+TEST_P(HistoryOfZones, aMonthHasItsDaysAndItsBarOneMore) {
+    makePlays(70, 70);
+    const NSTimeZone zone = GetParam().timeZone();
+    const std::int64_t year = GetParam().year;
+    environment.clock.set(zone.dateOfCivilTime({year, 12, 31, 12, 0, 0}));
+    show(3);
+    ASSERT_EQ(screen->statCell().chart->form, HistoryChartForm::months);
+    for (const int month : {GetParam().month - 1, GetParam().month}) {
+        std::size_t days = 0;
+        for (const WalkedDay& day : GetParam().days(70, 70)) {
+            const CivilTime time = zone.civilTime(day.first);
+            days += time.year == year && time.month == month ? 1 : 0;
+        }
+        // The first of January after the present year is not shown.
+        const std::size_t daysOfBar = days + (month < 12 ? 1 : 0);
+        const HistoryBar bar = screen->statCell().chart->bars[static_cast<std::size_t>(month - 1)];
+        EXPECT_EQ(bar.y, 300.0 * static_cast<double>(daysOfBar)) << month;
+        choose(bar);
+        EXPECT_EQ(screen->snapshot().numberOfItemsInSection(1), 3 * days) << month;
+    }
 }
 
 class HistoryProperties : public HistoryChartTest {

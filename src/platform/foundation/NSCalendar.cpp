@@ -75,6 +75,10 @@ NSDate NSCalendar::startOfDayForDate(NSDate date) const {
     return isReckonable(date) ? zone_.startOfDay(zone_.civilDay(date)) : date;
 }
 
+NSDate NSCalendar::startOfNextDayForDate(NSDate date) const {
+    return isReckonable(date) ? zone_.startOfDay({zone_.civilDay(date).number + 1}) : date;
+}
+
 NSDate NSCalendar::dateByAddingComponents(const NSDateComponents& components, NSDate date) const {
     if (!isReckonable(date)) {
         return date;

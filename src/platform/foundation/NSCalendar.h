@@ -33,6 +33,9 @@ class NSCalendar {
     /// Of a calendar that is about to go: a copy, so that a reference bound to it stays good.
     NSTimeZone timeZone() && { return std::move(zone_); }
     NSDate startOfDayForDate(NSDate date) const;
+    /// The first instant of the day that follows: its midnight, or the change of the clocks where
+    /// that midnight is skipped.
+    NSDate startOfNextDayForDate(NSDate date) const;
     NSDate dateByAddingComponents(const NSDateComponents& components, NSDate date) const;
     /// The first instant of that year.
     NSDate dateFromYear(std::int64_t year) const;

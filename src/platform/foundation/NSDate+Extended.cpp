@@ -8,11 +8,9 @@ NSDate startOfDay(NSDate date) {
 }
 
 NSDate endOfDay(NSDate date) {
-    const NSCalendar calendar = NSCalendar::currentCalendar();
-    NSDateComponents components;
-    components.day = 1;
-    components.second = -1;
-    return calendar.dateByAddingComponents(components, calendar.startOfDayForDate(date));
+    // Adding a day to the start would keep its time of the day, which is not midnight where that is
+    // skipped.
+    return NSCalendar::currentCalendar().startOfNextDayForDate(date).dateByAddingTimeInterval(-1);
 }
 
 std::int64_t daysBetweenDate(NSDate date, NSDate andDate) {

@@ -11,8 +11,7 @@ namespace tavrion::Extended {
 
 /// The first instant of the date's day.
 NSDate startOfDay(NSDate date);
-/// The last whole second of the date's day: a day on and a second back from its start, in one step
-/// of the calendar.
+/// The last whole second of the date's day: a second before the first instant of the next one.
 NSDate endOfDay(NSDate date);
 /// Whole days between the days of two dates, negative when the first is later.
 std::int64_t daysBetweenDate(NSDate date, NSDate andDate);

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "platform/foundation/NSCalendar.h"
+#include "tests/support/DayZones.h"
 
 namespace tavrion {
 namespace {
@@ -72,6 +73,26 @@ TEST(CalendarDays, theDaysOfAnIntervalAreAllDaysThatTheCalendarHas) {
             EXPECT_EQ(day.start, NSCalendar(zone).startOfDayForDate(day.start));
         }
         EXPECT_EQ(told, std::vector<CivilDay>(lived.begin(), lived.end())) << stretch.zone;
+    }
+}
+
+class CalendarDaysOfZones : public testing::TestWithParam<DayZone> {};
+
+INSTANTIATE_TEST_SUITE_P(CalendarDays, CalendarDaysOfZones, testing::ValuesIn(dayZones),
+                         nameOfDayZone);
+
+TEST_P(CalendarDaysOfZones, areTheDaysThatWereLived) {
+    const std::vector<WalkedDay> lived = GetParam().days(40, 40);
+    const auto days =
+        calendarDaysOf({lived.front().noon(), lived.back().last}, GetParam().timeZone());
+    ASSERT_EQ(days.size(), lived.size());
+    CalendarDays lookUp(GetParam().timeZone());
+    for (std::size_t i = 0; i < days.size(); ++i) {
+        EXPECT_EQ(days[i].day, lived[i].day);
+        EXPECT_EQ(days[i].start, lived[i].first);
+        for (const NSDate date : {lived[i].first, lived[i].noon(), lived[i].last}) {
+            EXPECT_EQ(lookUp.dayOf(date.timeIntervalSinceReferenceDate()), lived[i].day);
+        }
     }
 }
 

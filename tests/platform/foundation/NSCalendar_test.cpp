@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/platform/foundation/ZoneText.h"
+#include "tests/support/DayZones.h"
 
 namespace tavrion {
 namespace {
@@ -148,6 +149,7 @@ TEST(NSCalendar, DatesBeyondAllReckoningStayAsTheyAre) {
     for (const double seconds : {infinity, -infinity, 1e300, -1e300, 1e15}) {
         const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
         EXPECT_EQ(calendar.startOfDayForDate(date), date);
+        EXPECT_EQ(calendar.startOfNextDayForDate(date), date);
         EXPECT_EQ(calendar.dateByAddingComponents(some, date), date);
         EXPECT_EQ(calendar.dayComponentFromDate(date, date), 0);
         EXPECT_EQ(calendar.dayComponentFromDate(NSDate(), date) > 0, seconds > 0);
@@ -167,6 +169,29 @@ TEST(NSCalendar, StepsOfAnySizeStayReckonable) {
         calendar.dateByAddingComponents({least, least, least, least, least, least}, NSDate());
     EXPECT_GT(after, NSDate::distantFuture());
     EXPECT_LT(before, NSDate::distantPast());
+}
+
+class CalendarOfZones : public testing::TestWithParam<DayZone> {
+  protected:
+    const NSCalendar calendar{GetParam().timeZone()};
+};
+
+INSTANTIATE_TEST_SUITE_P(NSCalendar, CalendarOfZones, testing::ValuesIn(dayZones), nameOfDayZone);
+
+TEST_P(CalendarOfZones, oneDayFollowsAnother) {
+    const std::vector<WalkedDay> days = GetParam().days(40, 40);
+    for (std::size_t i = 1; i < days.size(); ++i) {
+        EXPECT_EQ(calendar.startOfNextDayForDate(days[i - 1].first), days[i].first);
+        EXPECT_EQ(calendar.startOfNextDayForDate(days[i - 1].last), days[i].first);
+        EXPECT_TRUE(calendar.isDateInSameDay(days[i].first, days[i].last));
+        EXPECT_FALSE(calendar.isDateInSameDay(days[i - 1].last, days[i].first));
+    }
+}
+
+TEST_P(CalendarOfZones, aYearBeginsWithTheFirstInstantOfItsFirstDay) {
+    const NSDate start = calendar.dateFromYear(GetParam().year);
+    EXPECT_EQ(calendar.startOfDayForDate(start), start);
+    EXPECT_EQ(calendar.timeZone().civilDay(start), CivilDay::fromDate(GetParam().year, 1, 1));
 }
 
 TEST(NSCalendar, TheCurrentOneIsOfThePluggedRegion) {

@@ -3,6 +3,7 @@
 #include "platform/foundation/NSCalendar.h"
 #include "platform/foundation/NSDate+Extended.h"
 #include "tests/platform/foundation/ZoneText.h"
+#include "tests/support/DayZones.h"
 
 namespace tavrion {
 namespace {
@@ -39,9 +40,9 @@ TEST(NSDateExtended, ADayGoesFromItsStartToItsLastWholeSecond) {
          "2024-11-03T23:59:59-05:00"},
         {"America/Sao_Paulo", "2018-11-03T15:00:00-03:00", "2018-11-03T00:00:00-03:00",
          "2018-11-03T23:59:59-03:00"},
-        // The start is at one o'clock, and a day on keeps the wall clock.
+        // The start is at one o'clock, and the end is that of every day.
         {"America/Sao_Paulo", "2018-11-04T15:00:00-02:00", "2018-11-04T01:00:00-02:00",
-         "2018-11-05T00:59:59-02:00"},
+         "2018-11-04T23:59:59-02:00"},
     };
     for (const DayRow& row : rows) {
         const InZone zone(row.zone);
@@ -71,6 +72,24 @@ TEST(NSDateExtended, ADayWithoutMidnightIsNotCountedFromItsStart) {
     EXPECT_EQ(Extended::daysBetweenDate(noMidnight, instant("2018-11-06T12:00:00-02:00")), 1);
     EXPECT_EQ(Extended::daysBetweenDate(instant("2018-11-03T12:00:00-03:00"), noMidnight), 1);
     EXPECT_EQ(Extended::daysBetweenDate(next, noMidnight), -1);
+}
+
+class DaysOfZones : public testing::TestWithParam<DayZone> {
+  protected:
+    Regional region{GetParam().timeZone(), "en_US"};
+    Port<Regional>::Plug plug{region};
+};
+
+INSTANTIATE_TEST_SUITE_P(NSDateExtended, DaysOfZones, testing::ValuesIn(dayZones), nameOfDayZone);
+
+TEST_P(DaysOfZones, everyDayGoesFromItsFirstInstantToItsLastWholeSecond) {
+    for (const WalkedDay& day : GetParam().days(40, 40)) {
+        for (const NSDate date : {day.first, day.after(1), day.noon(), day.last, day.after(0.5),
+                                  day.last.dateByAddingTimeInterval(0.5)}) {
+            ASSERT_EQ(Extended::startOfDay(date), day.first) << day.day.number;
+            ASSERT_EQ(Extended::endOfDay(date), day.last) << day.day.number;
+        }
+    }
 }
 
 }  // namespace
