@@ -93,8 +93,15 @@ icu::UnicodeString ofParts(const std::string& parts, const icu::Locale& locale) 
 
 }  // namespace
 
+icu::Locale gregorianLocale(const std::string& name) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale locale(name.c_str());
+    locale.setKeywordValue("calendar", "gregorian", status);
+    return locale;
+}
+
 icu::UnicodeString ofForm(const NSDateForm& form) {
-    const icu::Locale locale(form.locale.c_str());
+    const icu::Locale locale = gregorianLocale(form.locale);
     switch (form.kind) {
         case NSDateForm::Kind::parts:
             return ofParts(form.letters, locale);

@@ -50,7 +50,7 @@ std::unique_ptr<PatternFormat> makeFormat(const icu::UnicodeString& pattern,
     std::unique_ptr<icu::Calendar> calendar(
         icu::Calendar::createInstance(zoneOfOffset(0), locale, status));
     precondition(U_SUCCESS(status), "ICU takes the pattern of a date");
-    // One calendar for all years, like that of the days here.
+    // By one rule for all years, like the days here.
     if (auto* gregorian = dynamic_cast<icu::GregorianCalendar*>(calendar.get())) {
         gregorian->setGregorianChange(beforeAllDates, status);
     }
@@ -65,7 +65,7 @@ PatternFormat& formatFor(const NSDateForm& form, bool isForReading) {
     return formats.formatter({form, isForReading}, [&] {
         const icu::UnicodeString pattern = DatePatterns::ofForm(form);
         return makeFormat(isForReading ? withPlainSpaces(pattern) : pattern,
-                          icu::Locale(form.locale.c_str()));
+                          DatePatterns::gregorianLocale(form.locale));
     });
 }
 

@@ -1,8 +1,8 @@
 // Dates as the people of a locale write them, and fixed forms of dates.
 //
 // Queue: any; a value, cheap to make and to copy: what it stands on is kept between calls. The wall
-// clock is the time zone's own, by the system's rules; ICU only knows the words. Absent: a text
-// that is no date of the format.
+// clock is the time zone's own, by the system's rules, and the calendar is the Gregorian one in all
+// locales; ICU only knows the words and digits. Absent: a text that is no date of the format.
 #pragma once
 
 #include <compare>

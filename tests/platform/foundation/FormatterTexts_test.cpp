@@ -1,4 +1,4 @@
-// What all formatters write, by the table tests/data/formatter-texts.tsv.
+// What all formatters write, by the tables tests/data/formatter-texts.tsv and calendar-texts.tsv.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -125,13 +125,13 @@ Formatter formatterOf(const std::string& form) {
     return [](const ExpectedText&) { return std::string(); };
 }
 
-void expectTextsIn(const std::string& locale) {
-    for (const ExpectedText& row : test::expectedTexts("formatter-texts.tsv")) {
+void expectTextsIn(const std::string& locale, const std::string& table = "formatter-texts.tsv") {
+    for (const ExpectedText& row : test::expectedTexts(table)) {
         const std::string& zone = row.cell("zone");
         Regional region(zone == "-" ? NSTimeZone() : test::zoneNamed(zone), locale);
         const Port<Regional>::Plug plug(region);
         EXPECT_EQ(formatterOf(row.cell("form"))(row), row.inLocale(locale))
-            << "formatter-texts.tsv:" << row.line << " in " << locale;
+            << table << ":" << row.line << " in " << locale;
     }
 }
 
@@ -157,6 +157,24 @@ TEST(FormatterTexts, InJapanese) {
 
 TEST(FormatterTexts, InEgyptianArabic) {
     expectTextsIn("ar_EG");
+}
+
+// People of these locales have calendars of their own, too.
+
+TEST(FormatterTexts, datesAreOfOneCalendarInThai) {
+    expectTextsIn("th_TH", "calendar-texts.tsv");
+}
+
+TEST(FormatterTexts, datesAreOfOneCalendarInPersian) {
+    expectTextsIn("fa_IR", "calendar-texts.tsv");
+}
+
+TEST(FormatterTexts, datesAreOfOneCalendarInSaudiArabic) {
+    expectTextsIn("ar_SA", "calendar-texts.tsv");
+}
+
+TEST(FormatterTexts, datesAreOfOneCalendarWhateverTheLocaleAsksFor) {
+    expectTextsIn("en_US@calendar=buddhist", "calendar-texts.tsv");
 }
 
 }  // namespace
