@@ -45,7 +45,11 @@ void checkInstant(std::string_view text) {
 
 void checkRange(const std::string& text) {
     const auto range = ctl::dateRange(text);
-    require(!range || range.value().start <= range.value().end);
+    if (range.ok()) {
+        const NSDateInterval interval = range.value().interval();
+        require(interval.startDate() <= interval.endDate());
+        require(DateRange(range.value().object()).interval() == interval);
+    }
     require(range.ok() || !range.error().localizedDescription.empty());
 }
 

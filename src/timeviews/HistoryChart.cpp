@@ -145,19 +145,18 @@ std::string HistoryChart::label(const HistoryBar& bar) const {
     return RVMetadataManager::formattedDate(bar.data, true);
 }
 
-HistoryChartForm historyChartForm(const HistoryRange& range) {
-    if (NSCalendar::currentCalendar().isDateInSameDay(range.interval.startDate(),
-                                                      range.interval.endDate())) {
+HistoryChartForm historyChartForm(const DateRange& range, const NSDateInterval& interval) {
+    if (NSCalendar::currentCalendar().isDateInSameDay(interval.startDate(), interval.endDate())) {
         return HistoryChartForm::hours;
     }
-    return range.isCurrentYear ? HistoryChartForm::months : HistoryChartForm::days;
+    return range.isCurrentYear() ? HistoryChartForm::months : HistoryChartForm::days;
 }
 
-HistoryChart historyChart(const std::shared_ptr<const StoreVersion>& records,
-                          const HistoryRange& range) {
-    const BarSums plays(*records, range.interval);
+HistoryChart historyChart(const StoreVersion& records, const DateRange& range,
+                          const NSDateInterval& interval) {
+    const BarSums plays(records, interval);
     HistoryChart chart;
-    chart.form = historyChartForm(range);
+    chart.form = historyChartForm(range, interval);
     switch (chart.form) {
         case HistoryChartForm::hours:
             makeHours(chart, plays);
@@ -166,10 +165,23 @@ HistoryChart historyChart(const std::shared_ptr<const StoreVersion>& records,
             makeMonths(chart, plays);
             break;
         case HistoryChartForm::days:
-            makeDays(chart, plays, range.interval);
+            makeDays(chart, plays, interval);
             break;
     }
     return chart;
+}
+
+NSDateInterval spanOfHistoryBar(NSDate date, bool isCurrentYear) {
+    if (!isCurrentYear) {
+        return {Extended::startOfDay(date), Extended::endOfDay(date)};
+    }
+    const NSCalendar calendar = NSCalendar::currentCalendar();
+    const CivilTime time = calendar.timeZone().civilTime(date);
+    const bool isDecember = time.month == 12;
+    const NSTimeZone& zone = calendar.timeZone();
+    return {zone.startOfDay(CivilDay::fromDate(time.year, time.month, 1)),
+            zone.startOfDay(isDecember ? CivilDay::fromDate(time.year + 1, 1, 1)
+                                       : CivilDay::fromDate(time.year, time.month + 1, 1))};
 }
 
 }  // namespace tavrion

@@ -5,14 +5,13 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "kit/UIImage.h"
 #include "platform/coredata/StoreVersion.h"
-#include "timeviews/HistoryRange.h"
+#include "timeviews/DateRange.h"
 
 namespace tavrion {
 
@@ -61,11 +60,16 @@ struct HistoryChart {
     std::string label(const HistoryBar& bar) const;
 };
 
-/// What the bars of a range stand for; its length does not matter.
-HistoryChartForm historyChartForm(const HistoryRange& range);
+/// What the bars of a range stand for; its length does not matter. `interval` is the range as
+/// dates, here and below.
+HistoryChartForm historyChartForm(const DateRange& range, const NSDateInterval& interval);
 
 /// The chart of the plays strictly within the range.
-HistoryChart historyChart(const std::shared_ptr<const StoreVersion>& records,
-                          const HistoryRange& range);
+HistoryChart historyChart(const StoreVersion& records, const DateRange& range,
+                          const NSDateInterval& interval);
+
+/// The plays behind a bar that stands for the day of `date`, or for its month in a chart of the
+/// current year. Unlike the bar itself a month ends where the next one begins.
+NSDateInterval spanOfHistoryBar(NSDate date, bool isCurrentYear);
 
 }  // namespace tavrion

@@ -1,13 +1,11 @@
 #include "timeviews/RVDateRangeSegmentedControl.h"
 
-#include "platform/foundation/NSCalendar.h"
+#include "timeviews/DateRange.h"
 
 namespace tavrion {
 
 RVDateRangeSegmentedControl::RVDateRangeSegmentedControl()
-    : yearTitle_(
-          std::to_string(NSCalendar::currentCalendar().timeZone().civilTime(NSDate::date()).year)) {
-}
+    : yearTitle_(DateRange::titleOfCurrentYear()) {}
 
 void RVDateRangeSegmentedControl::setSelectedPresetIndex(const DateRangeSegments& sender,
                                                          std::size_t selectedSegmentIndex) {

@@ -1,37 +1,17 @@
-// The stored date ranges of the screens, and the drawer that edits one.
+// The drawer that edits the stored date range of a screen.
 //
 // Queue: the class operations from any; a drawer on the main queue. Who owns: the screen that shows
-// the drawer. A range is kept in the user defaults as a number, one of the presets that move with
-// the calendar, or as the archive of a fixed interval; a missing one is today. Writes happen at
-// each change, the notification once, when the drawer closes.
+// the drawer. Writes happen at each change, the notification once, when the drawer closes.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "kit/NSAttributedString.h"
-#include "platform/foundation/NSDateInterval.h"
-#include "platform/foundation/Value.h"
+#include "timeviews/DateRange.h"
 #include "timeviews/RVDateRangeSegmentedControl.h"
 
 namespace tavrion {
-
-/// The keys of the stored ranges.
-namespace DateRangeKey {
-inline const char* const history = "HistoryDateRangeObject";
-inline const char* const trending = "TrendingDateRangeObject";
-}  // namespace DateRangeKey
-
-/// The numbers that are stored.
-enum class DateRangePreset : std::uint64_t {
-    today = 0,
-    pastWeek = 1,
-    pastMonth = 2,
-    currentYear = 3,
-    lifetime = 4
-};
 
 /// Which side of a custom range is edited.
 struct DateSegments {
@@ -52,8 +32,6 @@ class RVDateRangeSelectorViewController {
   public:
     /// The range stored under the key, as dates. What cannot be read is today.
     static NSDateInterval dateIntervalForKey(const std::string& key);
-    /// A preset by the current date; a number that is none of them is today.
-    static NSDateInterval dateIntervalForPreset(DateRangePreset preset);
     /// What a button calls the stored value.
     static NSAttributedString titleForUserDefaultObject(const Value& object);
     /// A drawer for the range under that key.
@@ -81,8 +59,8 @@ class RVDateRangeSelectorViewController {
 
   private:
     explicit RVDateRangeSelectorViewController(std::string key);
-    Value stored() const;
-    void store(const NSDateInterval& interval) const;
+    DateRange stored() const { return DateRange::stored(userDefaultKey_); }
+    void store(const DateRange& range) const;
     void enableDates(bool enabled);
     void showStartOf(const NSDateInterval& interval);
 

@@ -15,7 +15,8 @@ struct RVHistoryTableViewViewController::BarSelection {
 
 void RVHistoryTableViewViewController::layoutStatViews() {
     privateContext_->performBlock([weak = weak_from_this(), context = privateContext_] {
-        HistoryChart chart = historyChart(context->snapshot(), HistoryRange::stored());
+        const DateRange range = DateRange::stored(DateRangeKey::history);
+        HistoryChart chart = historyChart(*context->snapshot(), range, range.interval());
         Port<MainQueue>::current().async([weak, chart = std::move(chart)]() mutable {
             const auto self = weak.lock();
             if (!self || !self->isStatCellOnHand()) {
@@ -46,7 +47,7 @@ void RVHistoryTableViewViewController::chartValueSelected(const HistoryBar& entr
             if (!self) {
                 return;
             }
-            const bool isCurrentYear = HistoryRange::stored().isCurrentYear;
+            const bool isCurrentYear = DateRange::stored(DateRangeKey::history).isCurrentYear();
             if (isCurrentYear) {
                 self->shouldDisplayMonthTitles_ = true;
             }

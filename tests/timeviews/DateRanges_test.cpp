@@ -1,5 +1,6 @@
 // Stored date ranges: what they are as dates, what they are called, and the drawer that edits them.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "platform/foundation/NSDate+Extended.h"
@@ -84,7 +85,7 @@ TEST_F(DateRangesTest, aPastWeekNeverGoesStale) {
 TEST_F(DateRangesTest, fiveStoredByHandIsTodayThoughTheDrawerShowsFive) {
     for (const int number : {5, 6, 1000, -1}) {
         defaults().setObject(key, number);
-        EXPECT_EQ(interval(), Selector::dateIntervalForPreset(DateRangePreset::today)) << number;
+        EXPECT_EQ(interval(), DateRange(DateRangePreset::today).interval()) << number;
     }
     defaults().setObject(key, 5);
     const auto drawer = opened();
@@ -102,7 +103,7 @@ TEST_F(DateRangesTest, aCustomRangeDoesNotFollowTheClock) {
 }
 
 TEST_F(DateRangesTest, whatCannotBeReadIsTodayAndStaysStored) {
-    const NSDateInterval today = Selector::dateIntervalForPreset(DateRangePreset::today);
+    const NSDateInterval today = DateRange(DateRangePreset::today).interval();
     for (const Value& object : {Value(NSData{"no archive"}), Value("2"), Value(Value::Array{}),
                                 Value(iso("2020-01-01T00:00:00Z"))}) {
         defaults().setObject(key, object);
@@ -113,23 +114,23 @@ TEST_F(DateRangesTest, whatCannotBeReadIsTodayAndStaysStored) {
 
 TEST_F(DateRangesTest, aLifetimeOfAFewHoursIsToday) {
     now("2026-03-10T15:00:00Z");
-    EXPECT_EQ(Selector::dateIntervalForPreset(DateRangePreset::lifetime),
-              Selector::dateIntervalForPreset(DateRangePreset::today));
+    EXPECT_EQ(DateRange(DateRangePreset::lifetime).interval(),
+              DateRange(DateRangePreset::today).interval());
 }
 
 TEST_F(DateRangesTest, aClockBeforeTheInstallationGivesNoRangeThatIsTurnedAround) {
     RVPlaybackHistoryManager::installationDate();
     now("2026-03-01T12:00:00Z");
-    const NSDateInterval lifetime = Selector::dateIntervalForPreset(DateRangePreset::lifetime);
+    const NSDateInterval lifetime = DateRange(DateRangePreset::lifetime).interval();
     EXPECT_EQ(lifetime.endDate(), iso("2026-03-01T23:59:59Z"));
     EXPECT_LE(lifetime.startDate(), lifetime.endDate());
 }
 
 TEST(DateRangesZoneTest, aDayWithAChangedClockStillEndsASecondBeforeMidnight) {
     const RecordingEnvironment environment(iso("2024-03-10T12:00:00Z"), "America/New_York");
-    const NSDateInterval today = Selector::dateIntervalForPreset(DateRangePreset::today);
+    const NSDateInterval today = DateRange(DateRangePreset::today).interval();
     EXPECT_EQ(today, NSDateInterval(iso("2024-03-10T05:00:00Z"), iso("2024-03-11T03:59:59Z")));
-    EXPECT_EQ(Selector::dateIntervalForPreset(DateRangePreset::pastWeek).startDate(),
+    EXPECT_EQ(DateRange(DateRangePreset::pastWeek).interval().startDate(),
               iso("2024-03-04T05:00:00Z"))
         << "days of the calendar, not lengths of 24 hours";
 }
@@ -237,7 +238,7 @@ TEST_F(DateRangesTest, whatIsAsBeforeIsNotTold) {
     choose(*drawer, 1);
     drawer->viewWillDisappear();
     EXPECT_EQ(posted, 0);
-    storeInterval(Selector::dateIntervalForPreset(DateRangePreset::today));
+    storeInterval(DateRange(DateRangePreset::today).interval());
     const auto custom = opened();
     choose(*custom, 5);
     custom->viewWillDisappear();
@@ -284,11 +285,58 @@ TEST_F(DateRangesTest, theMarkerStandsBehindItsSegment) {
     EXPECT_EQ(center(6), center(0));
 }
 
+TEST_F(DateRangesTest, aNumberThatAnotherProgramStoredAsARealIsThatPreset) {
+    const DateRange year(Value(3.0));
+    EXPECT_EQ(year.interval(), DateRange(DateRangePreset::currentYear).interval());
+    EXPECT_EQ(year.title(), "2026");
+    EXPECT_TRUE(year.isCurrentYear());
+    EXPECT_EQ(DateRange(Value(1.0)).title(), "Past Week");
+    EXPECT_EQ(DateRange(Value(3.5)).interval(), year.interval()) << "cut to a whole number";
+    EXPECT_FALSE(DateRange(Value(3.5)).isCurrentYear());
+    EXPECT_FALSE(DateRange(Value(true)).isCurrentYear());
+    EXPECT_EQ(DateRange(Value(true)).title(), "Past Week");
+    EXPECT_EQ(DateRange(Value(-1.0)).title(), "Today");
+    defaults().setObject(key, 3.0);
+    EXPECT_EQ(opened()->presetSegmentedControl().selectedIndex(), 3U);
+}
+
+TEST_F(DateRangesTest, aWrittenRangeIsAPresetOrTwoDays) {
+    EXPECT_EQ(DateRange::ofText("today"), DateRange(DateRangePreset::today));
+    EXPECT_EQ(DateRange::ofText("past-week"), DateRange(DateRangePreset::pastWeek));
+    EXPECT_EQ(DateRange::ofText("past-month"), DateRange(DateRangePreset::pastMonth));
+    EXPECT_EQ(DateRange::ofText("year"), DateRange(DateRangePreset::currentYear));
+    EXPECT_EQ(DateRange::ofText("lifetime"), DateRange(DateRangePreset::lifetime));
+    const auto days = DateRange::ofText("2024-02-28..2024-02-29");
+    ASSERT_TRUE(days);
+    EXPECT_EQ(days->interval(), between("2024-02-28T00:00:00Z", "2024-02-29T23:59:59Z"));
+    EXPECT_EQ(days->fixedInterval(), days->interval());
+    EXPECT_TRUE(days->isCustom());
+    EXPECT_FALSE(days->isCurrentYear());
+    EXPECT_EQ(DateRange(days->object()), *days) << "as it would be stored";
+    EXPECT_EQ(DateRange::ofText("2026-03-10..2026-03-10")->title(), "Today");
+    for (const char* const text :
+         {"", "Today", "week", "2024-02-28", "..", "2024-02-28..", "..2024-02-28",
+          "2026-02-28..2026-02-29", "2026-02-29..2026-03-01", "2026-04-31..2026-05-02",
+          "2026-13-01..2026-13-02", "2026-00-01..2026-01-02", "2026-01-00..2026-01-02",
+          "2026-01-02..2026-01-01", "2026-1-02..2026-01-03", "2026-01-02...2026-01-03",
+          "2026-01-02..2026-01-03 "}) {
+        EXPECT_FALSE(DateRange::ofText(text)) << text;
+    }
+}
+
+TEST_F(DateRangesTest, whatCannotBeReadKeepsItsStoredForm) {
+    for (const Value& object : {Value("text"), Value(NSData{"no archive"}), Value(17)}) {
+        const DateRange range(object);
+        EXPECT_EQ(range.object(), object);
+        EXPECT_EQ(range.interval(), DateRange(DateRangePreset::today).interval());
+        EXPECT_FALSE(range.isCurrentYear());
+        EXPECT_FALSE(range.fixedInterval());
+    }
+}
+
 class PresetsOfZones : public testing::TestWithParam<DayZone> {
   protected:
-    static NSDateInterval of(DateRangePreset preset) {
-        return Selector::dateIntervalForPreset(preset);
-    }
+    static NSDateInterval of(DateRangePreset preset) { return DateRange(preset).interval(); }
     RecordingEnvironment environment{NSDate(), GetParam().zone};
 };
 
@@ -315,6 +363,31 @@ TEST_P(PresetsOfZones, areWholeDaysAtEveryTimeOfTheDay) {
             EXPECT_EQ(of(DateRangePreset::currentYear).endDate(), today.last);
         }
     }
+}
+
+TEST_P(PresetsOfZones, writtenDaysAreWholeDays) {
+    const NSTimeZone zone = GetParam().timeZone();
+    for (const WalkedDay& day : GetParam().days(3, 3)) {
+        const CivilTime time = zone.civilTime(day.first);
+        const std::string text = fmt::format("{:04}-{:02}-{:02}", time.year, time.month, time.day);
+        EXPECT_EQ(DateRange::ofText(text + ".." + text)->interval(),
+                  NSDateInterval(day.first, day.last));
+    }
+}
+
+TEST_P(PresetsOfZones, aPickedDayIsAWholeDay) {
+    environment.clock.set(GetParam().livedDay(3).noon());
+    const auto drawer = Selector::initWithUserDefault(key);
+    drawer->viewDidLoad();
+    drawer->presetSegmentedControl().setSelectedIndex(RVDateRangeSegmentedControl::customIndex,
+                                                      true);
+    const WalkedDay first = GetParam().lived();
+    const WalkedDay last = GetParam().livedDay(1);
+    drawer->changeDate(first.noon());
+    drawer->toggleDate(1);
+    drawer->changeDate(last.noon());
+    EXPECT_EQ(DateRange::stored(key).interval(), NSDateInterval(first.first, last.last));
+    EXPECT_EQ(drawer->datePicker().minimumDate, first.first);
 }
 
 // Titles

@@ -161,6 +161,32 @@ TEST_F(FirstOfJanuary, evenTheCurrentYearShowsHours) {
     expectHours();
 }
 
+// In these locales people have a calendar of their own beside the Gregorian one.
+TEST_F(HistoryChartTest, barHeaderAndButtonSpeakOfOneCalendarInEveryLocale) {
+    struct Texts {
+        const char* locale;
+        const char* bar;
+        const char* header;
+        const char* button;
+    };
+    choosePreset(DateRangePreset::currentYear);
+    PlaybackHistory one = song("One");
+    play(one, "2026-03-10T10:00:00Z");
+    for (const Texts& texts :
+         {Texts{"en_US", "Mar", "March 2026", "2026"}, Texts{"th_TH", "มี.ค.", "มีนาคม 2026", "2026"},
+          Texts{"fa_IR", "مارس", "مارس ۲۰۲۶", "۲۰۲۶"},
+          Texts{"ar_SA", "مارس", "مارس ٢٠٢٦", "٢٠٢٦"}}) {
+        Regional region(NSTimeZone(), texts.locale);
+        const Port<Regional>::Plug plug(region);
+        update();
+        choose(2);
+        EXPECT_EQ(labels()[2], texts.bar);
+        EXPECT_EQ(screen->titleForHeaderInSection(1), texts.header);
+        EXPECT_EQ(screen->dateRangeTitle().textWithoutAttachments(), texts.button);
+        EXPECT_EQ(RVDateRangeSegmentedControl().yearTitle(), texts.button);
+    }
+}
+
 /// A zone with the clocks set around a midnight, and the days around it.
 struct ZoneRow {
     const char* zone;

@@ -7,38 +7,11 @@
 #include "apps/tavrionctl/PlayRows.h"
 #include "apps/tavrionctl/RangeArgument.h"
 #include "apps/tavrionctl/Session.h"
-#include "platform/foundation/NSKeyedArchiver.h"
 
 namespace tavrion::ctl {
 namespace {
 
 constexpr std::size_t columnsWithoutTerminal = 80;
-
-struct AskedRange {
-    HistoryRange range;
-    /// As it would be stored.
-    Value object;
-};
-
-AskedRange storedRange() {
-    return {HistoryRange::stored(),
-            NSUserDefaults::standardUserDefaults().objectForKey(DateRangeKey::history)};
-}
-
-Result<AskedRange> rangeOf(const std::string& text) {
-    const auto preset = datePreset(text);
-    if (preset) {
-        return AskedRange{{RVDateRangeSelectorViewController::dateIntervalForPreset(*preset),
-                           *preset == DateRangePreset::currentYear},
-                          static_cast<std::int64_t>(*preset)};
-    }
-    const auto parsed = dateRange(text);
-    if (!parsed) {
-        return parsed.error();
-    }
-    const NSDateInterval interval(parsed.value().start, parsed.value().end);
-    return AskedRange{{interval, false}, NSKeyedArchiver::archivedDataWithRootObject(interval)};
-}
 
 const char* nameOf(HistoryChartForm form) {
     switch (form) {
@@ -53,7 +26,7 @@ const char* nameOf(HistoryChartForm form) {
 }
 
 void writeBars(JsonWriter& json, const HistoryPage& page) {
-    json.key("form").text(nameOf(historyChartForm(page.range)));
+    json.key("form").text(nameOf(historyChartForm(page.range, page.interval)));
     json.key("bars").beginArray();
     if (page.chart) {
         for (const HistoryBar& bar : page.chart->bars) {
@@ -97,8 +70,8 @@ void writeSections(JsonWriter& json, const HistoryPage& page, NSManagedObjectCon
 void writePage(const HistoryPage& page, NSManagedObjectContext& context) {
     JsonWriter json(stdout);
     json.beginObject().key("interval").beginObject();
-    json.key("start").instant(page.range.interval.startDate());
-    json.key("end").instant(page.range.interval.endDate()).endObject();
+    json.key("start").instant(page.interval.startDate());
+    json.key("end").instant(page.interval.endDate()).endObject();
     json.key("songs").unsignedInteger(page.totals.songs);
     json.key("seconds").number(page.totals.seconds);
     json.key("songsText").text(page.songsText());
@@ -156,9 +129,9 @@ void HistoryCommand::describe(const CommandSyntax& parent) {
 }
 
 Outcome HistoryCommand::execute(Session& session) {
-    std::optional<AskedRange> asked;
+    std::optional<DateRange> asked;
     if (!range_.empty()) {
-        auto parsed = rangeOf(range_);
+        auto parsed = dateRange(range_);
         if (!parsed) {
             return Outcome::usage(parsed.error().localizedDescription);
         }
@@ -172,13 +145,10 @@ Outcome HistoryCommand::execute(Session& session) {
         session.say(opened.message);
     }
     if (!asked) {
-        asked = storedRange();
+        asked = DateRange::stored(DateRangeKey::history);
     }
     NSManagedObjectContext& context = *session.data().mainContext();
-    HistoryPage page =
-        HistoryPage::of(RVDateRangeSelectorViewController::titleForUserDefaultObject(asked->object)
-                            .textWithoutAttachments(),
-                        asked->range, context);
+    HistoryPage page = HistoryPage::of(*asked, context);
     if (bar_) {
         if (Outcome chosen = chooseBar(*bar_, page, session, context); !chosen.isDone()) {
             return chosen;

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "apps/tavrionctl/Command.h"
-#include "timeviews/HistoryRange.h"
 
 namespace tavrion::ctl {
 

@@ -8,14 +8,14 @@
 
 namespace tavrion::ctl {
 
-HistoryPage HistoryPage::of(std::string rangeTitle, const HistoryRange& range,
-                            NSManagedObjectContext& context) {
+HistoryPage HistoryPage::of(const DateRange& range, NSManagedObjectContext& context) {
     const auto records = context.snapshot();
-    const HistoryPlays plays(records, range.interval.startDate(), range.interval.endDate());
-    HistoryPage page{std::move(rangeTitle), range,        plays.byDay([](float) {}),
-                     plays.totals(),        std::nullopt, false};
+    const NSDateInterval interval = range.interval();
+    const HistoryPlays plays(records, interval.startDate(), interval.endDate());
+    HistoryPage page{range,          interval,     plays.byDay([](float) {}),
+                     plays.totals(), std::nullopt, false};
     if (plays.count() > 0) {
-        page.chart = historyChart(records, range);
+        page.chart = historyChart(*records, range, interval);
     }
     return page;
 }
@@ -25,11 +25,11 @@ bool HistoryPage::choose(std::size_t bar, NSManagedObjectContext& context) {
     if (entry.y == 0 || !entry.data) {
         return false;
     }
-    const NSDateInterval span = spanOfHistoryBar(*entry.data, range.isCurrentYear);
+    const NSDateInterval span = spanOfHistoryBar(*entry.data, range.isCurrentYear());
     const HistoryPlays plays(context.snapshot(), span.startDate(), span.endDate());
     list = plays.inOneSection(*entry.data);
     totals = plays.totals();
-    showsMonthTitles = range.isCurrentYear;
+    showsMonthTitles = range.isCurrentYear();
     chart->colors = HistoryBarColors::whileChosen();
     chart->highlightedX = entry.x;
     return true;

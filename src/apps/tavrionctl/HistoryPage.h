@@ -17,16 +17,16 @@
 namespace tavrion::ctl {
 
 struct HistoryPage {
-    std::string rangeTitle;
-    HistoryRange range;
+    DateRange range;
+    /// The range as dates.
+    NSDateInterval interval;
     NSDiffableDataSourceSnapshot list;
     PlayTotals totals;
     std::optional<HistoryChart> chart;
     bool showsMonthTitles = false;
 
     /// The page of a range.
-    static HistoryPage of(std::string rangeTitle, const HistoryRange& range,
-                          NSManagedObjectContext& context);
+    static HistoryPage of(const DateRange& range, NSManagedObjectContext& context);
     /// Narrows list and totals to the bar. False when it cannot be chosen, because it is empty or
     /// an hour; then nothing changes.
     bool choose(std::size_t bar, NSManagedObjectContext& context);

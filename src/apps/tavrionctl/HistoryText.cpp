@@ -93,7 +93,7 @@ void HistoryText::print(NSManagedObjectContext& context,
 }
 
 void HistoryText::printTop(const std::function<void(const std::string&)>& line) const {
-    line(styled(trimmed(fitted(page_.rangeTitle, width_)), TextStyle::bold, abilities_));
+    line(styled(trimmed(fitted(page_.range.title(), width_)), TextStyle::bold, abilities_));
     if (page_.isEmpty()) {
         line("");
         line("Nothing was played in this time.");

@@ -15,12 +15,13 @@ namespace {
 
 /// Identifiers of the plays to list, newest first; plays without a date come last.
 std::vector<RecordCounter> playsNewestFirst(const StoreVersion& records,
-                                            const std::optional<DateRange>& range) {
+                                            const std::optional<NSDateInterval>& range) {
     std::vector<RecordCounter> listed;
     if (!range) {
         listed = Plays::withoutDate(records);
     }
-    const Plays plays = range ? Plays(records, range->start, range->end) : Plays(records);
+    const Plays plays =
+        range ? Plays(records, range->startDate(), range->endDate()) : Plays(records);
     listed.reserve(listed.size() + plays.count());
     plays.forEachByDate([&](PlayDate, RecordCounter play) { listed.push_back(play); });
     std::reverse(listed.begin(), listed.end());
@@ -45,13 +46,13 @@ void PlaysCommand::describe(const CommandSyntax& parent) {
 }
 
 Outcome PlaysCommand::execute(Session& session) {
-    std::optional<DateRange> range;
+    std::optional<NSDateInterval> range;
     if (!range_.empty()) {
         const auto parsed = dateRange(range_);
         if (!parsed) {
             return Outcome::usage(parsed.error().localizedDescription);
         }
-        range = parsed.value();
+        range = parsed.value().interval();
     }
     if (Outcome opened = session.openStore(); !opened.isDone()) {
         return opened;

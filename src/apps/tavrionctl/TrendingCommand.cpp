@@ -10,7 +10,6 @@
 #include "apps/tavrionctl/Session.h"
 #include "apps/tavrionctl/TextTable.h"
 #include "library/RVMetadataManager.h"
-#include "timeviews/RVDateRangeSelectorViewController.h"
 #include "timeviews/RVTrendingCollectionViewController.h"
 
 namespace tavrion::ctl {
@@ -86,7 +85,7 @@ Outcome TrendingCommand::execute(Session& session) {
         if (!parsed) {
             return Outcome::usage(parsed.error().localizedDescription);
         }
-        interval.emplace(parsed.value().start, parsed.value().end);
+        interval = parsed.value().interval();
     }
     if (Outcome opened = session.openStore(); !opened.isDone()) {
         return opened;
@@ -95,7 +94,7 @@ Outcome TrendingCommand::execute(Session& session) {
         return opened;
     }
     if (!interval) {
-        interval = RVDateRangeSelectorViewController::dateIntervalForKey(DateRangeKey::trending);
+        interval = DateRange::stored(DateRangeKey::trending).interval();
     }
     const bool byTime =
         by_.empty() ? session.defaults().integerForKey(TrendingDefaults::weightedRankFormat) ==

@@ -33,10 +33,10 @@ class HistoryTextTest : public testing::Test {
                                       .duration = 90},
                                      {.title = "Another", .duration = 5}});
     }
-    HistoryPage page(int days, bool isCurrentYear = false) {
+    HistoryPage page(int days) {
         const NSDate end = RecordingEnvironment::at(now + 43199);
         return HistoryPage::of(
-            "The Range", {{end.dateByAddingTimeInterval(1 - days * 86400.0), end}, isCurrentYear},
+            DateRange(NSDateInterval(end.dateByAddingTimeInterval(1 - days * 86400.0), end)),
             environment.main());
     }
     std::vector<std::string> lines(const HistoryPage& page, std::size_t width,
@@ -94,7 +94,7 @@ TEST_F(HistoryTextTest, theChosenBarStandsOutAndItsDayIsAlone) {
 
 TEST_F(HistoryTextTest, coloursAreOnlyWhereTheyAreShown) {
     EXPECT_THAT(lines(page(7), 80), Not(Contains(HasSubstr("\033"))));
-    EXPECT_EQ(lines(page(7), 80, {true, true})[0], "\033[1mThe Range\033[0m");
+    EXPECT_EQ(lines(page(7), 80, {true, true})[0], "\033[1mMonday – Today\033[0m");
 }
 
 }  // namespace
