@@ -125,12 +125,13 @@ TEST_F(HistoryScreenTest, choosingFromBarToBarKeepsTheListOfTheRange) {
     choosePreset(DateRangePreset::pastWeek);
     PlaybackHistory one = song("One");
     PlaybackHistory two = song("Two");
+    PlaybackHistory three = song("Three");
     play(one, "2026-03-14T10:00:00Z");
     play(two, "2026-03-14T11:00:00Z");
-    play(one, "2026-03-15T09:00:00Z");
+    play(three, "2026-03-15T09:00:00Z");
     update();
     const NSDiffableDataSourceSnapshot whole = screen->snapshot();
-    EXPECT_EQ(totals(), "2 / 5");
+    EXPECT_EQ(totals(), "3 / 5");
     choose(5);
     EXPECT_THAT(screen->snapshot().sectionIdentifiers(),
                 ElementsAre(Value("StatSection"), Value(instant("2026-03-14T00:00:00Z"))));
@@ -143,7 +144,7 @@ TEST_F(HistoryScreenTest, choosingFromBarToBarKeepsTheListOfTheRange) {
     EXPECT_EQ(totals(), "1 / 1");
     screen->chartValueNothingSelected();
     EXPECT_TRUE(screen->snapshot() == whole);
-    EXPECT_EQ(totals(), "2 / 5");
+    EXPECT_EQ(totals(), "3 / 5");
     EXPECT_EQ(chart().colors, HistoryBarColors());
     EXPECT_FALSE(screen->deselectSnapshot());
     EXPECT_FALSE(screen->deselectCount());
@@ -250,6 +251,24 @@ TEST_F(HistoryScreenTest, aScreenThatWentIsToldNothingMore) {
     screen->updateDataSource();
     screen.reset();
     environment.runUntilIdle();
+}
+
+TEST_F(HistoryScreenTest, playsAtTheVeryEndsOfARangeAreOutsideOfAllThatItShows) {
+    chooseInterval("2026-03-10T00:00:00Z", "2026-03-12T23:59:59Z");
+    PlaybackHistory one = song("One");
+    PlaybackHistory two = song("Two");
+    play(two, "2026-03-10T00:00:00Z");
+    play(one, "2026-03-10T00:00:01Z");
+    play(one, "2026-03-12T23:59:58Z");
+    play(two, "2026-03-12T23:59:59Z");
+    play(two, "2026-03-12T23:59:59.5Z");
+    update();
+    EXPECT_EQ(totals(), "1 / 3");
+    EXPECT_EQ(listed(), (Days{{"2026-03-12T23:59:58.000Z"}, {"2026-03-10T00:00:01.000Z"}}));
+    EXPECT_EQ(bars(), (std::vector<std::string>{"0: 100", "2: 100"}));
+    choose(2);
+    EXPECT_EQ(listed(), (Days{{"2026-03-12T23:59:58.000Z"}}));
+    EXPECT_EQ(totals(), "1 / 1");
 }
 
 }  // namespace

@@ -54,8 +54,7 @@ TEST_F(TrendingTest, estimatesCountAndPlaysOnTheEdgesDoNot) {
 
 TEST_F(TrendingTest, theLastSecondOfTheLastDayIsOutsideOfEveryPreset) {
     PlaybackHistory history = song("Song", 0);
-    const NSDateInterval today =
-        RVDateRangeSelectorViewController::dateIntervalForPreset(DateRangePreset::today);
+    const NSDateInterval today = DateRange(DateRangePreset::today).interval();
     const double start = today.startDate().timeIntervalSinceReferenceDate();
     const double end = today.endDate().timeIntervalSinceReferenceDate();
     for (const double outside : {start, end, end + 0.5}) {
@@ -89,6 +88,70 @@ TEST_F(TrendingTest, equalSongsAreOrderedByTheirLastEventOfAll) {
     song("None", 2).setLastEventDate(std::nullopt);
     song("Late", 2).setLastEventDate(RecordingEnvironment::at(9000));
     EXPECT_THAT(texts(update().songs), ElementsAre("Late 2 0", "Early 2 0", "None 2 0"));
+}
+
+/// "Song 007".
+std::string numbered(const char* name, int number) {
+    const std::string digits = std::to_string(number);
+    return std::string(name) + " " + std::string(3 - digits.size(), '0') + digits;
+}
+
+TEST_F(TrendingTest, theHundredPlacesOfATieGoToTheLatestSongs) {
+    std::vector<std::string> expected;
+    for (int i = 0; i < 150; ++i) {
+        song(numbered("Song", i), 1).setLastEventDate(RecordingEnvironment::at(5000 + i));
+        expected.insert(expected.begin(), numbered("Song", i) + " 1 0");
+    }
+    expected.resize(100);
+    EXPECT_EQ(texts(update().songs), expected);
+}
+
+TEST_F(TrendingTest, theHundredthPlaceGoesToTheLaterOfTwoEqualSongs) {
+    for (int i = 0; i < 99; ++i) {
+        song(numbered("Song", i), 2);
+    }
+    song("Early", 1).setLastEventDate(RecordingEnvironment::at(5000));
+    song("Late", 1).setLastEventDate(RecordingEnvironment::at(5001));
+    song("Middle", 1).setLastEventDate(RecordingEnvironment::at(5000.5));
+    ASSERT_EQ(update().songs.size(), 100U);
+    EXPECT_EQ(rowText(*screen->snapshot().songs.back()), "Late 1 0");
+}
+
+TEST_F(TrendingTest, equalSongsOfEqualDatesKeepTheirOrderBeyondTheFirstHundred) {
+    std::vector<std::string> expected;
+    for (int i = 0; i < 250; ++i) {
+        song(numbered("Song", i), 1).setLastEventDate(RecordingEnvironment::at(5000));
+        if (i >= 120 && i < 220) {
+            expected.push_back(numbered("Song", i) + " 1 0");
+        }
+    }
+    songs.erase(songs.begin(), songs.begin() + 120);
+    EXPECT_EQ(texts(update().songs), expected);
+}
+
+TEST_F(TrendingTest, everyGroupOfATieIsLookedUpOnce) {
+    // Each artist has the key of an album beside, so that the ties go on beyond hundreds of keys.
+    // The later ones are the better ones.
+    for (int i = 299; i >= 0; --i) {
+        song(numbered("Song", i), 1, numbered("Artist", i));
+    }
+    std::erase_if(songs, [](const TestSong& each) {
+        return each.artist != numbered("Artist", 59) && each.artist != numbered("Artist", 60) &&
+               each.artist != numbered("Artist", 150) && each.artist != numbered("Artist", 299);
+    });
+    EXPECT_THAT(texts(update().collections), ElementsAre("Artist 059 1 0", "Artist 060 1 0",
+                                                         "Artist 150 1 0", "Artist 299 1 0"));
+}
+
+TEST_F(TrendingTest, theFifteenPlacesOfATieGoByName) {
+    std::vector<std::string> expected;
+    for (int i = 199; i >= 0; --i) {
+        song(numbered("Song", i), 1, numbered("Artist", i));
+    }
+    for (int i = 0; i < 15; ++i) {
+        expected.push_back(numbered("Artist", i) + " 1 0");
+    }
+    EXPECT_EQ(texts(update().collections), expected);
 }
 
 TEST_F(TrendingTest, excludedSongsAreInNoListAndInNoSum) {
@@ -236,6 +299,8 @@ TEST_F(TrendingTest, aGenreOfAnArtistsNameSharesItsAccumulator) {
 TEST_F(TrendingTest, anAlbumKeyWithAThirdPartIsSkipped) {
     song("One", 5, "A——B", "First");
     song("Two", 2, "C", "Second");
+    // What the key would lead to if it were cut at either place.
+    song("Three", 0, "A", "B——First");
     group(1);
     EXPECT_THAT(texts(update().collections), ElementsAre("Second 2 0"));
 }
