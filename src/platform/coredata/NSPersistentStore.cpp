@@ -9,7 +9,9 @@
 
 #include "platform/coredata/ChangeWriter.h"
 #include "platform/coredata/StoreCheck.h"
+#include "platform/coredata/StoreCopy.h"
 #include "platform/coredata/StoreFile.h"
+#include "platform/coredata/StoreMessages.h"
 
 namespace tavrion {
 namespace {
@@ -88,7 +90,11 @@ std::vector<std::shared_ptr<const SortedIndex>> indexesOf(const NSEntityDescript
 
 Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
     const std::filesystem::path& file, std::shared_ptr<const NSManagedObjectModel> model,
-    const StoreFormat& format) {
+    const StoreFormat& format, StoreAccess access) {
+    // What was read is not shared: a later reader shall find what has been written since.
+    if (access == StoreAccess::reading) {
+        return openFile(file, std::move(model), format, access);
+    }
     std::error_code failure;
     std::filesystem::path key = std::filesystem::weakly_canonical(file, failure);
     if (failure) {
@@ -98,20 +104,44 @@ Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::open(
     if (auto store = openStores().byFile[key].lock()) {
         return store;
     }
-    auto database = StoreFile::open(file, *model, format);
-    if (!database) {
-        return database.error();
+    auto store = openFile(file, std::move(model), format, access);
+    if (store) {
+        openStores().byFile[key] = store.value();
+    }
+    return store;
+}
+
+Result<std::shared_ptr<NSPersistentStore>> NSPersistentStore::openFile(
+    const std::filesystem::path& file, std::shared_ptr<const NSManagedObjectModel> model,
+    const StoreFormat& format, StoreAccess access) {
+    const bool reads = access == StoreAccess::reading;
+    auto opened =
+        reads ? StoreFile::openForReading(file, format) : StoreFile::open(file, *model, format);
+    if (!opened) {
+        return opened.error();
+    }
+    std::optional<StoreCheck> check;
+    if (const SQLiteDatabase* database = opened.value().database.get()) {
+        check.emplace(database->file(), opened.value().besideIt);
     }
     std::shared_ptr<NSPersistentStore> store(
-        new NSPersistentStore(file, format, std::move(model), std::move(database).value()));
-    StoreCheck check(file);
+        new NSPersistentStore(file, format, std::move(model), std::move(opened.value().database)));
     const Result<void> loaded = store->load();
-    const std::optional<std::string> damage = check.damage();
-    if (loaded && !damage) {
-        openStores().byFile[key] = store;
-        return store;
+    const std::optional<std::string> damage = check ? check->damage() : std::nullopt;
+    if (!loaded || damage) {
+        return store->refuse(loaded, damage);
     }
-    return store->refuse(loaded, damage);
+    if (reads) {
+        store->letGoOfFile();
+    }
+    return store;
+}
+
+void NSPersistentStore::letGoOfFile() {
+    MutexLock lock(writeMutex_);
+    if (database_) {
+        StoreFile::closeUntouched(std::move(database_));
+    }
 }
 
 NSPersistentStore::NSPersistentStore(std::filesystem::path file, StoreFormat format,
@@ -144,14 +174,17 @@ RecordCounter NSPersistentStore::allocate(EntityIndex entity) {
 NSError NSPersistentStore::refuse(const Result<void>& loaded,
                                   const std::optional<std::string>& damage) {
     MutexLock lock(writeMutex_);
-    NSError why = damage ? StoreFile::damaged(file_, format_, *damage)
-                         : StoreFile::unreadable(*database_, format_, loaded.error());
+    NSError why = damage ? StoreMessages::damaged(file_, format_, *damage)
+                         : StoreMessages::unreadable(*database_, format_, loaded.error());
     StoreFile::closeUntouched(std::move(database_));
     return why;
 }
 
 Result<void> NSPersistentStore::load() {
     MutexLock lock(writeMutex_);
+    if (!database_) {
+        return {};
+    }
     // One read transaction, so that all tables are of the same moment though another process may
     // write.
     if (auto begun = database_->execute("BEGIN"); !begun) {
@@ -234,12 +267,14 @@ Result<void> NSPersistentStore::write(
     const std::function<void(const std::shared_ptr<const StoreVersion>&)>& adopt) {
     MutexLock lock(writeMutex_);
     Unsaved unsaved;
-    const Result<void> written = writeCommits(commits, [&]() -> const Commits& {
+    const auto everything = [&]() -> const Commits& {
         unsaved = all();
         return unsaved.commits;
-    });
-    if (!written) {
-        return StoreFile::unsaved(*database_, format_, written.error());
+    };
+    if (auto written = transact(
+            [&]() TAVRION_REQUIRES(writeMutex_) { return writeCommits(commits, everything); });
+        !written) {
+        return written;
     }
     std::shared_ptr<const StoreVersion> saved = version();
     if (saved == unsaved.before) {
@@ -258,15 +293,41 @@ Result<void> NSPersistentStore::write(
 
 void NSPersistentStore::shortenLog() {
     MutexLock lock(writeMutex_);
-    database_->shortenLog();
+    if (database_) {
+        database_->shortenLog();
+    }
+}
+
+Result<void> NSPersistentStore::transact(const std::function<Result<void>()>& work) {
+    if (!database_) {
+        return StoreMessages::forReadingAlone(file_);
+    }
+    const auto unsaved = [&](const NSError& cause) TAVRION_REQUIRES(writeMutex_) {
+        return StoreMessages::unsaved(*database_, format_, cause);
+    };
+    auto transaction = SQLiteTransaction::begin(*database_);
+    if (!transaction) {
+        return unsaved(transaction.error());
+    }
+    // Another program may have brought the file to a version of which this one knows nothing.
+    const auto version = StoreFile::versionOf(*database_);
+    if (!version) {
+        return unsaved(version.error());
+    }
+    if (version.value() > format_.version) {
+        return StoreMessages::newer(file_, format_, version.value());
+    }
+    if (auto worked = work(); !worked) {
+        return unsaved(worked.error());
+    }
+    if (auto committed = transaction.value().commit(); !committed) {
+        return unsaved(committed.error());
+    }
+    return {};
 }
 
 Result<void> NSPersistentStore::writeCommits(const Commits& commits,
                                              const std::function<const Commits&()>& all) {
-    auto transaction = SQLiteTransaction::begin(*database_);
-    if (!transaction) {
-        return transaction.error();
-    }
     ChangeWriter writer(*model_, *database_);
     for (const auto& commit : commits) {
         if (auto written = writer.write(*commit); !written) {
@@ -279,10 +340,7 @@ Result<void> NSPersistentStore::writeCommits(const Commits& commits,
             return written;
         }
     }
-    if (auto counted = writeCounters(); !counted) {
-        return counted;
-    }
-    return transaction.value().commit();
+    return writeCounters();
 }
 
 Result<void> NSPersistentStore::writeCounters() {
@@ -301,26 +359,20 @@ Result<void> NSPersistentStore::writeCounters() {
 }
 
 Result<void> NSPersistentStore::deleteRows(EntityIndex entity) {
-    auto transaction = SQLiteTransaction::begin(*database_);
-    if (!transaction) {
-        return transaction.error();
-    }
     for (const EntityIndex concrete : model_->concreteEntities(entity)) {
         if (auto deleted = database_->execute("DELETE FROM " + model_->entity(concrete).name);
             !deleted) {
             return deleted;
         }
     }
-    if (auto counted = writeCounters(); !counted) {
-        return counted;
-    }
-    return transaction.value().commit();
+    return writeCounters();
 }
 
 Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
     MutexLock lock(writeMutex_);
-    if (auto deleted = deleteRows(entity); !deleted) {
-        return StoreFile::unsaved(*database_, format_, deleted.error());
+    if (auto deleted = transact([&]() TAVRION_REQUIRES(writeMutex_) { return deleteRows(entity); });
+        !deleted) {
+        return deleted;
     }
     database_->shortenLog();
     const std::shared_ptr<const StoreVersion> before = version();
@@ -342,7 +394,10 @@ Result<void> NSPersistentStore::executeBatchDelete(EntityIndex entity) {
 
 Result<void> NSPersistentStore::copyTo(const std::filesystem::path& copy) {
     MutexLock lock(writeMutex_);
-    return StoreFile::copy(*database_, copy);
+    if (!database_) {
+        return StoreMessages::forReadingAlone(file_);
+    }
+    return StoreCopy::make(*database_, copy);
 }
 
 std::shared_ptr<const StoreVersion> NSPersistentStore::versionBeforeRemoval(

@@ -35,16 +35,24 @@ struct StoreFormat {
     std::string safetyCopies = {};
 };
 
+/// What a store is opened for.
+enum class StoreAccess {
+    writing,
+    /// The file is read and let go again: nothing is made, changed or brought up to date.
+    reading
+};
+
 class NSPersistentStore {
   public:
     using Commits = std::vector<std::shared_ptr<const ChangeSet>>;
 
     /// Opens the file, makes it when missing, and reads all records. A file that is open in this
-    /// process already gives the same object. The directory must exist. Older versions are brought
-    /// up to date after a copy beside the file.
+    /// process for writing already gives the same object. The directory must exist. Older versions
+    /// are brought up to date after a copy beside the file. Opened for reading, a missing file has
+    /// no records, an older one is refused, and every object shows the file as it was found.
     static Result<std::shared_ptr<NSPersistentStore>> open(
         const std::filesystem::path& file, std::shared_ptr<const NSManagedObjectModel> model,
-        const StoreFormat& format);
+        const StoreFormat& format, StoreAccess access = StoreAccess::writing);
     ~NSPersistentStore();
 
     const NSManagedObjectModel& model() const { return *model_; }
@@ -82,14 +90,21 @@ class NSPersistentStore {
     NSPersistentStore(std::filesystem::path file, StoreFormat format,
                       std::shared_ptr<const NSManagedObjectModel> model,
                       std::unique_ptr<SQLiteDatabase> database);
+    static Result<std::shared_ptr<NSPersistentStore>> openFile(
+        const std::filesystem::path& file, std::shared_ptr<const NSManagedObjectModel> model,
+        const StoreFormat& format, StoreAccess access);
     Result<void> load();
+    /// After the reading: nothing is written to the file.
+    void letGoOfFile();
     /// Why the store can't be used, after it was read and looked through; its file is closed as it
     /// lies there.
     NSError refuse(const Result<void>& loaded, const std::optional<std::string>& damage);
     Result<void> loadEntity(EntityIndex entity,
                             std::vector<std::shared_ptr<const TableVersion>>& tables)
         TAVRION_REQUIRES(writeMutex_);
-    /// Each in one transaction, all or nothing.
+    /// Does `work` in one transaction, all or nothing, on a file of the version that it had when it
+    /// was opened.
+    Result<void> transact(const std::function<Result<void>()>& work) TAVRION_REQUIRES(writeMutex_);
     Result<void> writeCommits(const Commits& commits, const std::function<const Commits&()>& all)
         TAVRION_REQUIRES(writeMutex_);
     Result<void> deleteRows(EntityIndex entity) TAVRION_REQUIRES(writeMutex_);
@@ -101,6 +116,7 @@ class NSPersistentStore {
     std::vector<std::atomic<RecordCounter>> nextCounters_;
 
     Mutex writeMutex_;
+    /// Null once a store that was opened for reading has been read.
     std::unique_ptr<SQLiteDatabase> database_ TAVRION_GUARDED_BY(writeMutex_);
 
     mutable Mutex versionMutex_;

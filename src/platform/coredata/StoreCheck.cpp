@@ -2,13 +2,12 @@
 
 #include <utility>
 
-#include "platform/sqlite/SQLiteDatabase.h"
-
 namespace tavrion {
 namespace {
 
-std::optional<std::string> firstDamage(const std::filesystem::path& file) {
-    auto database = SQLiteDatabase::open(file, SQLiteDatabase::Mode::readOnly);
+std::optional<std::string> firstDamage(const std::filesystem::path& file,
+                                       SQLiteDatabase::Mode mode) {
+    auto database = SQLiteDatabase::open(file, mode);
     if (!database) {
         return std::nullopt;
     }
@@ -26,9 +25,9 @@ std::optional<std::string> firstDamage(const std::filesystem::path& file) {
 
 // Where no thread is to be had, the check runs when its outcome is asked for. A worker of the
 // queues would stay behind in a process that only wants to read and end.
-StoreCheck::StoreCheck(std::filesystem::path file)
-    : outcome_(
-          std::async(std::launch::async | std::launch::deferred, firstDamage, std::move(file))) {}
+StoreCheck::StoreCheck(std::filesystem::path file, SQLiteDatabase::Mode mode)
+    : outcome_(std::async(std::launch::async | std::launch::deferred, firstDamage, std::move(file),
+                          mode)) {}
 
 std::optional<std::string> StoreCheck::damage() {
     return outcome_.get();

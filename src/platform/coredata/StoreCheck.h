@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/foundation/Result.h"
+#include "platform/sqlite/SQLiteDatabase.h"
 
 namespace tavrion {
 
@@ -18,7 +19,8 @@ class StoreCheck {
   public:
     /// Begins at once. The caller has the file open until the check is over; its end is waited for
     /// by the destructor too.
-    explicit StoreCheck(std::filesystem::path file);
+    explicit StoreCheck(std::filesystem::path file,
+                        SQLiteDatabase::Mode mode = SQLiteDatabase::Mode::readOnly);
 
     /// Once. Waits for the end: the first damage that was found, in a few words, or nothing. A file
     /// that could not be looked through for another reason than damage is not found damaged;

@@ -1,25 +1,28 @@
 #include "platform/coredata/StoreFile.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <optional>
 #include <system_error>
-#include <vector>
+#include <utility>
 
 #include "platform/coredata/StoreCheck.h"
+#include "platform/coredata/StoreCopy.h"
+#include "platform/coredata/StoreMessages.h"
 
 namespace tavrion::StoreFile {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// Seconds that a connection waits for another process.
+constexpr double patience = 10;
 
 /// What the first 100 bytes of an SQLite file tell.
 struct Header {
@@ -37,48 +40,19 @@ struct Header {
         return size == 1 ? 65536 : size;
     }
     std::uint64_t expectedSize() const { return pageSize() * number(28); }
-    std::int32_t userVersion() const { return static_cast<std::int32_t>(number(60)); }
     std::int32_t applicationID() const { return static_cast<std::int32_t>(number(68)); }
 };
 
-NSError error(const fs::path& file, const std::string& what) {
-    return NSError{fmt::format("{}: {}", file.string(), what), {}};
-}
-
-/// Whether a write-ahead log with content lies beside the file.
-bool hasLog(const fs::path& file) {
-    std::error_code none;
-    const fs::path log = file.string() + "-wal";
-    return fs::exists(log, none) && fs::file_size(log, none) > 0;
-}
-
-/// What to do about a file whose content can't be used. A log of the old file would be taken for
-/// one of the file that is put in its place.
-std::string advice(const fs::path& file, const StoreFormat& format) {
-    const std::string name = file.filename().string();
-    const std::string away =
-        hasLog(file) ? fmt::format("move {0} and {0}-wal away", name) : "move it away";
-    const fs::path copies = file.parent_path() / format.safetyCopies;
-    std::error_code none;
-    if (!format.safetyCopies.empty() && fs::is_directory(copies, none) &&
-        !fs::is_empty(copies, none)) {
-        return fmt::format("{}, then put back a safety copy from {} as {}, or start anew", away,
-                           copies.string(), name);
-    }
-    return away + " to start anew, or put back a copy of your own";
-}
-
-/// The text of an error about the file without the file's name.
-std::string withoutName(const fs::path& file, const std::string& text) {
-    const std::string name = file.string() + ": ";
-    return text.starts_with(name) ? text.substr(name.size()) : text;
+bool isThere(const fs::path& file) {
+    std::error_code failure;
+    return fs::exists(fs::symlink_status(file, failure));
 }
 
 Result<Header> readHeader(const fs::path& file, const StoreFormat& format) {
     Header header;
     std::error_code failure;
     if (!fs::is_regular_file(file, failure)) {
-        return error(
+        return StoreMessages::about(
             file,
             fmt::format(
                 "this is not a file; {} keeps its records in a file of that name, so move the "
@@ -88,111 +62,38 @@ Result<Header> readHeader(const fs::path& file, const StoreFormat& format) {
     header.fileSize = fs::file_size(file, failure);
     std::ifstream stream(file, std::ios::binary);
     if (failure || !stream) {
-        return error(file, "the file can't be read; check its permissions");
+        return StoreMessages::about(file, "the file can't be read; check its permissions");
     }
     stream.read(reinterpret_cast<char*>(header.bytes.data()), Header::length);
     if (static_cast<std::size_t>(stream.gcount()) < Header::length) {
-        return error(file, fmt::format("the file is cut off after {} bytes; {}", header.fileSize,
-                                       advice(file, format)));
+        return StoreMessages::cutOff(
+            file, format, fmt::format("the file is cut off after {} bytes", header.fileSize));
     }
     return header;
 }
 
-/// What forbids touching the file; absent when it is ours, whole and of a known version.
-std::optional<NSError> objection(const fs::path& file, const Header& header,
-                                 const StoreFormat& format) {
+/// What forbids opening the file; absent when it is ours and has all its pages.
+std::optional<NSError> objection(const fs::path& file, const StoreFormat& format) {
+    const auto read = readHeader(file, format);
+    if (!read) {
+        return read.error();
+    }
+    const Header& header = read.value();
     if (!header.isSQLite() || header.applicationID() != format.applicationID) {
-        return error(
+        return StoreMessages::about(
             file, fmt::format(
                       "the file is not a store of {}; move it away or name another data directory",
                       format.programName));
     }
-    if (header.userVersion() > format.version) {
-        return error(
-            file,
-            fmt::format(
-                "the store was made by a newer {} (version {}, this one knows up to {}); update {}",
-                format.programName, header.userVersion(), format.version, format.programName));
-    }
-    if (header.userVersion() < 1) {
-        return damaged(file, format, fmt::format("it says version {}", header.userVersion()));
-    }
     // With a log beside it the file may rightly be shorter than it says; SQLite then judges by
     // both.
-    if (!hasLog(file) && header.fileSize < header.expectedSize()) {
-        return error(
-            file, fmt::format("the store is cut off: {} of {} bytes are there; {}", header.fileSize,
-                              header.expectedSize(), advice(file, format)));
+    if (!StoreMessages::hasLog(file) && header.fileSize < header.expectedSize()) {
+        return StoreMessages::cutOff(file, format,
+                                     fmt::format("the store is cut off: {} of {} bytes are there",
+                                                 header.fileSize, header.expectedSize()));
     }
     return std::nullopt;
 }
-
-void syncDirectory(const fs::path& directory) {
-    const int descriptor = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        ::fsync(descriptor);
-        ::close(descriptor);
-    }
-}
-
-/// Brings a file that is whole to the disk; false, with errno, when that fails.
-bool synchronize(const fs::path& file) {
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool done = ::fsync(descriptor) == 0;
-    const int code = errno;
-    ::close(descriptor);
-    errno = code;
-    return done;
-}
-
-/// What stands in the name of a draft between the file's name and the process that makes it.
-constexpr std::string_view draftMark = ".new-";
-
-/// Removes the drafts of files that killed processes left behind in the folder. Another process
-/// that makes a file just now keeps its own.
-void removeDraftsOfTheDead(const fs::path& folder) {
-    std::error_code failure;
-    std::vector<fs::path> found;
-    for (const auto& entry : fs::directory_iterator(folder, failure)) {
-        const std::string name = entry.path().filename().string();
-        if (const std::size_t mark = name.find(draftMark); mark != std::string::npos) {
-            const int process = std::atoi(name.c_str() + mark + draftMark.size());
-            if (process > 0 && ::kill(process, 0) != 0 && errno == ESRCH) {
-                found.push_back(entry.path());
-            }
-        }
-    }
-    for (const fs::path& draft : found) {
-        fs::remove(draft, failure);
-    }
-}
-
-/// A database under way, in a file of the process's own beside the one that it shall be.
-class Draft {
-  public:
-    explicit Draft(const fs::path& file)
-        : file_(fmt::format("{}{}{}", file.string(), draftMark, ::getpid())) {
-        remove();
-    }
-    ~Draft() { remove(); }
-    Draft(const Draft&) = delete;
-    Draft& operator=(const Draft&) = delete;
-
-    const fs::path& file() const { return file_; }
-
-  private:
-    void remove() const {
-        std::error_code ignored;
-        for (const char* const ending : {"", "-journal", "-wal", "-shm"}) {
-            fs::remove(file_.string() + ending, ignored);
-        }
-    }
-
-    const fs::path file_;
-};
 
 /// Makes the tables of an empty store. They are in the file itself, and synchronized, before the
 /// log begins: what a log holds could fail to reach the file when it is closed.
@@ -224,50 +125,201 @@ Result<void> fill(SQLiteDatabase& database, const NSManagedObjectModel& model,
 Result<void> create(const fs::path& file, const NSManagedObjectModel& model,
                     const StoreFormat& format) {
     const auto failed = [&file](const std::string& why) {
-        return error(file, fmt::format("the store can't be made ({}); check the directory and the "
-                                       "space on its disk",
-                                       why));
+        return StoreMessages::about(
+            file, fmt::format("the store can't be made ({}); check the directory and the "
+                              "space on its disk",
+                              why));
     };
-    const Draft draft(file);
+    const StoreDraft draft(file);
     {
         auto database = SQLiteDatabase::open(draft.file(), SQLiteDatabase::Mode::create);
         if (!database) {
-            return failed(withoutName(draft.file(), database.error().localizedDescription));
+            return failed(
+                StoreMessages::withoutName(draft.file(), database.error().localizedDescription));
         }
         if (const auto filled = fill(*database.value(), model, format); !filled) {
-            return failed(withoutName(draft.file(), filled.error().localizedDescription));
+            return failed(
+                StoreMessages::withoutName(draft.file(), filled.error().localizedDescription));
         }
     }
-    if (::link(draft.file().c_str(), file.c_str()) != 0 && errno != EEXIST) {
-        return failed(std::strerror(errno));
-    }
-    syncDirectory(file.parent_path());
-    return {};
+    const auto placed = draft.putInPlace();
+    return placed ? Result<void>() : failed(placed.error().localizedDescription);
 }
 
-/// Brings an older file up to date in one transaction, after a copy.
-Result<void> migrate(SQLiteDatabase& database, int from, const StoreFormat& format) {
-    const fs::path copy = fmt::format("{}.version-{}", database.file().string(), from);
-    std::error_code ignored;
-    fs::remove(copy, ignored);
-    if (auto copied = StoreFile::copy(database, copy); !copied) {
-        return copied;
+/// A log without its store is kept under another name: SQLite would take it for one of the new
+/// store. What the user is told of it; absent when there is none.
+std::optional<NSError> putLogAside(const fs::path& file) {
+    if (!StoreMessages::hasLog(file)) {
+        return std::nullopt;
     }
-    auto transaction = SQLiteTransaction::begin(database);
-    if (!transaction) {
-        return transaction.error();
+    int number = 1;
+    const auto name = [&] {
+        return fs::path(fmt::format("{}-wal.left-{}", file.string(), number));
+    };
+    while (isThere(name())) {
+        ++number;
     }
-    for (int version = from; version < format.version; ++version) {
+    std::error_code failure;
+    fs::rename(file.string() + "-wal", name(), failure);
+    return failure ? StoreMessages::onlyLogIsLeft(file)
+                   : StoreMessages::logWasPutAside(file, name());
+}
+
+/// What forbids using a store of that version; absent when it is known.
+std::optional<NSError> objectionToVersion(const fs::path& file, std::int32_t version,
+                                          const StoreFormat& format) {
+    if (version > format.version) {
+        return StoreMessages::newer(file, format, version);
+    }
+    if (version < 1) {
+        return StoreMessages::damaged(file, format, fmt::format("it says version {}", version));
+    }
+    return std::nullopt;
+}
+
+/// The steps from version `from` on, and the mark that they were done.
+Result<void> runSteps(SQLiteDatabase& database, std::int32_t from, const StoreFormat& format) {
+    for (std::int32_t version = from; version < format.version; ++version) {
         const auto stepped = database.execute(format.steps[static_cast<std::size_t>(version) - 1]);
         if (!stepped) {
             return stepped.error();
         }
     }
-    const auto marked = database.execute(fmt::format("PRAGMA user_version = {}", format.version));
-    if (!marked) {
-        return marked.error();
+    return database.execute(fmt::format("PRAGMA user_version = {}", format.version));
+}
+
+/// Brings an older file up to date in one transaction, after a copy. The transaction has the write
+/// lock before the copy is made, so that the copy is exactly what the steps find, and of two
+/// processes only one takes them.
+Result<void> migrate(SQLiteDatabase& database, const StoreFormat& format) {
+    auto transaction = SQLiteTransaction::begin(database);
+    if (!transaction) {
+        return transaction.error();
+    }
+    const auto version = versionOf(database);
+    if (!version) {
+        return version.error();
+    }
+    if (version.value() >= format.version) {
+        return {};
+    }
+    // A copy can't be made within a transaction; beside this one it is one of what was committed.
+    auto beside = SQLiteDatabase::open(database.file(), SQLiteDatabase::Mode::readWrite);
+    if (!beside) {
+        return beside.error();
+    }
+    const fs::path copy = fmt::format("{}.version-{}", database.file().string(), version.value());
+    if (auto copied = StoreCopy::renew(*beside.value(), copy); !copied) {
+        return copied;
+    }
+    if (auto stepped = runSteps(database, version.value(), format); !stepped) {
+        return stepped;
     }
     return transaction.value().commit();
+}
+
+/// Sets the connection up and brings the store to the newest version; what forbids it.
+std::optional<NSError> prepareToWrite(SQLiteDatabase& database, const StoreFormat& format) {
+    database.setBusyTimeout(patience);
+    // A main save that is reported as done survives a power cut.
+    if (const auto set =
+            database.execute("PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON;");
+        !set) {
+        return StoreMessages::unreadable(database, format, set.error());
+    }
+    const auto version = versionOf(database);
+    if (!version) {
+        return StoreMessages::unreadable(database, format, version.error());
+    }
+    if (auto objected = objectionToVersion(database.file(), version.value(), format)) {
+        return objected;
+    }
+    if (version.value() == format.version) {
+        return std::nullopt;
+    }
+    // Nothing is written into a file that was not looked through.
+    if (const auto found = StoreCheck(database.file()).damage()) {
+        return StoreMessages::damaged(database.file(), format, *found);
+    }
+    if (const auto migrated = migrate(database, format); !migrated) {
+        return StoreMessages::about(
+            database.file(),
+            fmt::format("the store can't be brought up to date ({}); it stays as it was",
+                        migrated.error().localizedDescription));
+    }
+    return std::nullopt;
+}
+
+/// What forbids reading; absent when the store is of the version that this program reads.
+std::optional<NSError> objectionToRead(SQLiteDatabase& database, const fs::path& file,
+                                       const StoreFormat& format) {
+    database.setBusyTimeout(patience);
+    const auto version = versionOf(database);
+    if (!version) {
+        return StoreMessages::unreadable(database, format, version.error());
+    }
+    if (version.value() >= 1 && version.value() < format.version) {
+        return StoreMessages::older(file, format, version.value());
+    }
+    return objectionToVersion(file, version.value(), format);
+}
+
+Result<Opened> openAs(const fs::path& file, SQLiteDatabase::Mode mode,
+                      SQLiteDatabase::Mode besideIt) {
+    auto database = SQLiteDatabase::open(file, mode);
+    if (!database) {
+        return database.error();
+    }
+    return Opened{std::move(database).value(), besideIt};
+}
+
+/// A copy of the store and its log, in a folder where SQLite can put its own file beside them.
+Result<Opened> openCopy(const fs::path& file) {
+    const auto failed = [&file](const std::string& why) {
+        return StoreMessages::about(
+            file, fmt::format("the store's folder can't be written, and what is in its log can't "
+                              "be read from a copy ({}); check the folder for temporary files",
+                              why));
+    };
+    std::error_code failure;
+    std::string pattern = (fs::temp_directory_path(failure) / "tavrion-reading-XXXXXX").string();
+    if (failure || ::mkdtemp(pattern.data()) == nullptr) {
+        return failed(failure ? failure.message() : std::strerror(errno));
+    }
+    const std::shared_ptr<const fs::path> folder(new fs::path(pattern), [](const fs::path* made) {
+        std::error_code ignored;
+        fs::remove_all(*made, ignored);
+        delete made;
+    });
+    const fs::path copy = *folder / file.filename();
+    for (const char* const ending : {"", "-wal"}) {
+        if (!fs::copy_file(file.string() + ending, copy.string() + ending, failure)) {
+            return failed(failure.message());
+        }
+        fs::permissions(copy.string() + ending, fs::perms::owner_read | fs::perms::owner_write,
+                        failure);
+    }
+    auto opened = openAs(copy, SQLiteDatabase::Mode::readWrite, SQLiteDatabase::Mode::readOnly);
+    if (opened) {
+        opened.value().folder = folder;
+    }
+    return opened;
+}
+
+/// Opens the file by whichever way its folder allows. SQLite shares a store with a log through a
+/// file beside it, which it makes where it may.
+Result<Opened> openReadable(const fs::path& file) {
+    using Mode = SQLiteDatabase::Mode;
+    const bool isWritable =
+        ::access(file.c_str(), W_OK) == 0 && ::access(file.parent_path().c_str(), W_OK) == 0;
+    if (isWritable) {
+        return openAs(file, Mode::readWrite, Mode::readOnly);
+    }
+    if (isThere(file.string() + "-shm")) {
+        return openAs(file, Mode::readOnly, Mode::readOnly);
+    }
+    return StoreMessages::hasLog(file) ? openCopy(file)
+                                       : openAs(file, Mode::unchanging, Mode::unchanging);
 }
 
 const char* columnType(NSAttributeType type) {
@@ -289,49 +341,7 @@ const char* columnType(NSAttributeType type) {
     return "";
 }
 
-/// What an error of the database means for the user, and what to do about it.
-NSError explained(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause,
-                  const std::string& headline) {
-    const fs::path& file = database.file();
-    const std::string what = withoutName(file, cause.localizedDescription);
-    switch (database.lastFailure()) {
-        case SQLiteFailure::inUse:
-            return error(file, fmt::format("{} because another process uses the store ({}); try "
-                                           "again when it is done",
-                                           headline, what));
-        case SQLiteFailure::disk:
-            return error(file, fmt::format("{} ({}); check the disk, its free space and the "
-                                           "permissions, then try again",
-                                           headline, what));
-        case SQLiteFailure::none:
-        case SQLiteFailure::damage:
-        case SQLiteFailure::statement:
-            break;
-    }
-    return damaged(file, format, what);
-}
-
 }  // namespace
-
-Result<void> copy(SQLiteDatabase& database, const fs::path& copy) {
-    removeDraftsOfTheDead(copy.parent_path());
-    const Draft draft(copy);
-    auto copying = database.prepare("VACUUM INTO ?1");
-    if (!copying) {
-        return copying.error();
-    }
-    const std::string name = draft.file().string();
-    copying.value().bindText(1, name);
-    if (auto copied = copying.value().run(); !copied) {
-        return copied;
-    }
-    // SQLite leaves the copy in the system's memory.
-    if (!synchronize(draft.file()) || ::link(name.c_str(), copy.c_str()) != 0) {
-        return error(copy, fmt::format("the copy can't be made ({})", std::strerror(errno)));
-    }
-    syncDirectory(copy.parent_path());
-    return {};
-}
 
 std::string schema(const NSManagedObjectModel& model) {
     std::string sql =
@@ -349,72 +359,68 @@ std::string schema(const NSManagedObjectModel& model) {
     return sql;
 }
 
-NSError damaged(const fs::path& file, const StoreFormat& format, const std::string& what) {
-    return error(file, fmt::format("the store is damaged ({}); {}", withoutName(file, what),
-                                   advice(file, format)));
-}
-
-NSError unreadable(const SQLiteDatabase& database, const StoreFormat& format,
-                   const NSError& cause) {
-    return explained(database, format, cause, "the store can't be read");
-}
-
-NSError unsaved(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause) {
-    return explained(database, format, cause, "the records can't be saved");
+Result<std::int32_t> versionOf(SQLiteDatabase& database) {
+    auto mark = database.prepare("PRAGMA user_version");
+    if (!mark) {
+        return mark.error();
+    }
+    const Result<bool> row = mark.value().step();
+    if (!row) {
+        return row.error();
+    }
+    return static_cast<std::int32_t>(mark.value().integer(0));
 }
 
 void closeUntouched(std::unique_ptr<SQLiteDatabase> database) {
     // The last connection would copy a log into the file. Where there is none it only takes away
     // what opening has put beside the file.
-    if (hasLog(database->file())) {
+    if (StoreMessages::hasLog(database->file())) {
         database->leaveLogWhenClosing();
     }
 }
 
-Result<std::unique_ptr<SQLiteDatabase>> open(const fs::path& file,
-                                             const NSManagedObjectModel& model,
-                                             const StoreFormat& format) {
-    std::error_code failure;
-    if (!fs::exists(fs::symlink_status(file, failure))) {
+Result<Opened> open(const fs::path& file, const NSManagedObjectModel& model,
+                    const StoreFormat& format) {
+    if (!isThere(file)) {
+        if (auto putAside = putLogAside(file)) {
+            return *putAside;
+        }
         if (const auto made = create(file, model, format); !made) {
             return made.error();
         }
     }
-    auto header = readHeader(file, format);
-    if (!header) {
-        return header.error();
-    }
-    if (auto objected = objection(file, header.value(), format)) {
+    if (auto objected = objection(file, format)) {
         return *objected;
     }
-    removeDraftsOfTheDead(file.parent_path());
-    auto database = SQLiteDatabase::open(file, SQLiteDatabase::Mode::readWrite);
-    if (!database) {
-        return database.error();
+    StoreDraft::removeThoseOfTheDead(file.parent_path());
+    auto opened = openAs(file, SQLiteDatabase::Mode::readWrite, SQLiteDatabase::Mode::readOnly);
+    if (!opened) {
+        return opened.error();
     }
-    database.value()->setBusyTimeout(10);
-    // A main save that is reported as done survives a power cut.
-    if (const auto set =
-            database.value()->execute("PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON;");
-        !set) {
-        const NSError refusal = unreadable(*database.value(), format, set.error());
-        closeUntouched(std::move(database).value());
-        return refusal;
+    if (auto objected = prepareToWrite(*opened.value().database, format)) {
+        closeUntouched(std::move(opened.value().database));
+        return *objected;
     }
-    if (header.value().userVersion() < format.version) {
-        // Nothing is written into a file that was not looked through.
-        if (const auto found = StoreCheck(file).damage()) {
-            closeUntouched(std::move(database).value());
-            return damaged(file, format, *found);
-        }
-        const auto migrated = migrate(*database.value(), header.value().userVersion(), format);
-        if (!migrated) {
-            return error(
-                file, fmt::format("the store can't be brought up to date ({}); it stays as it was",
-                                  migrated.error().localizedDescription));
-        }
+    return opened;
+}
+
+Result<Opened> openForReading(const fs::path& file, const StoreFormat& format) {
+    if (!isThere(file)) {
+        return StoreMessages::hasLog(file) ? Result<Opened>(StoreMessages::onlyLogIsLeft(file))
+                                           : Result<Opened>(Opened{});
     }
-    return database;
+    if (auto objected = objection(file, format)) {
+        return *objected;
+    }
+    auto opened = openReadable(file);
+    if (!opened) {
+        return opened.error();
+    }
+    if (auto objected = objectionToRead(*opened.value().database, file, format)) {
+        closeUntouched(std::move(opened.value().database));
+        return *objected;
+    }
+    return opened;
 }
 
 }  // namespace tavrion::StoreFile

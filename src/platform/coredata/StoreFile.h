@@ -13,26 +13,31 @@
 
 namespace tavrion::StoreFile {
 
-/// Opens an existing store or makes a new one, checked and of the newest version.
-Result<std::unique_ptr<SQLiteDatabase>> open(const std::filesystem::path& file,
-                                             const NSManagedObjectModel& model,
-                                             const StoreFormat& format);
+/// A store's file with its connection.
+struct Opened {
+    /// Null where a reader found no file.
+    std::unique_ptr<SQLiteDatabase> database;
+    /// How a second connection opens what the first one has open.
+    SQLiteDatabase::Mode besideIt = SQLiteDatabase::Mode::readOnly;
+    /// The folder of a copy that is read in the place of the file; null mostly. Goes after the
+    /// connections.
+    std::shared_ptr<const void> folder = nullptr;
+};
 
-/// Writes a compact copy to a file that does not exist yet; it appears there when it is whole and
-/// on the disk.
-Result<void> copy(SQLiteDatabase& database, const std::filesystem::path& copy);
+/// Opens an existing store or makes a new one, checked and of the newest version.
+Result<Opened> open(const std::filesystem::path& file, const NSManagedObjectModel& model,
+                    const StoreFormat& format);
+/// Opens an existing store to be read. Nothing is made and no version changed, and neither the file
+/// nor its folder need be writable.
+Result<Opened> openForReading(const std::filesystem::path& file, const StoreFormat& format);
+
+/// The version of the tables, as SQLite sees it by the file and its log together. The first bytes
+/// of the file alone can be older than the log.
+Result<std::int32_t> versionOf(SQLiteDatabase& database);
 
 /// The tables that version `format.version` has.
 std::string schema(const NSManagedObjectModel& model);
 
-/// The store is damaged: `what` was found, in a few words. One line, with what to do.
-NSError damaged(const std::filesystem::path& file, const StoreFormat& format,
-                const std::string& what);
-/// What a failed read of a store's tables means: damage, or a disk or another process that stands
-/// in the way.
-NSError unreadable(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause);
-/// What a failed write means. What was saved before is still there.
-NSError unsaved(const SQLiteDatabase& database, const StoreFormat& format, const NSError& cause);
 /// Closes a store that can't be used, and leaves its files as they are.
 void closeUntouched(std::unique_ptr<SQLiteDatabase> database);
 

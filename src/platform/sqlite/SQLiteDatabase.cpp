@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cctype>
 #include <limits>
 #include <system_error>
 #include <utility>
@@ -37,6 +38,20 @@ SQLiteFailure failureOf(int code) {
         default:
             return SQLiteFailure::statement;
     }
+}
+
+/// The name under which SQLite opens the file as one that never changes.
+std::string unchangingName(const std::filesystem::path& file) {
+    std::string name = "file:";
+    for (const char c : file.string()) {
+        // Everything else could end the path or stand for another sign.
+        if (std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '/' || c == '.' || c == '-') {
+            name += c;
+        } else {
+            name += fmt::format("%{:02X}", static_cast<unsigned char>(c));
+        }
+    }
+    return name + "?immutable=1";
 }
 
 }  // namespace
@@ -196,9 +211,14 @@ Result<std::unique_ptr<SQLiteDatabase>> SQLiteDatabase::open(const std::filesyst
         return NSError{"the name of the database file is empty; give a file", {}};
     }
     int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+    std::string name = file.string();
     switch (mode) {
         case Mode::readOnly:
             flags |= SQLITE_OPEN_READONLY;
+            break;
+        case Mode::unchanging:
+            flags |= SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
+            name = unchangingName(file);
             break;
         case Mode::readWrite:
             flags |= SQLITE_OPEN_READWRITE;
@@ -209,7 +229,7 @@ Result<std::unique_ptr<SQLiteDatabase>> SQLiteDatabase::open(const std::filesyst
             break;
     }
     sqlite3* connection = nullptr;
-    const int code = sqlite3_open_v2(file.c_str(), &connection, flags, nullptr);
+    const int code = sqlite3_open_v2(name.c_str(), &connection, flags, nullptr);
     std::unique_ptr<SQLiteDatabase> database(new SQLiteDatabase(file, connection));
     if (code != SQLITE_OK) {
         return database->lastError(code);

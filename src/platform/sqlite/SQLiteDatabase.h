@@ -93,6 +93,9 @@ class SQLiteDatabase {
     enum class Mode {
         /// The file must exist and is never written.
         readOnly,
+        /// As readOnly, in a folder where SQLite can't put its own files beside it. The file must
+        /// have no log and must not change meanwhile.
+        unchanging,
         /// The file must exist.
         readWrite,
         /// The file is made when missing.

@@ -2,7 +2,7 @@
 
 #include "platform/coredata/StoreCheck.h"
 
-#include "platform/coredata/StoreFile.h"
+#include "platform/coredata/StoreMessages.h"
 #include "tests/platform/coredata/CoreDataFixture.h"
 
 namespace tavrion {
@@ -108,7 +108,7 @@ TEST_F(StoreCheckTest, whatToDoNamesTheSafetyCopiesThatThereAre) {
     changeByte(file(), freePageCount, 7);
     const fs::path copies = directory / "copies";
     EXPECT_EQ(refusal(formatWithCopies()).find(copies.string()), std::string::npos);
-    EXPECT_NE(refusal(formatWithCopies()).find("move it away to start anew"), std::string::npos);
+    EXPECT_NE(refusal(formatWithCopies()).find("move it away to start again"), std::string::npos);
     fs::create_directory(copies);
     EXPECT_EQ(refusal(formatWithCopies()).find(copies.string()), std::string::npos);
     std::ofstream(copies / "one.sqlite") << "x";
@@ -165,15 +165,16 @@ TEST_F(StoreCheckTest, aStoreThatIsLockedOrADiskThatFailsIsNotCalledDamaged) {
     const auto other = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readWrite);
     const auto refused = other.value()->execute("BEGIN IMMEDIATE");
     ASSERT_FALSE(refused);
-    const NSError busy = StoreFile::unreadable(*other.value(), testFormat(), refused.error());
+    const NSError busy = StoreMessages::unreadable(*other.value(), testFormat(), refused.error());
     EXPECT_NE(busy.localizedDescription.find("another process uses the store"), std::string::npos);
     const auto readOnly = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readOnly);
     const auto unwritten = readOnly.value()->execute("DELETE FROM Song");
     ASSERT_FALSE(unwritten);
-    const NSError disk = StoreFile::unreadable(*readOnly.value(), testFormat(), unwritten.error());
+    const NSError disk =
+        StoreMessages::unreadable(*readOnly.value(), testFormat(), unwritten.error());
     EXPECT_NE(disk.localizedDescription.find("check the disk"), std::string::npos);
     const auto absent = other.value()->execute("SELECT * FROM Absent");
-    const NSError table = StoreFile::unreadable(*other.value(), testFormat(), absent.error());
+    const NSError table = StoreMessages::unreadable(*other.value(), testFormat(), absent.error());
     EXPECT_NE(table.localizedDescription.find("damaged (no such table: Absent)"), std::string::npos)
         << table.localizedDescription;
 }
