@@ -36,7 +36,8 @@ Identifiers without(const Identifiers& all, const Identifiers& some) {
 }  // namespace
 
 DidSaveNotification::DidSaveNotification(const NSPersistentStore::Commits& commits,
-                                         const void* context)
+                                         const void* context,
+                                         std::shared_ptr<const StoreVersion> before)
     : notification_{NSManagedObjectContextDidSaveObjectIDsNotification, context, {}} {
     Identifiers inserted;
     Identifiers updated;
@@ -59,6 +60,9 @@ DidSaveNotification::DidSaveNotification(const NSPersistentStore::Commits& commi
     tell(NSUpdatedObjectIDsKey, without(without(updated, inserted), deleted));
     tell(NSDeletedObjectIDsKey, without(deleted, inserted));
     tell(NSInsertedObjectIDsKey, without(inserted, deleted));
+    if (before && !notification_.userInfo.empty()) {
+        notification_.userInfo[NSStateBeforeSaveKey] = std::move(before);
+    }
 }
 
 void DidSaveNotification::post() const {

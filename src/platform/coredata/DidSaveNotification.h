@@ -12,7 +12,9 @@ namespace tavrion {
 class DidSaveNotification {
   public:
     /// About a save of `context`; see NSManagedObjectContextDidSaveObjectIDsNotification.
-    DidSaveNotification(const NSPersistentStore::Commits& commits, const void* context);
+    /// `before` is what the parent of a private context saw directly before; null for the main one.
+    DidSaveNotification(const NSPersistentStore::Commits& commits, const void* context,
+                        std::shared_ptr<const StoreVersion> before = nullptr);
     /// Nothing is posted when nothing was saved.
     void post() const;
 

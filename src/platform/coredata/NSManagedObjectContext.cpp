@@ -117,7 +117,7 @@ void NSManagedObjectContext::rollback() {
 
 // Saving
 
-NSManagedObjectContext::Version NSManagedObjectContext::receive(
+NSManagedObjectContext::Received NSManagedObjectContext::receive(
     const NSPersistentStore::Commits& commits, const Version& basis, const Version& settled) {
     MutexLock oneAtATime(receiveMutex_);
     for (;;) {
@@ -136,7 +136,7 @@ NSManagedObjectContext::Version NSManagedObjectContext::receive(
             commits_.insert(commits_.end(), commits.begin(), commits.end());
             settled_ = after;
             StoreVersion::notePublication();
-            return after;
+            return {before, after};
         }
     }
 }
@@ -172,8 +172,9 @@ Result<void> NSManagedObjectContext::save() {
         settled = settled_;
     }
     if (!commits.empty()) {
-        settleWithout(commits, parent_->receive(commits, basis, settled));
-        DidSaveNotification(commits, this).post();
+        const Received received = parent_->receive(commits, basis, settled);
+        settleWithout(commits, received.after);
+        DidSaveNotification(commits, this, received.before).post();
     }
     return {};
 }

@@ -41,6 +41,9 @@ inline const std::string NSManagedObjectContextDidSaveObjectIDsNotification =
 inline const std::string NSInsertedObjectIDsKey = "inserted_objectIDs";
 inline const std::string NSUpdatedObjectIDsKey = "updated_objectIDs";
 inline const std::string NSDeletedObjectIDsKey = "deleted_objectIDs";
+/// User info of a private context's save: a `std::shared_ptr<const StoreVersion>`, all records as
+/// the parent saw them directly before.
+inline const std::string NSStateBeforeSaveKey = "state_before_save";
 using SavedObjectIDs = std::shared_ptr<const std::vector<NSManagedObjectID>>;
 
 class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObjectContext> {
@@ -111,10 +114,14 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     /// Makes the own changes a part of settled_.
     void seal() TAVRION_REQUIRES(mutex_);
     void settle(Version basis) TAVRION_REQUIRES(mutex_);
-    /// Takes finished changes of a child, which are `settled` over `basis`; gives the state that
-    /// holds them.
-    Version receive(const NSPersistentStore::Commits& commits, const Version& basis,
-                    const Version& settled);
+    /// The states without and with changes that were received.
+    struct Received {
+        Version before;
+        Version after;
+    };
+    /// Takes finished changes of a child, which are `settled` over `basis`.
+    Received receive(const NSPersistentStore::Commits& commits, const Version& basis,
+                     const Version& settled);
     /// Writes what is unsaved; gives what was written.
     Result<NSPersistentStore::Commits> saveToStore(const std::function<void()>& waitForMore)
         TAVRION_EXCLUDES(saveMutex_);

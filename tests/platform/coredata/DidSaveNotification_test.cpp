@@ -61,6 +61,33 @@ TEST_F(DidSaveTest, theChildsSaveAndTheMainSaveBothTell) {
     EXPECT_EQ(told[1].inserted, told[0].inserted);
 }
 
+TEST_F(DidSaveTest, aChildsSaveTellsWhatItsParentSawDirectlyBefore) {
+    Song song = Song::insert(*main, "song");
+    save(*main);
+    const auto child = NSManagedObjectContext::below(main);
+    child->performBlockAndWait(
+        [&] { child->deleteObject(*child->existingObjectWithID(song.objectID())); });
+    // After the child has looked, and before it saves.
+    song.setCount(7);
+    std::vector<std::int64_t> counts;
+    bool mainTells = false;
+    const auto observing = centre.addObserver(
+        NSManagedObjectContextDidSaveObjectIDsNotification, nullptr, nullptr,
+        [&](const NSNotification& notification) {
+            const auto* before =
+                notification.info<std::shared_ptr<const StoreVersion>>(NSStateBeforeSaveKey);
+            if (notification.object == main.get()) {
+                mainTells = before != nullptr;
+            } else if (const auto record = (*before)->find(song.objectID())) {
+                counts.push_back(std::get<std::int64_t>(record->at(SongKey::count)));
+            }
+        });
+    child->performBlockAndWait([&] { save(*child); });
+    EXPECT_EQ(counts, std::vector<std::int64_t>{7});
+    save(*main);
+    EXPECT_FALSE(mainTells);
+}
+
 TEST_F(DidSaveTest, aSaveWithoutInsertsHasNoSuchKey) {
     Song song = Song::insert(*main, "song");
     save(*main);
