@@ -29,6 +29,22 @@ TEST_F(MediaItemBridgeTest, aRecordWithoutTitleAndIdentifiersFindsNothingAmongTw
     EXPECT_EQ(songOf(history), 1U) << "a lone song counts as the song";
 }
 
+TEST_F(MediaItemBridgeTest, aSongFindsItsRecordOnlyWhereEveryRealIdentifierAgrees) {
+    const PlaybackHistory history = environment.makeHistory("Song", 180, "S1", "L1");
+    const auto recordOf = [&](const std::string& storeID, const std::string& libraryID) {
+        environment.library.publish(
+            {{.title = "Song", .duration = 180, .storeID = storeID, .libraryID = libraryID}});
+        const auto found = Nerinda::playbackHistoryInContext(
+            MPMediaQuery::songsQuery().items().at(0), environment.main());
+        return found ? std::optional(found->objectID()) : std::nullopt;
+    };
+    EXPECT_EQ(recordOf("S1", "L1"), history.objectID());
+    EXPECT_EQ(recordOf("S1", "L2"), std::nullopt);
+    EXPECT_EQ(recordOf("S2", "L1"), std::nullopt);
+    EXPECT_EQ(recordOf("S1", ""), history.objectID()) << "what the song lacks is not compared";
+    EXPECT_EQ(recordOf("", ""), history.objectID());
+}
+
 TEST_F(MediaItemBridgeTest, aSmallChangeOfTheTitleIsFoundByARealIdentifierAndTakenOver) {
     environment.library.publish(
         {{.title = "Song (Remastered)", .persistentID = 1, .libraryID = "LIB"},

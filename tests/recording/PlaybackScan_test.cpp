@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <thread>
+#include <utility>
 
 #include "platform/foundation/NSDate+Extended.h"
 #include "recording/DataProcess.h"
@@ -116,6 +117,21 @@ TEST_F(PlaybackScanTest, fiveNewPlaysAreSuspect) {
     EXPECT_EQ(question.keepMostRecent, "Keep Most Recent");
 }
 
+TEST_F(PlaybackScanTest, theEstimatesOfManyPlaysCarryTheirFlag) {
+    environment.clock.set(at(noon - 7200));
+    publish(10, noon - 9000);
+    ASSERT_TRUE(environment.scan());
+    environment.clock.set(at(noon + 7200));
+    publish(15, noon - 7200 + 5000);
+    ASSERT_TRUE(environment.scan());
+    EXPECT_EQ(environment.plays(), (std::vector<RecordedPlay>{{noon - 9000, false, "Song"},
+                                                              {noon - 6200, true, "Song"},
+                                                              {noon - 5200, true, "Song"},
+                                                              {noon - 4200, true, "Song"},
+                                                              {noon - 3200, true, "Song"},
+                                                              {noon - 2200, false, "Song"}}));
+}
+
 TEST_F(PlaybackScanTest, fourNewPlaysRaiseNoAlert) {
     publish(10, noon - 60);
     ASSERT_TRUE(environment.scan());
@@ -132,6 +148,56 @@ TEST_F(PlaybackScanTest, aLoweredCountIsAdoptedAndNothingIsRemoved) {
     EXPECT_EQ(environment.history("Song").playCount(), 8);
     scanLater(9, noon + 6000);
     EXPECT_EQ(environment.plays().size(), 2U);
+}
+
+TEST_F(PlaybackScanTest, theSkipsOfALoweredCountAreAdoptedWithIt) {
+    const auto publishCounts = [&](std::uint64_t plays, std::uint64_t skips) {
+        environment.library.publish({{.title = "Song",
+                                      .playCount = plays,
+                                      .skipCount = skips,
+                                      .lastPlayed = at(noon - 60)}});
+        ASSERT_TRUE(environment.scan());
+    };
+    publishCounts(10, 3);
+    publishCounts(8, 2);
+    EXPECT_EQ(environment.history("Song").playCount(), 8);
+    EXPECT_EQ(environment.history("Song").skipCount(), 2);
+    publishCounts(7, 5);
+    EXPECT_EQ(environment.history("Song").skipCount(), 5);
+}
+
+TEST_F(PlaybackScanTest, theLatestSignOfLifeIsKeptOfSongsThatWereNotPlayedAgainToo) {
+    const auto publishSkip = [&](std::optional<NSDate> lastSkipped) {
+        environment.library.publish({{.title = "Song",
+                                      .playCount = 1,
+                                      .lastPlayed = at(noon - 60),
+                                      .lastSkipped = lastSkipped}});
+        ASSERT_TRUE(environment.scan());
+    };
+    publishSkip(std::nullopt);
+    EXPECT_EQ(environment.history("Song").lastEventDate(), at(noon - 60));
+    publishSkip(at(noon - 30));
+    EXPECT_EQ(environment.history("Song").lastEventDate(), at(noon - 30));
+    publishSkip(std::nullopt);
+    EXPECT_EQ(environment.history("Song").lastEventDate(), at(noon - 60))
+        << "it is the library's, also when it is an earlier one";
+}
+
+TEST_F(PlaybackScanTest, identifiersThatLookLikeGeneratedOnesAreNotCompared) {
+    const auto publishWith = [&](const std::string& storeID, const std::string& libraryID) {
+        environment.library.publish({{.title = "Song",
+                                      .playCount = 1,
+                                      .lastPlayed = at(noon - 60),
+                                      .storeID = storeID,
+                                      .libraryID = libraryID}});
+        ASSERT_TRUE(environment.scan());
+    };
+    publishWith("68753A44-4D6F-1226-9C60-0050E4C00067", "68753A44-4D6F-1226-9C60-0050E4C00068");
+    const NSManagedObjectID record = environment.history("Song").objectID();
+    publishWith("68753A44-4D6F-1226-9C60-0050E4C00077", "68753A44-4D6F-1226-9C60-0050E4C00078");
+    EXPECT_EQ(environment.histories().size(), 1U);
+    EXPECT_EQ(environment.history("Song").objectID(), record) << "no new record was folded in";
+    EXPECT_EQ(environment.log.count("Creating playback history for: Song"), 1U);
 }
 
 TEST_F(PlaybackScanTest, aChangedSkipCountAloneWaitsForTheNextPlay) {
@@ -224,6 +290,73 @@ TEST_F(ScanNotificationsTest, theFinishWaitsForTheAnswerAboutSuspectPlays) {
     EXPECT_EQ(environment.plays().size(), 11U);
 }
 
+class ScanEndTest : public PlaybackScanTest {
+  protected:
+    ScanEndTest() {
+        environment.awards.whenUpdating = [this] { note("award pass"); };
+    }
+    void note(const std::string& step) {
+        MutexLock lock(mutex);
+        steps.push_back(step);
+    }
+    void scan() {
+        RVPlaybackHistoryManager::recordPlaybackHistorySinceDate(NSDate::distantPast(), false,
+                                                                 [this] { note("callback"); });
+        environment.runUntilIdle();
+    }
+    std::vector<std::string> takeSteps() {
+        MutexLock lock(mutex);
+        return std::exchange(steps, {});
+    }
+    Mutex mutex;
+    std::vector<std::string> steps TAVRION_GUARDED_BY(mutex);
+    NSNotificationCenter::Observation finish =
+        environment.centre.addObserver(DataProcess::didFinish, nullptr, nullptr,
+                                       [this](const NSNotification&) { note("finish"); });
+};
+
+TEST_F(ScanEndTest, theAwardPassComesBeforeTheFinishAndTheCallbackOnceAtTheEnd) {
+    publish(10, noon - 60);
+    scan();
+    EXPECT_EQ(takeSteps(), (std::vector<std::string>{"award pass", "finish", "callback"}));
+    EXPECT_EQ(environment.awards.scanDateAtUpdate, environment.clock.now())
+        << "the date is stored before the award pass";
+}
+
+TEST_F(ScanEndTest, withSuspectPlaysTheAwardPassComesBeforeTheQuestion) {
+    publish(10, noon - 60);
+    scan();
+    takeSteps();
+    environment.presenter.answerAtOnce.reset();
+    for (const SuspectAnswer answer : {SuspectAnswer::keepAll, SuspectAnswer::keepMostRecent}) {
+        environment.clock.advance(3600);
+        const NSDate now = environment.clock.now();
+        publish(environment.history("Song").playCount() + 6, now.timeIntervalSinceReferenceDate());
+        scan();
+        EXPECT_EQ(takeSteps(), std::vector<std::string>{"award pass"});
+        ASSERT_TRUE(environment.presenter.pendingAnswer);
+        std::exchange(environment.presenter.pendingAnswer, nullptr)(answer);
+        environment.runUntilIdle();
+        EXPECT_EQ(takeSteps(), (std::vector<std::string>{"finish", "callback"}));
+    }
+}
+
+TEST_F(PlaybackScanTest, keepMostRecentMakesNoMainSave) {
+    publish(10, noon - 60);
+    ASSERT_TRUE(environment.scan());
+    environment.presenter.answerAtOnce.reset();
+    environment.clock.advance(3600);
+    publish(16, noon + 3000);
+    EXPECT_FALSE(environment.scan());
+    const std::string saved = "successfully saved Nerinda core data store.";
+    const std::size_t saves = environment.log.count(saved);
+    environment.presenter.pendingAnswer(SuspectAnswer::keepMostRecent);
+    environment.runUntilIdle();
+    EXPECT_EQ(environment.plays().size(), 2U);
+    EXPECT_EQ(environment.log.count(saved), saves);
+    EXPECT_TRUE(environment.main().hasChanges()) << "the deletions wait for the next main save";
+}
+
 TEST_F(PlaybackScanTest, keepMostRecentRemovesTheEstimatesOfThisScanOnly) {
     publish(10, noon - 60);
     ASSERT_TRUE(environment.scan());
@@ -292,6 +425,27 @@ TEST_F(PlaybackScanTest, aPlayOnTheReleaseDayEarnsItsAwardOnce) {
     EXPECT_EQ(environment.awards.asked.size(), 2U);
     EXPECT_EQ(environment.defaults->objectForKey(ScanDefaults::pendingAchievementIdentifiers),
               queue);
+}
+
+TEST_F(PlaybackScanTest, anEarnedAwardIsAppendedToTheQueueOnce) {
+    const auto queued = [&] {
+        return environment.defaults->objectForKey(ScanDefaults::pendingAchievementIdentifiers);
+    };
+    environment.defaults->setObject(ScanDefaults::pendingAchievementIdentifiers,
+                                    Value(Value::Array{Value("rv_award.other")}));
+    environment.awards.earnsAgain = true;
+    for (int scan = 0; scan < 2; ++scan) {
+        environment.library.publish(
+            {{.title = "Song", .playCount = 1, .lastPlayed = at(noon), .released = at(noon - 3600)},
+             {.title = "Other song",
+              .playCount = 1,
+              .lastPlayed = at(noon + 1),
+              .released = at(noon - 3600)}});
+        ASSERT_TRUE(environment.scan());
+    }
+    EXPECT_EQ(environment.awards.asked.size(), 4U);
+    EXPECT_EQ(queued(),
+              Value(Value::Array{Value("rv_award.other"), Value("rv_award.wildcard.releaseDay")}));
 }
 
 TEST_F(PlaybackScanTest, aSongWithoutAReleaseDateOrReleasedTheDayBeforeEarnsNothing) {
@@ -408,6 +562,25 @@ TEST_F(PlaybackScanTest, aCancelledScanSavesNothingAndTellsNothing) {
     EXPECT_EQ(scanDate(), at(noon - 500));
     EXPECT_EQ(environment.awards.updates, 0);
     EXPECT_FALSE(called);
+}
+
+TEST(ReleaseDayZoneTest, theDaysAreThoseOfTheCalendarsZone) {
+    // In Auckland the first of March begins at 11:00 UTC.
+    const NSDate now = *dateFromIsoText("2026-03-01T12:00:00Z");
+    RecordingEnvironment environment(now, "Pacific/Auckland");
+    const auto asked = [&](const char* played, const char* released) {
+        environment.awards.asked.clear();
+        environment.library.publish({{.title = "Song",
+                                      .playCount = 1,
+                                      .lastPlayed = *dateFromIsoText(played),
+                                      .released = *dateFromIsoText(released)}});
+        EXPECT_TRUE(environment.scan());
+        return environment.awards.asked.size();
+    };
+    EXPECT_EQ(asked("2026-02-28T12:00:00Z", "2026-02-28T01:00:00Z"), 0U)
+        << "one day in UTC, two in Auckland";
+    EXPECT_EQ(asked("2026-02-28T12:00:00Z", "2026-03-01T01:00:00Z"), 1U)
+        << "two days in UTC, one in Auckland";
 }
 
 class SinceDateTest : public PlaybackScanTest {

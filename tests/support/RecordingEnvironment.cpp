@@ -26,7 +26,16 @@ bool RecordingAwards::earnAchievementWithIdentifier(const std::string& identifie
     precondition(context.queue().isCurrent(), "awards are earned on the scan's queue");
     precondition(tier == 1 && !date, "the scan earns the first tier and gives no date");
     asked.push_back(identifier);
-    return earned.insert(identifier).second;
+    return earned.insert(identifier).second || earnsAgain;
+}
+
+void RecordingAwards::updateAchievements() {
+    ++updates;
+    scanDateAtUpdate =
+        NSUserDefaults::standardUserDefaults().dateForKey(ScanDefaults::playbackHistoryScanDate);
+    if (whenUpdating) {
+        whenUpdating();
+    }
 }
 
 void RecordingScanPresenter::ask(const SuspectQuestion& question,

@@ -41,13 +41,16 @@ class RecordingAwards final : public AwardSink {
     bool earnAchievementWithIdentifier(const std::string& identifier, int tier,
                                        std::optional<NSDate> date,
                                        NSManagedObjectContext& context) override;
-    void updateAchievements() override { ++updates; }
+    void updateAchievements() override;
 
     std::set<std::string> earned;
+    /// Answers that every call raised the tier.
+    bool earnsAgain = false;
     std::vector<std::string> asked;
     std::atomic<int> updates{0};
     /// The scan date that stood in the defaults when the pass was started.
     std::optional<NSDate> scanDateAtUpdate;
+    std::function<void()> whenUpdating;
 };
 
 class RecordingScanPresenter final : public ScanPresenter {

@@ -3,6 +3,7 @@
 #include <future>
 #include <thread>
 
+#include "platform/coredata/IndexKeys.h"
 #include "tests/platform/coredata/CoreDataFixture.h"
 
 namespace tavrion {
@@ -188,6 +189,55 @@ TEST_F(ContextTest, rollbackDropsUnsavedChanges) {
     EXPECT_EQ(titles(*main), std::vector<std::string>{"kept"});
 }
 
+TEST_F(ContextTest, rollbackAlsoDropsWhatASnapshotHasTakenIn) {
+    Song song = Song::insert(*main, "kept");
+    save(*main);
+    song.setTitle("dropped");
+    Song::insert(*main, "dropped too");
+    ASSERT_EQ(main->snapshot()->table(TestEntity::Song).size(), 2U);
+    main->rollback();
+    EXPECT_FALSE(main->hasChanges());
+    EXPECT_EQ(titles(*main), std::vector<std::string>{"kept"});
+    EXPECT_EQ(main->snapshot()->table(TestEntity::Song).size(), 1U);
+    save(*main);
+    reopen();
+    EXPECT_EQ(titles(*main), std::vector<std::string>{"kept"});
+}
+
+TEST_F(ContextTest, aContextWhoseChangesAreInASnapshotStillTakesOverItsParents) {
+    const auto child = NSManagedObjectContext::below(main);
+    child->performBlockAndWait([&] {
+        Song::insert(*child, "of child");
+        ASSERT_EQ(child->snapshot()->table(TestEntity::Song).size(), 1U);
+        ASSERT_EQ(titles(*child).size(), 1U);
+    });
+    Song::insert(*main, "of main");
+    child->performBlockAndWait([&] {
+        EXPECT_EQ(titles(*child), (std::vector<std::string>{"of child", "of main"}));
+        save(*child);
+    });
+    EXPECT_EQ(titles(*main), (std::vector<std::string>{"of child", "of main"}));
+}
+
+TEST_F(ContextTest, aMovedDateLeavesItsOldPlaceInTheIndex) {
+    Play play = Play::insert(*main, 100);
+    Play::insert(*main, 300);
+    save(*main);
+    play.setWhen(at(200));
+    const auto countAt = [&](double seconds) {
+        const std::uint64_t key = IndexKeys::ofDate(at(seconds));
+        return main->snapshot()->table(TestEntity::Play).indexes()[0]->countBetween(key, key);
+    };
+    EXPECT_EQ(countAt(100), 0U) << "whoever walks the dates would meet the play twice";
+    EXPECT_EQ(countAt(200), 1U);
+    save(*main);
+    play.setWhen(std::nullopt);
+    EXPECT_EQ(countAt(200), 0U);
+    EXPECT_EQ(main->snapshot()->table(TestEntity::Play).indexes()[0]->size(), 1U);
+    play.setWhen(at(300));
+    EXPECT_EQ(countAt(300), 2U);
+}
+
 TEST_F(ContextTest, identifiersAreTheSameInTheNextProcessAndNeverUsedAgain) {
     const Song first = Song::insert(*main, "first");
     const Song last = Song::insert(*main, "last");
@@ -287,6 +337,41 @@ TEST_F(ContextTest, aBackgroundSaveWritesWhatIsUnsavedAndTellsOnTheMainQueue) {
     mainQueue->runUntilIdle();
     reopen();
     EXPECT_EQ(titles(*main), (std::vector<std::string>{"first", "second"}));
+}
+
+TEST_F(ContextTest, aFaultInWhatCameWhileASaveWaitedKeepsEverythingForTheNext) {
+    const auto blocker = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readWrite);
+    ASSERT_TRUE(blocker.value()->execute("DROP TABLE Play"));
+    const auto writer = DispatchQueue::serial("writer");
+    Song::insert(*main, "first");
+    std::size_t failures = 0;
+    main->saveInBackground(
+        *writer,
+        [&](const Result<void>& result) {
+            EXPECT_FALSE(result);
+            ++failures;
+        },
+        [&] {
+            const auto child = NSManagedObjectContext::below(main);
+            child->performBlockAndWait([&] {
+                Play::insert(*child, 1);
+                save(*child);
+            });
+        });
+    mainQueue->runUntilIdle();
+    EXPECT_EQ(failures, 1U);
+    EXPECT_TRUE(main->hasChanges());
+    auto songs = blocker.value()->prepare("SELECT count(*) FROM Song");
+    ASSERT_TRUE(songs.value().step().value());
+    EXPECT_EQ(songs.value().integer(0), 0) << "all or nothing";
+    songs.value().reset();
+    ASSERT_TRUE(blocker.value()->execute(
+        "CREATE TABLE Play (id INTEGER PRIMARY KEY, date REAL, estimated INTEGER, song INTEGER)"));
+    save(*main);
+    EXPECT_FALSE(main->hasChanges());
+    reopen();
+    EXPECT_EQ(titles(*main), std::vector<std::string>{"first"});
+    EXPECT_EQ(countOf(*main, "Play"), 1U);
 }
 
 TEST_F(ContextTest, aLargeSaveReachesItsPlaceInTheFileWhenNobodyWaits) {

@@ -138,7 +138,7 @@ TEST_F(StoreTest, anOlderStoreIsBroughtUpToDateAfterACopy) {
               std::vector<std::string>{"song 0"});
 }
 
-TEST_F(StoreTest, AFailedStepLeavesTheStoreInItsOldVersion) {
+TEST_F(StoreTest, aFailedStepLeavesTheStoreInItsOldVersion) {
     fillAndClose(1);
     const auto opened = NSPersistentStore::open(
         file(), testModel(),
@@ -171,6 +171,19 @@ TEST_F(StoreTest, aFailedMainSaveKeepsTheChangesForTheNext) {
     reopen();
     EXPECT_EQ(titles(*main), std::vector<std::string>{"song"});
     EXPECT_EQ(countOf(*main, "Play"), 1U);
+}
+
+TEST_F(StoreTest, savingNothingWritesNothing) {
+    Song::insert(*main, "song");
+    save(*main);
+    const auto log = [&] {
+        std::ifstream stream(file().string() + "-wal", std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(stream), {});
+    };
+    const std::string before = log();
+    ASSERT_FALSE(before.empty());
+    save(*main);
+    EXPECT_EQ(log(), before);
 }
 
 class BatchDeleteTest : public StoreTest {
@@ -220,6 +233,19 @@ TEST_F(BatchDeleteTest, unsavedChangesToRemovedRowsAreDroppedAndUnsavedInsertsSt
     EXPECT_EQ(titles(*main), std::vector<std::string>{"unsaved"});
     song.setCount(6);
     save(*main);
+    reopen();
+    EXPECT_EQ(titles(*main), std::vector<std::string>{"unsaved"});
+}
+
+TEST_F(BatchDeleteTest, removedRowsDoNotComeBackWithASaveThatKnewOfThem) {
+    Song::insert(*main, "removed");
+    save(*main);
+    Song::insert(*main, "unsaved");
+    // The context has worked out how the records are with its change before the rows go.
+    ASSERT_EQ(main->snapshot()->table(TestEntity::Song).size(), 2U);
+    deleteAll(TestEntity::Song);
+    save(*main);
+    EXPECT_EQ(titles(*main), std::vector<std::string>{"unsaved"});
     reopen();
     EXPECT_EQ(titles(*main), std::vector<std::string>{"unsaved"});
 }
