@@ -72,27 +72,61 @@ void absorb(PlaybackHistory& survivor, const PlaybackHistory& twin,
     context.deleteObject(twin);
 }
 
-/// Whether at least two records of the entity have that value, the one in question included.
-bool isDoubled(NSManagedObjectContext& context, EntityIndex entity, PropertyIndex property,
-               const FieldView& value) {
-    const PropertyValue equality{property, value};
-    return context.recordsWhere(entity, std::span(&equality, 1)).size() > 1;
-}
+/// Which records of one entity have the same value of one property as another one. Absent values
+/// are equal to each other.
+class Doubles {
+  public:
+    Doubles(NSManagedObjectContext& context, EntityIndex entity, PropertyIndex property)
+        : context_(context), entity_(entity), property_(property) {}
 
-void cleanUpEvent(const PlayEvent& event, NSManagedObjectContext& context) {
+    /// Deletes the object, which has that value, if another one has it too; whether it did.
+    bool deleteIfDoubled(const NSManagedObject& object, const FieldView& value) {
+        const bool isAbsent = std::holds_alternative<std::monostate>(value);
+        if (isAbsent && !withoutValue_) {
+            withoutValue_ = countWithoutValue();
+        }
+        const PropertyValue equality{property_, value};
+        const std::size_t count =
+            isAbsent ? *withoutValue_
+                     : context_.recordsWhere(entity_, std::span(&equality, 1)).size();
+        if (count < 2) {
+            return false;
+        }
+        context_.deleteObject(object);
+        if (isAbsent) {
+            --*withoutValue_;
+        }
+        return true;
+    }
+
+  private:
+    /// No index has these, so that they are counted once and not for each of them.
+    std::size_t countWithoutValue() {
+        const NSEntityDescription& entity = context_.model().entity(entity_);
+        const auto counted = context_.countForFetchRequest(
+            NSFetchRequest::fetchRequestWithEntityName(entity.name)
+                .where(NSPredicate::comparison(entity.properties[property_].name,
+                                               NSPredicate::Operator::equal, Value())));
+        return counted ? counted.value() : 0;
+    }
+
+    NSManagedObjectContext& context_;
+    const EntityIndex entity_;
+    const PropertyIndex property_;
+    std::optional<std::size_t> withoutValue_;
+};
+
+void cleanUpEvent(const PlayEvent& event, Doubles& doubles) {
     const std::optional<NSDate> date = event.eventDate();
-    if (date && isDoubled(context, NerindaEntity::PlayEvent, PlayEventKey::eventDate, *date)) {
-        NSLog("deleted duplicate play event: {}", isoTextOfDate(*date));
-        context.deleteObject(event);
+    if (doubles.deleteIfDoubled(event, date ? FieldView(*date) : FieldView())) {
+        NSLog("deleted duplicate play event: {}", date ? isoTextOfDate(*date) : "(null)");
     }
 }
 
-void cleanUpAchievement(const Achievement& achievement, NSManagedObjectContext& context) {
+void cleanUpAchievement(const Achievement& achievement, Doubles& doubles) {
     const std::optional<std::string> identifier = achievement.identifier();
-    if (identifier && isDoubled(context, NerindaEntity::Achievement, AchievementKey::identifier,
-                                std::string_view(*identifier))) {
-        NSLog("deleted duplicate achievement: {}", *identifier);
-        context.deleteObject(achievement);
+    if (doubles.deleteIfDoubled(achievement, identifier ? FieldView(*identifier) : FieldView())) {
+        NSLog("deleted duplicate achievement: {}", identifier.value_or("(null)"));
     }
 }
 
@@ -121,6 +155,9 @@ void RVCoreDataManager::handle_Duplication(const NSNotification& notification) {
     if (inserted == nullptr && !folded) {
         return;
     }
+    if (folded) {
+        foldings_.noteDeletions(notification);
+    }
     auto context = NSManagedObjectContext::below(mainContext(), cleanUpQueue_);
     context->performBlock([this, context,
                            ids = inserted != nullptr
@@ -136,27 +173,51 @@ bool RVCoreDataManager::LastCleanUp::covers(const std::vector<NSManagedObjectID>
            std::includes(inserted->begin(), inserted->end(), records.begin(), records.end());
 }
 
+void RVCoreDataManager::foldTwinsAmong(const std::vector<NSManagedObjectID>& inserted,
+                                       NSManagedObjectContext& context) {
+    for (const NSManagedObjectID id : inserted) {
+        if (id.entity != NerindaEntity::PlaybackHistory) {
+            continue;
+        }
+        if (const std::optional<NSManagedObject> object = context.existingObjectWithID(id)) {
+            PlaybackHistory survivor(*object);
+            consolidateHistory(survivor, context);
+        }
+    }
+}
+
+void RVCoreDataManager::deleteDoubles(const std::vector<NSManagedObjectID>& inserted,
+                                      NSManagedObjectContext& context) {
+    Doubles events(context, NerindaEntity::PlayEvent, PlayEventKey::eventDate);
+    Doubles awards(context, NerindaEntity::Achievement, AchievementKey::identifier);
+    for (const NSManagedObjectID id : inserted) {
+        if (id.entity == NerindaEntity::PlaybackHistory) {
+            continue;
+        }
+        const std::optional<NSManagedObject> object = context.existingObjectWithID(id);
+        if (!object) {
+            continue;
+        }
+        if (id.entity == NerindaEntity::Achievement) {
+            cleanUpAchievement(Achievement(*object), awards);
+        } else if (dataWasDeleted_ && PlayEvent(*object).lacksItsSong()) {
+            context.deleteObject(*object);
+        } else {
+            cleanUpEvent(PlayEvent(*object), events);
+        }
+    }
+}
+
 void RVCoreDataManager::cleanUp(const SavedObjectIDs& inserted, NSManagedObjectContext& context) {
     const std::shared_ptr<const StoreVersion> before = context.snapshot();
     // The main save tells of the same records again that a child's save told of.
     if (std::exchange(lastCleanUp_, {}).covers(*inserted, *before)) {
         return;
     }
-    for (const NSManagedObjectID id : *inserted) {
-        const std::optional<NSManagedObject> object = context.existingObjectWithID(id);
-        if (!object) {
-            continue;
-        }
-        if (id.entity == NerindaEntity::PlaybackHistory) {
-            PlaybackHistory survivor(*object);
-            consolidateHistory(survivor, context);
-        } else if (id.entity == NerindaEntity::PlayEvent) {
-            cleanUpEvent(PlayEvent(*object), context);
-        } else if (id.entity == NerindaEntity::Achievement) {
-            cleanUpAchievement(Achievement(*object), context);
-        }
-    }
+    foldTwinsAmong(*inserted, context);
+    // Before an event can go that such a record's count has counted.
     foldings_.reunite(context);
+    deleteDoubles(*inserted, context);
     if (!context.hasChanges()) {
         lastCleanUp_ = {inserted, before};
     } else if (context.save().ok()) {

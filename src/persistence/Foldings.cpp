@@ -7,10 +7,41 @@
 #include "recording/PlaybackHistory.h"
 
 namespace tavrion {
+namespace {
+
+const SortedIndex& playsOfSongs(const StoreVersion& records) {
+    static const std::size_t index =
+        *nerindaModel()->entity(NerindaEntity::PlayEvent).indexOver({PlayEventKey::parentHistory});
+    return *records.table(NerindaEntity::PlayEvent).indexes()[index];
+}
+
+}  // namespace
 
 void Foldings::note(NSManagedObjectID folded, NSManagedObjectID survivor, std::int64_t playCount) {
     MutexLock lock(mutex_);
     foldings_[folded] = {survivor, playCount};
+}
+
+void Foldings::noteDeletions(const NSNotification& didSave) {
+    const auto* deleted = didSave.info<SavedObjectIDs>(NSDeletedObjectIDsKey);
+    const auto* before = didSave.info<std::shared_ptr<const StoreVersion>>(NSStateBeforeSaveKey);
+    if (deleted == nullptr || before == nullptr) {
+        return;
+    }
+    MutexLock lock(mutex_);
+    for (const NSManagedObjectID id : **deleted) {
+        const auto folding = foldings_.find(id);
+        const auto record = (*before)->find(id);
+        if (folding == foldings_.end() || !record) {
+            continue;
+        }
+        folding->second.playCount =
+            std::get<std::int64_t>(record->at(PlaybackHistoryKey::playCount));
+        folding->second.countedPlays.clear();
+        playsOfSongs(**before).forEachEqual(id.counter, [&](RecordCounter play) {
+            folding->second.countedPlays.push_back({NerindaEntity::PlayEvent, play});
+        });
+    }
 }
 
 bool Foldings::empty() const {
@@ -53,7 +84,12 @@ void Foldings::reunite(NSManagedObjectContext& context) {
         PlaybackHistory survivor(*found);
         NSLog("{} plays follow their song's folded record", plays.size());
         survivor.addPlays(plays);
-        const std::int64_t count = folding.playCount + static_cast<std::int64_t>(plays.size());
+        const std::int64_t count =
+            folding.playCount +
+            std::count_if(plays.begin(), plays.end(), [&](const PlayEvent& play) {
+                return !std::binary_search(folding.countedPlays.begin(), folding.countedPlays.end(),
+                                           play.objectID());
+            });
         survivor.setPlayCount(std::max(survivor.playCount(), count));
         for (const PlayEvent& play : plays) {
             survivor.setLastEventDate(laterDate(survivor.lastEventDate(), play.eventDate()));

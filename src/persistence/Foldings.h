@@ -12,9 +12,11 @@
 
 #include <cstdint>
 #include <map>
+#include <vector>
 
 #include "platform/coredata/NSManagedObjectContext.h"
 #include "platform/foundation/Mutex.h"
+#include "platform/foundation/NSNotificationCenter.h"
 
 namespace tavrion {
 
@@ -24,6 +26,9 @@ class Foldings {
     /// saved does not matter: a record that is still there keeps its plays.
     void note(NSManagedObjectID folded, NSManagedObjectID survivor, std::int64_t playCount);
     bool empty() const;
+    /// A save deleted records. Of those that were folded it is kept what they were like directly
+    /// before: a scan can have saved plays of such a record after the fold had read it.
+    void noteDeletions(const NSNotification& didSave);
     /// Gives the plays of records that are gone to those that survived them; the caller saves. The
     /// survivor's count and its latest date rise with them, since what the other scan knew of both
     /// went with its record.
@@ -33,6 +38,8 @@ class Foldings {
     struct Folding {
         NSManagedObjectID survivor;
         std::int64_t playCount = 0;
+        /// In identifier order: the plays that this count has counted.
+        std::vector<NSManagedObjectID> countedPlays = {};
     };
     /// The record that the plays belong to now, at the end of all foldings; absent when it was
     /// deleted.

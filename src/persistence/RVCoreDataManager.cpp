@@ -5,8 +5,10 @@
 #include "persistence/FailurePresenter.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSUUID.h"
+#include "platform/foundation/Precondition.h"
 #include "recording/AwardSink.h"
 #include "recording/DataProcess.h"
+#include "recording/PlayEvent.h"
 
 namespace tavrion {
 namespace {
@@ -16,6 +18,22 @@ const std::string cloudSyncEnabled = "CloudSyncEnabled";
 void endProcess(const NSError& error) {
     NSLog("Unresolved error {}, {}", error.localizedDescription, error.userInfo);
     Port<FailurePresenter>::current().endProcess(error);
+}
+
+/// Plays that nobody had saved were not in the file, and their songs were.
+void deletePlaysWithoutTheirSong(NSManagedObjectContext& context) {
+    const auto plays = context.executeFetchRequest(PlayEvent::fetchRequest());
+    if (!plays) {
+        return;
+    }
+    for (const NSManagedObject& object : plays.value()) {
+        if (PlayEvent(object).lacksItsSong()) {
+            context.deleteObject(object);
+        }
+    }
+    if (const Result<void> saved = context.save(); !saved) {
+        RVCoreDataManager::handle_CoreDataFailure(saved.error());
+    }
 }
 
 }  // namespace
@@ -50,6 +68,13 @@ void RVCoreDataManager::observeValueForKeyPath(const std::string& keyPath) {
     }
 }
 
+void RVCoreDataManager::setAccess(StoreAccess access) {
+    MutexLock lock(mutex_);
+    precondition(!persistentContainer_ || access_ == access,
+                 "a store stays open for what it was opened for");
+    access_ = access;
+}
+
 std::shared_ptr<NSPersistentCloudKitContainer> RVCoreDataManager::persistentContainer() {
     MutexLock loading(loadingMutex_);
     {
@@ -69,6 +94,7 @@ void RVCoreDataManager::loadPersistentContainer() {
         NSPersistentStoreDescription(file_, nerindaStoreFormat()));
     container->initializeCloudKitSchemaWithOptions(0).ignore();
     container->persistentStoreDescription().setOption(true, NSPersistentHistoryTrackingKey);
+    container->persistentStoreDescription().access = access_;
     if (!NSUserDefaults::standardUserDefaults().boolForKey(cloudSyncEnabled)) {
         container->setCloudKitContainerOptions(std::nullopt);
     }
@@ -137,6 +163,7 @@ void RVCoreDataManager::writeMainContext(std::function<void()> whenSaved) {
 void RVCoreDataManager::deleteAllData() {
     const std::shared_ptr<NSPersistentCloudKitContainer> container = persistentContainer();
     const std::shared_ptr<NSManagedObjectContext> context = privateContext();
+    dataWasDeleted_ = true;
     context->performBlock([container, context] {
         const std::size_t entities = container->managedObjectModel().entities().size();
         for (std::size_t i = 0; i < entities; ++i) {
@@ -154,6 +181,7 @@ void RVCoreDataManager::deleteAllData() {
             NSNotificationCenter::defaultCenter().postNotificationName(AchievementsDidChange);
             DataProcess::postFinish();
         }
+        deletePlaysWithoutTheirSong(*context);
     });
 }
 

@@ -11,6 +11,7 @@
 // container of the process: a container that is loaded anew serves batch deletes.
 #pragma once
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -42,6 +43,8 @@ class RVCoreDataManager final : public RecordStore {
     /// Tells the user of a failed save.
     static void handle_CoreDataFailure(const NSError& error);
 
+    /// Before anything is loaded: what the store will be opened for, unless that is writing.
+    void setAccess(StoreAccess access);
     /// Loaded at the first call.
     std::shared_ptr<NSPersistentCloudKitContainer> persistentContainer();
     /// Loads a container, in the place of any earlier one.
@@ -49,7 +52,8 @@ class RVCoreDataManager final : public RecordStore {
     std::shared_ptr<NSManagedObjectContext> mainContext() override;
     std::shared_ptr<NSManagedObjectContext> privateContext() override;
     void saveMainContext(std::function<void()> whenSaved = nullptr) override;
-    /// Deletes every record, entity by entity, and tells of it after each.
+    /// Deletes every record, entity by entity, and tells of it after each. Plays of a deleted song
+    /// go too, whenever a scan that goes on meanwhile saves them.
     void deleteAllData();
     /// Looks through what a save inserted: folds twins, and deletes events and awards that double
     /// another. Plays that were added to a record while it was folded away follow it.
@@ -65,6 +69,10 @@ class RVCoreDataManager final : public RecordStore {
     void install(std::shared_ptr<NSPersistentCloudKitContainer> container) TAVRION_EXCLUDES(mutex_);
     void observeValueForKeyPath(const std::string& keyPath);
     void cleanUp(const SavedObjectIDs& inserted, NSManagedObjectContext& context);
+    static void foldTwinsAmong(const std::vector<NSManagedObjectID>& inserted,
+                               NSManagedObjectContext& context);
+    void deleteDoubles(const std::vector<NSManagedObjectID>& inserted,
+                       NSManagedObjectContext& context);
     /// On the main queue.
     void writeMainContext(std::function<void()> whenSaved);
 
@@ -78,6 +86,7 @@ class RVCoreDataManager final : public RecordStore {
     };
 
     const std::filesystem::path file_;
+    std::atomic<StoreAccess> access_{StoreAccess::writing};
     const std::shared_ptr<MainQueue> mainQueue_;
     NSOperationQueue operationQueue_;
     /// Clean-ups run one after the other: two at once could each delete the other's half of a pair.
@@ -87,6 +96,8 @@ class RVCoreDataManager final : public RecordStore {
     /// Main saves are written here, so that the main queue never waits for the disk.
     const std::shared_ptr<DispatchQueue> writerQueue_;
 
+    /// From here on a play can be saved whose song was deleted with everything.
+    std::atomic<bool> dataWasDeleted_{false};
     /// Held while the container is loaded for the first time, so that it is loaded once.
     Mutex loadingMutex_;
     Foldings foldings_;

@@ -35,6 +35,8 @@ class PlayEvent : public PlaybackHistoryEvent {
 
     /// The song that was played.
     std::optional<PlaybackHistory> parentHistory() const;
+    /// Whether it is of a song whose record is gone. A play that was never given a song is not.
+    bool lacksItsSong() const;
 
   private:
     friend class PlaybackHistory;

@@ -89,6 +89,15 @@ std::optional<PlaybackHistory> PlayEvent::parentHistory() const {
     return parent ? std::optional<PlaybackHistory>(*parent) : std::nullopt;
 }
 
+bool PlayEvent::lacksItsSong() const {
+    bool hasReference = false;
+    readRecord([&](const ChangedRecord& record) {
+        hasReference =
+            !std::holds_alternative<std::monostate>(record.at(PlayEventKey::parentHistory));
+    });
+    return hasReference && !parentHistory();
+}
+
 Achievement Achievement::insert(NSManagedObjectContext& context) {
     return Achievement(context.insertObject(NerindaEntity::Achievement));
 }

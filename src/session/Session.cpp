@@ -108,6 +108,7 @@ Session::Session(const SessionSettings& settings, const SessionPresenters& prese
                             .failurePresenter = presenters.failure,
                             .log = presenters.log};
     wiring_ = std::make_unique<Wiring>(services, directory_.store());
+    data().setAccess(StoreAccess::reading);
     registerMusicXmlSource(sources_);
     registerSampleSource(sources_, directory_.sampleLibrary());
 }
@@ -123,6 +124,7 @@ std::variant<Writer*, WriterLock::Refusal> Session::becomeWriter() {
         if (auto refusal = lock.take(directory_.lock())) {
             return *std::move(refusal);
         }
+        data().setAccess(StoreAccess::writing);
         writer_.reset(new Writer(*this, std::move(lock)));
     }
     return writer_.get();

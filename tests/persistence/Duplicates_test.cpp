@@ -104,13 +104,87 @@ TEST_F(DuplicatesTest, anAwardThatIsThereTwiceLosesOne) {
     EXPECT_EQ(awardsNamed("rv_award.two"), 1U);
 }
 
-TEST_F(DuplicatesTest, objectsThatAreGoneWhenTheCleanUpRunsAreSkipped) {
+TEST_F(DuplicatesTest, ofTwoAwardsInOneSaveTheFirstGoesWithWhatItHeld) {
+    Achievement first = Achievement::insert(environment.main());
+    first.setIdentifier("rv_award.one");
+    first.setTier(3);
+    Achievement second = Achievement::insert(environment.main());
+    second.setIdentifier("rv_award.one");
+    second.setTier(1);
+    environment.saveMain();
+    EXPECT_TRUE(first.isDeleted());
+    EXPECT_EQ(second.tier(), 1) << "nothing is merged";
+    Achievement third = Achievement::insert(environment.main());
+    third.setIdentifier("rv_award.one");
+    third.setTier(2);
+    environment.saveMain();
+    EXPECT_TRUE(third.isDeleted()) << "the award that was there before stays";
+    EXPECT_EQ(second.tier(), 1);
+}
+
+TEST_F(DuplicatesTest, eventsWithoutADateAreEqualToEachOther) {
     PlaybackHistory history = environment.makeHistory("Song", 1);
-    const PlayEvent event = environment.makePlay(history, 100);
-    ASSERT_TRUE(environment.main().save());
-    environment.main().deleteObject(event);
+    environment.makePlay(history, 100);
+    const auto addUndated = [&] {
+        PlayEvent event = PlayEvent::insert(environment.main());
+        history.addPlaysObject(event);
+        return event;
+    };
+    const PlayEvent first = addUndated();
+    environment.saveMain();
+    EXPECT_FALSE(first.isDeleted()) << "it equals no other";
+    const PlayEvent second = addUndated();
+    const PlayEvent third = addUndated();
+    environment.saveMain();
+    EXPECT_FALSE(first.isDeleted());
+    EXPECT_TRUE(second.isDeleted());
+    EXPECT_TRUE(third.isDeleted());
+    EXPECT_EQ(history.plays().size(), 2U);
+    EXPECT_EQ(environment.log.count("deleted duplicate play event: (null)"), 2U);
+}
+
+TEST_F(DuplicatesTest, ofUndatedEventsInOneSaveTheLastStays) {
+    PlayEvent::insert(environment.main());
+    PlayEvent::insert(environment.main());
+    const PlayEvent last = PlayEvent::insert(environment.main());
+    environment.saveMain();
+    EXPECT_FALSE(last.isDeleted());
+    EXPECT_EQ(environment.main().countForFetchRequest(PlayEvent::fetchRequest()).value(), 1U);
+}
+
+TEST_F(DuplicatesTest, awardsWithoutAnIdentifierAreEqualToEachOtherAndToNoOther) {
+    const Achievement first = Achievement::insert(environment.main());
+    Achievement::insert(environment.main()).setIdentifier("");
+    Achievement::insert(environment.main()).setIdentifier("rv_award.one");
+    environment.saveMain();
+    EXPECT_FALSE(first.isDeleted());
+    const Achievement second = Achievement::insert(environment.main());
+    environment.saveMain();
+    EXPECT_FALSE(first.isDeleted());
+    EXPECT_TRUE(second.isDeleted());
+    EXPECT_EQ(awardsNamed(""), 1U);
+}
+
+TEST_F(DuplicatesTest, objectsThatAreGoneWhenTheCleanUpRunsAreSkipped) {
+    PlaybackHistory gone = environment.makeHistory("Song", 1);
+    const PlayEvent event = environment.makePlay(gone, 100);
+    Achievement award = Achievement::insert(environment.main());
+    award.setIdentifier("rv_award.one");
+    // What a record that is gone would be taken for: it reads as never set.
+    PlaybackHistory::insert(environment.main()).setStoreID("S1");
+    const auto inserted = std::make_shared<const std::vector<NSManagedObjectID>>(
+        std::vector{gone.objectID(), event.objectID(), award.objectID()});
+    environment.saveMain();
+    for (const NSManagedObject& object : std::vector<NSManagedObject>{event, gone, award}) {
+        environment.main().deleteObject(object);
+    }
+    environment.saveMain();
+    const auto before = environment.main().snapshot();
+    environment.data->handle_Duplication({NSManagedObjectContextDidSaveObjectIDsNotification,
+                                          nullptr,
+                                          {{NSInsertedObjectIDsKey, SavedObjectIDs(inserted)}}});
     environment.runUntilIdle();
-    EXPECT_TRUE(environment.plays().empty());
+    EXPECT_EQ(environment.main().snapshot(), before);
     EXPECT_EQ(environment.histories().size(), 1U);
 }
 
@@ -179,6 +253,52 @@ TEST_F(DuplicatesTest, twinsAreFoundByARealLibraryIdentifierAlone) {
     EXPECT_EQ(survivor.title(), "Song");
     EXPECT_EQ(survivor.lastEventDate(), at(7));
     EXPECT_EQ(survivor.plays().size(), 1U);
+}
+
+TEST_F(DuplicatesTest, twinsAreFoundByARealStoreIdentifierAlone) {
+    PlaybackHistory survivor = environment.makeHistory("Song", 180, "S1");
+    PlaybackHistory renamed = environment.makeHistory("Renamed", 99, "S1");
+    PlaybackHistory other = environment.makeHistory("Renamed", 99, "S2");
+    environment.makePlay(renamed, 5);
+    consolidate(survivor);
+    EXPECT_EQ(environment.histories().size(), 2U);
+    EXPECT_FALSE(other.isDeleted());
+    EXPECT_EQ(survivor.plays().size(), 1U);
+}
+
+TEST_F(DuplicatesTest, theLaterOfTheTwoLastDatesStaysWhoseverItIs) {
+    const auto lastDateOf = [&](std::optional<NSDate> survivors, std::optional<NSDate> twins) {
+        PlaybackHistory survivor = environment.makeHistory("Song", 180);
+        survivor.setLastEventDate(survivors);
+        environment.makeHistory("Song", 180).setLastEventDate(twins);
+        consolidate(survivor);
+        const std::optional<NSDate> date = survivor.lastEventDate();
+        environment.main().deleteObject(survivor);
+        return date;
+    };
+    EXPECT_EQ(lastDateOf(at(5), at(7)), at(7));
+    EXPECT_EQ(lastDateOf(at(7), at(5)), at(7));
+    EXPECT_EQ(lastDateOf(std::nullopt, at(5)), at(5));
+    EXPECT_EQ(lastDateOf(at(5), std::nullopt), at(5));
+    EXPECT_EQ(lastDateOf(std::nullopt, std::nullopt), std::nullopt);
+}
+
+TEST_F(DuplicatesTest, whatTheFoldedRecordHeldBesidesIsLost) {
+    PlaybackHistory survivor = environment.makeHistory("Song", 180, "S1");
+    survivor.setArtist("Band");
+    PlaybackHistory twin = environment.makeHistory("Renamed", 99, "S1");
+    twin.setExcludeFromTrends(true);
+    twin.setArtist("Other band");
+    twin.setAlbumID("Album");
+    twin.setGenre("Jazz");
+    consolidate(survivor);
+    ASSERT_TRUE(twin.isDeleted());
+    EXPECT_FALSE(survivor.excludeFromTrends());
+    EXPECT_EQ(survivor.artist(), "Band");
+    EXPECT_EQ(survivor.albumID(), std::nullopt);
+    EXPECT_EQ(survivor.genre(), std::nullopt);
+    EXPECT_EQ(survivor.title(), "Song");
+    EXPECT_EQ(survivor.duration(), 180);
 }
 
 TEST_F(DuplicatesTest, stringIsValidUUIDTakesWellFormedIdentifiersOnly) {

@@ -124,5 +124,81 @@ TEST_F(FoldingsTest, playsOfASongThatTheUserDeletedStayWithoutOne) {
     EXPECT_TRUE(environment.histories().empty());
 }
 
+class LostPlayTest : public FoldingsTest {
+  protected:
+    /// Another song was played at the instant of one of the scan's plays, which goes as its double.
+    void makeRival() {
+        PlaybackHistory rival = environment.makeHistory("Rival", 99);
+        environment.makePlay(rival, 150);
+        environment.saveMain();
+    }
+    void expectTheCountOfTheLibrary() {
+        ASSERT_EQ(environment.histories().size(), 2U);
+        EXPECT_EQ(environment.plays(),
+                  (std::vector<RecordedPlay>{
+                      {90, false, "Song"}, {150, false, "Rival"}, {200, false, "Song"}}));
+        EXPECT_EQ(environment.history("Song").playCount(), 12)
+            << "else the next scan records the lost play once more, or misses one";
+    }
+};
+
+TEST_F(LostPlayTest, aPlayThatWentAsADoubleAfterTheFoldStillCounts) {
+    makeRival();
+    const auto scan = scanUnderWay();
+    makeTwin("new");
+    save(scan);
+    expectTheCountOfTheLibrary();
+}
+
+TEST_F(LostPlayTest, aPlayThatWentAsADoubleBeforeTheFoldWasSavedStillCounts) {
+    makeRival();
+    const auto folding = environment.data->privateContext();
+    folding->performBlockAndWait([&] {
+        PlaybackHistory twin = PlaybackHistory::insert(*folding);
+        twin.setTitle("Song");
+        twin.setDuration(180);
+        RVCoreDataManager::consolidateHistory(twin, *folding);
+    });
+    save(scanUnderWay());
+    save(folding);
+    expectTheCountOfTheLibrary();
+}
+
+class FoldWithoutInsertTest : public FoldingsTest {
+  protected:
+    /// Another record of another song, which becomes one of the same song by a change: no insert,
+    /// so that nobody folds them yet.
+    PlaybackHistory makeLaterTwin(std::int64_t playCount) {
+        PlaybackHistory twin = environment.makeHistory("Other", 180);
+        twin.setPlayCount(playCount);
+        environment.saveMain();
+        twin.setTitle("Song");
+        environment.saveMain();
+        return twin;
+    }
+    /// Folds the old record while a scan records plays for it, and saves after the scan.
+    void foldBesideAScan(const PlaybackHistory& survivor) {
+        const auto folding = environment.data->privateContext();
+        folding->performBlockAndWait([&] {
+            PlaybackHistory twin(*folding->existingObjectWithID(survivor.objectID()));
+            RVCoreDataManager::consolidateHistory(twin, *folding);
+        });
+        save(scanUnderWay());
+        save(folding);
+    }
+};
+
+TEST_F(FoldWithoutInsertTest, deletionsAloneBringThePlaysToTheSurvivor) {
+    foldBesideAScan(makeLaterTwin(3));
+    expectOneRecordWithAllPlays();
+}
+
+TEST_F(FoldWithoutInsertTest, aHigherCountOfTheSurvivorIsNeverLowered) {
+    foldBesideAScan(makeLaterTwin(50));
+    ASSERT_EQ(environment.histories().size(), 1U);
+    EXPECT_EQ(environment.histories()[0].plays().size(), 3U);
+    EXPECT_EQ(environment.histories()[0].playCount(), 50);
+}
+
 }  // namespace
 }  // namespace tavrion

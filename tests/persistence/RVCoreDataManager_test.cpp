@@ -19,8 +19,28 @@ class DataManagerTest : public testing::Test {
         EXPECT_TRUE(count.value().step().value());
         return static_cast<std::size_t>(count.value().integer(0));
     }
+    std::string log() const {
+        std::ifstream stream(environment.storeFile().string() + "-wal", std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
     RecordingEnvironment environment;
 };
+
+TEST_F(DataManagerTest, whatIsOpenForReadingMakesNoStoreAndCannotSave) {
+    environment.data->setAccess(StoreAccess::reading);
+    environment.makeHistory("Song", 1);
+    EXPECT_FALSE(std::filesystem::exists(environment.storeFile()));
+    environment.saveMain();
+    EXPECT_FALSE(std::filesystem::exists(environment.storeFile()));
+    ASSERT_EQ(environment.failures.endings.size(), 1U);
+    EXPECT_NE(environment.failures.endings[0].localizedDescription.find("for reading alone"),
+              std::string::npos);
+}
+
+TEST_F(DataManagerTest, whatIsOpenForWritingStaysSo) {
+    environment.main();
+    EXPECT_DEATH(environment.data->setAccess(StoreAccess::reading), "stays open for");
+}
 
 TEST_F(DataManagerTest, withoutTheSettingTheStoreIsLocalWithHistoryTracking) {
     const auto container = environment.data->persistentContainer();
@@ -65,11 +85,14 @@ TEST_F(DataManagerTest, eachReloadLeavesExactlyOneCleanUpObservation) {
 }
 
 TEST_F(DataManagerTest, savingTheMainContextWithNothingToSaveLogsSuccessAndWritesNothing) {
-    environment.data->mainContext();
-    const auto before = std::filesystem::last_write_time(environment.storeFile());
+    environment.makeHistory("Song", 1);
     environment.saveMain();
-    EXPECT_EQ(environment.log.count("successfully saved Nerinda core data store."), 1U);
-    EXPECT_EQ(std::filesystem::last_write_time(environment.storeFile()), before);
+    // What a save writes goes to the log first.
+    const std::string before = log();
+    ASSERT_FALSE(before.empty());
+    environment.saveMain();
+    EXPECT_EQ(environment.log.count("successfully saved Nerinda core data store."), 2U);
+    EXPECT_EQ(log(), before);
 }
 
 TEST_F(DataManagerTest, aPrivateSaveReachesTheDiskOnlyAfterTheMainSave) {
@@ -140,6 +163,53 @@ TEST_F(DeleteAllDataTest, everyRecordGoesAndMostDefaultsStay) {
               std::nullopt);
     EXPECT_EQ(environment.defaults->dateForKey("com.oskelvane.Nerinda.installationDate"),
               environment.at(2));
+}
+
+TEST_F(DeleteAllDataTest, aFailedBatchDeleteIsReportedAndTheOthersGoOn) {
+    PlaybackHistory history = environment.makeHistory("Song", 1);
+    environment.makePlay(history, 5);
+    environment.saveMain();
+    {
+        const auto saboteur =
+            SQLiteDatabase::open(environment.storeFile(), SQLiteDatabase::Mode::readWrite);
+        ASSERT_TRUE(saboteur.value()->execute("DROP TABLE PlaybackHistory"));
+    }
+    deleteAll();
+    ASSERT_EQ(environment.failures.dataFailures.size(), 1U);
+    EXPECT_NE(environment.failures.dataFailures[0].localizedDescription.find("PlaybackHistory"),
+              std::string::npos);
+    EXPECT_EQ(rowsOnDisk("PlayEvent"), 0U);
+    EXPECT_EQ(finishes, 4);
+}
+
+TEST_F(DeleteAllDataTest, aScanThatGoesOnMeanwhileLeavesNoPlayWithoutItsSong) {
+    const NSManagedObjectID old = environment.makeHistory("Song", 1).objectID();
+    environment.saveMain();
+    const auto scan = environment.data->privateContext();
+    scan->performBlockAndWait([&] {
+        PlaybackHistory found(*scan->existingObjectWithID(old));
+        PlayEvent::insert(found, RecordingEnvironment::at(5), false);
+        PlaybackHistory made = PlaybackHistory::insert(*scan);
+        made.setTitle("New");
+        PlayEvent::insert(made, RecordingEnvironment::at(6), false);
+    });
+    deleteAll();
+    scan->performBlockAndWait([&] { EXPECT_TRUE(scan->save()); });
+    environment.saveMain();
+    EXPECT_EQ(environment.plays(), (std::vector<RecordedPlay>{{6, false, "New"}}));
+    EXPECT_EQ(rowsOnDisk("PlayEvent"), 1U);
+}
+
+TEST_F(DeleteAllDataTest, aPlayThatWasNotSavedGoesWithItsSong) {
+    PlaybackHistory history = environment.makeHistory("Song", 1);
+    environment.saveMain();
+    environment.makePlay(history, 5);
+    const PlayEvent ofNoSong = PlayEvent::insert(environment.main());
+    deleteAll();
+    EXPECT_EQ(environment.main().countForFetchRequest(PlayEvent::fetchRequest()).value(), 1U);
+    EXPECT_FALSE(ofNoSong.isDeleted()) << "what nobody had saved stays, as songs would";
+    environment.saveMain();
+    EXPECT_EQ(rowsOnDisk("PlayEvent"), 1U);
 }
 
 TEST_F(DataManagerTest, aStoreThatCannotBeLoadedEndsTheProcess) {

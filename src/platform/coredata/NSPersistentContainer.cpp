@@ -15,7 +15,8 @@ NSPersistentContainer::NSPersistentContainer(std::string name,
 
 void NSPersistentContainer::loadPersistentStoresWithCompletionHandler(
     const std::function<void(const Result<void>&)>& completion) {
-    auto store = NSPersistentStore::open(description_.file, model_, description_.format);
+    auto store = NSPersistentStore::open(description_.file, model_, description_.format,
+                                         description_.access);
     if (!store) {
         completion(store.error());
         return;

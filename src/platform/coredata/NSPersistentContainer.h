@@ -26,6 +26,7 @@ class NSPersistentStoreDescription {
 
     std::filesystem::path file;
     StoreFormat format;
+    StoreAccess access = StoreAccess::writing;
 
     void setOption(bool value, const std::string& key) { options_[key] = value; }
     bool option(const std::string& key) const {
