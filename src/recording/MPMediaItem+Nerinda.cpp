@@ -9,7 +9,6 @@
 #include "platform/foundation/NSUserDefaults.h"
 #include "recording/MPMediaItem+Nerinda.h"
 #include "recording/RVQueryManager.h"
-#include "recording/RecordPredicates.h"
 #include "recording/RecordStore.h"
 
 namespace tavrion::Nerinda {

@@ -25,7 +25,7 @@ NSEntityDescription playbackHistoryEntity() {
 std::vector<NSPropertyDescription> eventProperties() {
     return {{"eventDate", Type::date},
             {"isInterpolated", Type::boolean},
-            {"parentHistory", Type::reference, "PlaybackHistory", "plays"}};
+            {"parentHistory", Type::reference, "PlaybackHistory"}};
 }
 
 }  // namespace

@@ -2,41 +2,24 @@
 
 #include <algorithm>
 
+#include "platform/coredata/FetchFilter.h"
+#include "platform/coredata/IndexKeys.h"
 #include "platform/coredata/NSManagedObjectContext.h"
 #include "platform/foundation/Precondition.h"
 
 namespace tavrion {
 namespace {
 
-/// A range that holds more than this part of the table is walked row by row instead of through the
-/// index.
-constexpr std::size_t rangeWorthAnIndex = 8;
-
-std::vector<RecordCounter> matchesInTable(const FetchPlan& plan, const TableVersion& table) {
+std::vector<RecordCounter> matchesInTable(const FetchFilter& filter, const TableVersion& table) {
     std::vector<RecordCounter> found;
     for (const auto& leaf : table.leaves()) {
         for (std::size_t row = 0; row < leaf->size(); ++row) {
-            if (plan.matches(
+            if (filter.matches(
                     [&](PropertyIndex property) { return leaf->columns[property]->at(row); })) {
                 found.push_back((*leaf->records)[row]);
             }
         }
     }
-    return found;
-}
-
-std::vector<RecordCounter> matchesInRange(const FetchPlan& plan, const TableVersion& table) {
-    std::vector<RecordCounter> found;
-    const FetchPlan::Range& range = *plan.range();
-    table.indexes()[range.index]->forEachBetween(
-        range.low, range.high, [&](std::uint64_t, RecordCounter record) {
-            const std::optional<RowPosition> position = table.find(record);
-            if (position &&
-                plan.matches([&](PropertyIndex property) { return position->at(property); })) {
-                found.push_back(record);
-            }
-        });
-    std::sort(found.begin(), found.end());
     return found;
 }
 
@@ -64,26 +47,6 @@ bool comesBefore(const Value& a, const Value& b) {
 }
 
 }  // namespace
-
-std::vector<RecordCounter> NSManagedObjectContext::matchesOfPoints(const FetchPlan& plan,
-                                                                   EntityIndex entity) {
-    std::vector<RecordCounter> candidates;
-    const TableVersion& table = settled_->table(entity);
-    for (const FetchPlan::Point& point : *plan.points()) {
-        table.indexes()[point.index]->forEachEqual(
-            point.key, [&](RecordCounter record) { candidates.push_back(record); });
-        open_.entity(entity).candidates(model().entity(entity), point.index, point.key, candidates);
-    }
-    std::sort(candidates.begin(), candidates.end());
-    candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
-    const ChangedView records = view();
-    std::erase_if(candidates, [&](RecordCounter candidate) {
-        const auto record = records.record({entity, candidate});
-        return !record ||
-               !plan.matches([&](PropertyIndex property) { return record->at(property); });
-    });
-    return candidates;
-}
 
 std::vector<RecordCounter> NSManagedObjectContext::recordsWhere(
     EntityIndex entity, std::span<const PropertyValue> conditions) {
@@ -126,29 +89,6 @@ std::vector<RecordCounter> NSManagedObjectContext::recordsWhere(
     return found;
 }
 
-std::vector<RecordCounter> NSManagedObjectContext::matches(const FetchPlan& plan,
-                                                           EntityIndex entity) {
-    Version version;
-    {
-        MutexLock lock(mutex_);
-        if (plan.points()) {
-            return matchesOfPoints(plan, entity);
-        }
-        seal();
-        version = settled_;
-    }
-    const TableVersion& table = version->table(entity);
-    if (plan.range()) {
-        const FetchPlan::Range& range = *plan.range();
-        const std::size_t inRange =
-            table.indexes()[range.index]->countBetween(range.low, range.high);
-        if (inRange <= table.size() / rangeWorthAnIndex) {
-            return matchesInRange(plan, table);
-        }
-    }
-    return matchesInTable(plan, table);
-}
-
 Result<void> NSManagedObjectContext::checkKeys(const NSFetchRequest& request,
                                                EntityIndex entity) const {
     const NSEntityDescription& description = model().entity(entity);
@@ -173,22 +113,19 @@ Result<std::vector<NSManagedObjectID>> NSManagedObjectContext::fetchIDs(
         return NSError{
             fmt::format("the model {} has no entity {}", model().name(), request.entityName), {}};
     }
-    refresh();
+    const Version version = snapshot();
     std::vector<NSManagedObjectID> ids;
     for (const EntityIndex concrete : model().concreteEntities(*entity)) {
         if (const auto checked = checkKeys(request, concrete); !checked) {
             return checked.error();
         }
-        const FetchPlan plan(model(), concrete, request.predicate);
-        for (const RecordCounter record : matches(plan, concrete)) {
+        const FetchFilter filter(model(), concrete, request.predicate);
+        for (const RecordCounter record : matchesInTable(filter, version->table(concrete))) {
             ids.push_back({concrete, record});
         }
     }
     if (!request.sortDescriptors.empty()) {
         sort(ids, request.sortDescriptors);
-    }
-    if (request.fetchLimit != 0 && ids.size() > request.fetchLimit) {
-        ids.resize(request.fetchLimit);
     }
     return ids;
 }
@@ -257,13 +194,9 @@ Result<std::size_t> NSManagedObjectContext::countForFetchRequest(const NSFetchRe
 std::vector<NSManagedObjectID> NSManagedObjectContext::referringIDs(EntityIndex entity,
                                                                     PropertyIndex property,
                                                                     NSManagedObjectID target) {
-    queue_->assertCurrent();
-    const std::string& key = model().entity(entity).properties[property].name;
-    const FetchPlan plan(
-        model(), entity,
-        NSPredicate::comparison(key, NSPredicate::Operator::equal, Value(target.reference())));
+    const PropertyValue condition{property, Link{target.counter}};
     std::vector<NSManagedObjectID> ids;
-    for (const RecordCounter record : matches(plan, entity)) {
+    for (const RecordCounter record : recordsWhere(entity, std::span(&condition, 1))) {
         ids.push_back({entity, record});
     }
     return ids;

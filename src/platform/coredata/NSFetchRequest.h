@@ -1,4 +1,4 @@
-// What to fetch: an entity, a condition, an order, a limit.
+// What to fetch: an entity, a condition, an order.
 //
 // Queue: any; a value. Without sort descriptors objects come in identifier order, and equal ones
 // keep that order. An absent value sorts before all others.
@@ -33,8 +33,6 @@ struct NSFetchRequest {
     /// Absent means every object.
     std::optional<NSPredicate> predicate;
     std::vector<NSSortDescriptor> sortDescriptors;
-    /// 0 means no limit.
-    std::size_t fetchLimit = 0;
 };
 
 }  // namespace tavrion

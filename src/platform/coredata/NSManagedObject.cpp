@@ -23,18 +23,6 @@ bool NSManagedObject::isDeleted() const {
     return !context_->existingObjectWithID(id_).has_value();
 }
 
-Value NSManagedObject::valueForKey(std::string_view key) const {
-    const NSEntityDescription& entity = context_->model().entity(id_.entity);
-    const std::optional<PropertyIndex> property = entity.propertyNamed(key);
-    if (!property) {
-        return {};
-    }
-    return context_->withField(id_, *property, [&](const FieldView& field) {
-        return valueOf(field, entity.properties[*property].type,
-                       destinationOf(context_->model(), id_, *property));
-    });
-}
-
 std::optional<std::string> NSManagedObject::text(PropertyIndex property) const {
     return context_->withField(
         id_, property, [](const FieldView& field) -> std::optional<std::string> {

@@ -28,8 +28,6 @@ class NSManagedObject {
     NSManagedObjectContext& managedObjectContext() const { return *context_; }
     /// Whether the context no longer sees the record.
     bool isDeleted() const;
-    /// The property of that name, or an absent value.
-    Value valueForKey(std::string_view key) const;
 
     bool operator==(const NSManagedObject& other) const {
         return context_ == other.context_ && id_ == other.id_;

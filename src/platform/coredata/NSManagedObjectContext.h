@@ -25,7 +25,6 @@
 #include <vector>
 
 #include "platform/coredata/ChangeSet.h"
-#include "platform/coredata/FetchPlan.h"
 #include "platform/coredata/NSFetchRequest.h"
 #include "platform/coredata/NSManagedObject.h"
 #include "platform/coredata/NSPersistentStore.h"
@@ -72,12 +71,13 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     /// Objects that refer to the deleted one lose the reference. Deleting what is gone does
     /// nothing.
     void deleteObject(const NSManagedObject& object);
-    /// An entity or a key that the model does not have is an error.
+    /// Tests every record of the entity; look-ups go through recordsWhere(). An entity or a key
+    /// that the model does not have is an error.
     Result<std::vector<NSManagedObject>> executeFetchRequest(const NSFetchRequest& request);
     Result<std::size_t> countForFetchRequest(const NSFetchRequest& request);
-    /// The records of `entity` in which all conditions hold, in identifier order. What a fetch with
-    /// an AND of equalities gives, for flows that look up every song; an index of the entity must
-    /// be over some of the properties. A single absent value is not looked up.
+    /// The records of `entity` in which all conditions hold, in identifier order: what a fetch with
+    /// an AND of equalities gives, found through an index of the entity, which must be over some of
+    /// the properties. A single absent value is not looked up.
     std::vector<RecordCounter> recordsWhere(EntityIndex entity,
                                             std::span<const PropertyValue> conditions);
     /// The object if the context sees it.
@@ -130,9 +130,6 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     void settleWithout(const NSPersistentStore::Commits& commits, Version basis);
 
     Result<std::vector<NSManagedObjectID>> fetchIDs(const NSFetchRequest& request);
-    std::vector<RecordCounter> matches(const FetchPlan& plan, EntityIndex entity);
-    std::vector<RecordCounter> matchesOfPoints(const FetchPlan& plan, EntityIndex entity)
-        TAVRION_REQUIRES(mutex_);
     Result<void> checkKeys(const NSFetchRequest& request, EntityIndex entity) const;
     void sort(std::vector<NSManagedObjectID>& ids,
               const std::vector<NSSortDescriptor>& descriptors);

@@ -33,10 +33,8 @@ using EntityIndex = std::uint16_t;
 struct NSPropertyDescription {
     std::string name;
     NSAttributeType type = NSAttributeType::string;
-    /// Of a reference: the entity that it points to, and the name under which that entity reaches
-    /// the objects pointing to it.
+    /// Of a reference: the entity that it points to.
     std::string destinationEntity = {};
-    std::string inverseName = {};
 };
 
 /// Equal values of these properties together are found without a walk; a single date is also found

@@ -95,16 +95,6 @@ class TableWriter {
   public:
     explicit TableWriter(const NSEntityDescription& entity) : entity_(entity) {}
 
-    /// Adds a row whose fields `read(property)` gives.
-    template <class Read>
-    void add(RecordCounter record, Read read) {
-        open();
-        records_->push_back(record);
-        for (std::size_t property = 0; property < columns_.size(); ++property) {
-            columns_[property]->append(read(static_cast<PropertyIndex>(property)));
-        }
-        closeWhenFull();
-    }
     /// Opens a row; the caller appends exactly one value to each column and calls endRow().
     std::span<const std::shared_ptr<Column>> beginRow(RecordCounter record) {
         open();

@@ -26,9 +26,8 @@ enum : EntityIndex { Song, Event, Play };
 
 inline std::shared_ptr<const NSManagedObjectModel> testModel() {
     using Type = NSAttributeType;
-    const std::vector<NSPropertyDescription> event{{"date", Type::date},
-                                                   {"estimated", Type::boolean},
-                                                   {"song", Type::reference, "Song", "plays"}};
+    const std::vector<NSPropertyDescription> event{
+        {"date", Type::date}, {"estimated", Type::boolean}, {"song", Type::reference, "Song"}};
     return std::make_shared<const NSManagedObjectModel>(
         "Test", std::vector<NSEntityDescription>{
                     {.name = "Song",

