@@ -122,6 +122,29 @@ TEST_F(StoreVersionTest, aProcessThatIsKilledDuringTheStepsLeavesTheOldVersionAn
     EXPECT_EQ(countsOf(opened.value()), std::vector<std::int64_t>{1});
 }
 
+TEST_F(StoreVersionTest, stepsThatAnotherProcessTakesMeanwhileAreNotTakenAgain) {
+    Song::insert(*main, "song");
+    save(*main);
+    main.reset();
+    const auto other = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readWrite);
+    ASSERT_TRUE(other.value()->execute("BEGIN IMMEDIATE"));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // Sees version 1 and waits for the lock.
+        ::_exit(NSPersistentStore::open(file(), testModel(), secondFormat()) ? 0 : 1);
+    }
+    constexpr useconds_t timeToBeginWaiting = 500000;
+    ::usleep(timeToBeginWaiting);
+    ASSERT_TRUE(
+        other.value()->execute(secondFormat().steps[0] + "; PRAGMA user_version = 2; COMMIT"));
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    const auto opened = NSPersistentStore::open(file(), testModel(), secondFormat());
+    ASSERT_TRUE(opened) << opened.error().localizedDescription;
+    EXPECT_EQ(countsOf(opened.value()), std::vector<std::int64_t>{1});
+}
+
 TEST_F(StoreVersionTest, theCopyOfAnEarlierAttemptStaysUntilANewOneIsWhole) {
     Song::insert(*main, "song");
     save(*main);
@@ -208,6 +231,21 @@ TEST_F(StoreCopyTest, aCopyOfAnotherVersionIsNotOne) {
 TEST_F(StoreCopyTest, aCopyThatIsCutOffIsNotOne) {
     fs::resize_file(copy, fs::file_size(copy) - 4096);
     EXPECT_FALSE(StoreCopy::check(*database, copy));
+}
+
+TEST_F(StoreCopyTest, aCopyThatIsNotSoundIsNotMade) {
+    // A fault that is copied with the rows.
+    execute(
+        "UPDATE Song SET title = NULL WHERE id = 2; PRAGMA writable_schema = ON; "
+        "UPDATE sqlite_schema SET sql = replace(sql, 'title TEXT', 'title TEXT NOT NULL')");
+    const auto faulty = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readWrite);
+    const fs::path next = directory / "next.sqlite";
+    for (const auto make : {&StoreCopy::make, &StoreCopy::renew}) {
+        const auto made = make(*faulty.value(), next);
+        ASSERT_FALSE(made);
+        expectOneLine(made.error(), "NULL value in Song.title");
+        EXPECT_FALSE(fs::exists(next));
+    }
 }
 
 TEST_F(StoreCopyTest, aCopyNeverTakesThePlaceOfAnotherFile) {
