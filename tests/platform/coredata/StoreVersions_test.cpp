@@ -126,12 +126,22 @@ TEST_F(StoreVersionTest, stepsThatAnotherProcessTakesMeanwhileAreNotTakenAgain) 
     Song::insert(*main, "song");
     save(*main);
     main.reset();
-    const auto other = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readWrite);
-    ASSERT_TRUE(other.value()->execute("BEGIN IMMEDIATE"));
+    // A process must not take over a connection, so that the other one begins before this one has
+    // any.
+    int isLocked[2];
+    ASSERT_EQ(::pipe(isLocked), 0);
     const pid_t child = ::fork();
     if (child == 0) {
+        char mark = 0;
+        const bool began = ::read(isLocked[0], &mark, 1) == 1;
         // Sees version 1 and waits for the lock.
-        ::_exit(NSPersistentStore::open(file(), testModel(), secondFormat()) ? 0 : 1);
+        ::_exit(began && NSPersistentStore::open(file(), testModel(), secondFormat()) ? 0 : 1);
+    }
+    const auto other = SQLiteDatabase::open(file(), SQLiteDatabase::Mode::readWrite);
+    ASSERT_TRUE(other.value()->execute("BEGIN IMMEDIATE"));
+    ASSERT_EQ(::write(isLocked[1], "x", 1), 1);
+    for (const int end : isLocked) {
+        ::close(end);
     }
     constexpr useconds_t timeToBeginWaiting = 500000;
     ::usleep(timeToBeginWaiting);
