@@ -1,252 +1,66 @@
 #include "platform/coredata/SortedIndex.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
-#include <span>
 #include <utility>
 
 namespace tavrion {
 namespace {
 
-/// Leaves are filled up to here when an index is built, and split above the limit when it changes.
-constexpr std::size_t filledLeaf = 1536;
-constexpr std::size_t largestLeaf = 2048;
-/// A rebuilt leaf below this goes together with the one after it.
-constexpr std::size_t smallLeaf = 256;
-/// From here on counting digits is quicker than comparing.
-constexpr std::size_t worthCounting = 4096;
-
-/// By key, digit by digit; entries of one key keep their order.
-void sortByKeyDigits(std::vector<SortedIndex::Entry>& entries) {
-    constexpr unsigned digitBits = 11;
-    constexpr std::size_t digits = std::size_t{1} << digitBits;
-    constexpr unsigned passes = (64 + digitBits - 1) / digitBits;
-    // Digits in which all keys agree need no pass.
-    std::uint64_t differing = 0;
-    for (const SortedIndex::Entry& entry : entries) {
-        differing |= entry.key ^ entries.front().key;
-    }
-    std::vector<SortedIndex::Entry> sorted(entries.size());
-    std::array<std::uint32_t, digits> places{};
-    for (unsigned pass = 0; pass < passes; ++pass) {
-        const unsigned shift = pass * digitBits;
-        if (((differing >> shift) & (digits - 1)) == 0) {
-            continue;
-        }
-        places.fill(0);
-        for (const SortedIndex::Entry& entry : entries) {
-            ++places[(entry.key >> shift) & (digits - 1)];
-        }
-        std::uint32_t place = 0;
-        for (std::uint32_t& count : places) {
-            place += std::exchange(count, place);
-        }
-        for (const SortedIndex::Entry& entry : entries) {
-            sorted[places[(entry.key >> shift) & (digits - 1)]++] = entry;
-        }
-        entries.swap(sorted);
-    }
-}
-
-void sortEntries(std::vector<SortedIndex::Entry>& entries) {
-    if (std::is_sorted(entries.begin(), entries.end())) {
-        return;
-    }
-    if (entries.size() >= worthCounting) {
-        sortByKeyDigits(entries);
-    }
-    // Mostly the records of one key came in order.
-    if (!std::is_sorted(entries.begin(), entries.end())) {
-        std::sort(entries.begin(), entries.end());
-    }
-}
+/// Recent entries are merged when there are more of them than this part of the settled ones.
+constexpr std::size_t recentPart = 8;
+/// Under so many entries in all one run is as good.
+constexpr std::size_t worthTwoRuns = 32768;
 
 }  // namespace
 
-/// Collects entries in order and cuts them into leaves.
-class SortedIndex::LeafWriter {
-  public:
-    explicit LeafWriter(SortedIndex& index) : index_(index) {}
-
-    void add(const Entry& entry) {
-        open();
-        open_->keys.push_back(entry.key);
-        open_->records.push_back(entry.record);
-        if (open_->keys.size() == largestLeaf) {
-            splitOpen();
-        }
-    }
-    void addRange(const Leaf& leaf, std::size_t first, std::size_t last) {
-        while (first < last) {
-            open();
-            const std::size_t count = std::min(last - first, largestLeaf - open_->keys.size());
-            const auto from = static_cast<std::ptrdiff_t>(first);
-            const auto to = static_cast<std::ptrdiff_t>(first + count);
-            open_->keys.insert(open_->keys.end(), leaf.keys.begin() + from, leaf.keys.begin() + to);
-            open_->records.insert(open_->records.end(), leaf.records.begin() + from,
-                                  leaf.records.begin() + to);
-            first += count;
-            if (open_->keys.size() == largestLeaf) {
-                splitOpen();
-            }
-        }
-    }
-    void share(const std::shared_ptr<const Leaf>& leaf) {
-        if (open_ && open_->keys.size() < smallLeaf) {
-            addRange(*leaf, 0, leaf->keys.size());
-            return;
-        }
-        close();
-        push(leaf);
-    }
-    /// A leaf of these entries.
-    void pushFilled(std::span<const Entry> entries) {
-        auto leaf = std::make_shared<Leaf>();
-        leaf->keys.reserve(entries.size());
-        leaf->records.reserve(entries.size());
-        for (const Entry& entry : entries) {
-            leaf->keys.push_back(entry.key);
-            leaf->records.push_back(entry.record);
-        }
-        push(std::move(leaf));
-    }
-    void close() {
-        if (open_) {
-            push(std::move(open_));
-            open_ = nullptr;
-        }
-    }
-
-  private:
-    void open() {
-        if (!open_) {
-            open_ = std::make_shared<Leaf>();
-            open_->keys.reserve(largestLeaf);
-            open_->records.reserve(largestLeaf);
-        }
-    }
-    /// Keeps the last part open, so that the next leaf is not a sliver.
-    void splitOpen() {
-        auto rest = std::make_shared<Leaf>();
-        rest->keys.reserve(largestLeaf);
-        rest->records.reserve(largestLeaf);
-        const auto cut = static_cast<std::ptrdiff_t>(filledLeaf);
-        rest->keys.assign(open_->keys.begin() + cut, open_->keys.end());
-        rest->records.assign(open_->records.begin() + cut, open_->records.end());
-        open_->keys.resize(filledLeaf);
-        open_->records.resize(filledLeaf);
-        push(std::move(open_));
-        open_ = std::move(rest);
-    }
-    void push(std::shared_ptr<const Leaf> leaf) {
-        index_.firsts_.push_back(leaf->at(0));
-        index_.size_ += leaf->keys.size();
-        index_.leaves_.push_back(std::move(leaf));
-    }
-
-    SortedIndex& index_;
-    std::shared_ptr<Leaf> open_;
-};
-
 std::shared_ptr<const SortedIndex> SortedIndex::build(std::vector<Entry> entries) {
-    sortEntries(entries);
     auto index = std::make_shared<SortedIndex>();
-    LeafWriter writer(*index);
-    for (std::size_t first = 0; first < entries.size(); first += filledLeaf) {
-        writer.pushFilled(
-            std::span(entries).subspan(first, std::min(filledLeaf, entries.size() - first)));
-    }
+    index->settled_ = IndexRun::build(std::move(entries));
     return index;
 }
 
 std::shared_ptr<const SortedIndex> SortedIndex::changed(std::vector<Entry> removed,
                                                         std::vector<Entry> added) const {
-    sortEntries(removed);
-    sortEntries(added);
-    auto next = std::make_shared<SortedIndex>();
-    next->leaves_.reserve(leaves_.size() + 1);
-    next->firsts_.reserve(leaves_.size() + 1);
-    LeafWriter writer(*next);
-    auto remove = removed.begin();
-    auto add = added.begin();
-    constexpr Entry last{std::numeric_limits<std::uint64_t>::max(),
-                         std::numeric_limits<RecordCounter>::max()};
-    for (std::size_t i = 0; i < leaves_.size(); ++i) {
-        const bool isLast = i + 1 == leaves_.size();
-        const Entry bound = isLast ? last : firsts_[i + 1];
-        const auto concerns = [&](auto position, auto end) {
-            return position != end && (isLast || *position < bound);
-        };
-        const Leaf& leaf = *leaves_[i];
-        if (!concerns(remove, removed.end()) && !concerns(add, added.end())) {
-            writer.share(leaves_[i]);
-            continue;
-        }
-        // Runs without a change are copied whole.
-        std::size_t copied = 0;
-        while (concerns(remove, removed.end()) || concerns(add, added.end())) {
-            const bool adds =
-                concerns(add, added.end()) && (!concerns(remove, removed.end()) || *add < *remove);
-            const std::size_t place = lowerBound(leaf, adds ? *add : *remove, copied);
-            writer.addRange(leaf, copied, place);
-            copied = place;
-            if (adds) {
-                writer.add(*add++);
-            } else {
-                if (place < leaf.keys.size() && leaf.at(place) == *remove) {
-                    copied = place + 1;
-                }
-                ++remove;
-            }
-        }
-        writer.addRange(leaf, copied, leaf.keys.size());
+    auto next = std::make_shared<SortedIndex>(*this);
+    if (!removed.empty()) {
+        next->settled_ = settled_->changed(removed, {});
     }
-    for (; add != added.end(); ++add) {
-        writer.add(*add);
+    const std::size_t entries = size() + added.size();
+    if (recent_->size() + added.size() <= entries / recentPart && entries >= worthTwoRuns) {
+        next->recent_ = recent_->changed(std::move(removed), std::move(added));
+        return next;
     }
-    writer.close();
+    if (recent_->size() != 0) {
+        std::vector<Entry> recent = recent_->changed(std::move(removed), {})->entries();
+        added.insert(added.end(), recent.begin(), recent.end());
+        next->recent_ = std::make_shared<const IndexRun>();
+    }
+    next->settled_ = next->settled_->changed({}, std::move(added));
     return next;
 }
 
-std::size_t SortedIndex::leafOf(const Entry& entry) const {
-    const auto after = std::upper_bound(firsts_.begin(), firsts_.end(), entry);
-    return after == firsts_.begin() ? 0 : static_cast<std::size_t>(after - firsts_.begin()) - 1;
-}
-
-std::size_t SortedIndex::lowerBound(const Leaf& leaf, const Entry& entry, std::size_t from) {
-    const auto keys = leaf.keys.begin();
-    const auto first =
-        std::lower_bound(keys + static_cast<std::ptrdiff_t>(from), leaf.keys.end(), entry.key);
-    if (first == leaf.keys.end() || *first != entry.key) {
-        return static_cast<std::size_t>(first - keys);
+std::size_t SortedIndex::placesBeforeRecent(const IndexRun::Stretch& stretch, std::size_t place,
+                                            const IndexRun::Cursor& recent) {
+    if (recent.isAtEnd() || stretch.at(stretch.size - 1) < recent.entry()) {
+        return stretch.size;
     }
-    // A key can have thousands of records: the plays of a favourite.
-    const auto last = std::upper_bound(first, leaf.keys.end(), entry.key);
-    const auto records = leaf.records.begin();
-    return static_cast<std::size_t>(
-        std::lower_bound(records + (first - keys), records + (last - keys), entry.record) -
-        records);
-}
-
-std::size_t SortedIndex::rankOf(const Entry& entry) const {
-    if (leaves_.empty()) {
-        return 0;
+    std::size_t end = place + 1;
+    while (end < stretch.size && stretch.at(end) < recent.entry()) {
+        ++end;
     }
-    const std::size_t leaf = leafOf(entry);
-    std::size_t rank = lowerBound(*leaves_[leaf], entry);
-    for (std::size_t i = 0; i < leaf; ++i) {
-        rank += leaves_[i]->keys.size();
-    }
-    return rank;
+    return end;
 }
 
 std::size_t SortedIndex::countBetween(std::uint64_t low, std::uint64_t high) const {
     if (low > high) {
         return 0;
     }
+    const auto rankOf = [this](const Entry& entry) {
+        return settled_->rankOf(entry) + recent_->rankOf(entry);
+    };
     const std::size_t end =
-        high == std::numeric_limits<std::uint64_t>::max() ? size_ : rankOf({high + 1, 0});
+        high == std::numeric_limits<std::uint64_t>::max() ? size() : rankOf({high + 1, 0});
     return end - rankOf({low, 0});
 }
 

@@ -2,9 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
+#include <map>
 #include <random>
 #include <set>
+#include <utility>
+#include <vector>
 
 #include "platform/coredata/IndexKeys.h"
 
@@ -70,6 +75,73 @@ TEST(SortedIndexTest, agreesWithAPlainSetThroughManyChanges) {
             ASSERT_EQ(index->countBetween(low, high), expected.size());
         }
     }
+}
+
+/// What a walk over all entries should say, from a plain set.
+std::vector<std::pair<RecordCounter, bool>> sharingOf(const std::set<Entry>& plain) {
+    std::map<std::uint64_t, int> counts;
+    for (const Entry& entry : plain) {
+        ++counts[entry.key];
+    }
+    std::vector<std::pair<RecordCounter, bool>> expected;
+    for (const Entry& entry : plain) {
+        expected.emplace_back(entry.record, counts[entry.key] > 1);
+    }
+    return expected;
+}
+
+TEST(SortedIndexTest, fewNewEntriesBesideManyAreFoundInOrder) {
+    std::mt19937 random(9);
+    std::set<Entry> plain;
+    RecordCounter next = 1;
+    const auto anyEntries = [&](std::size_t count) {
+        std::vector<Entry> entries;
+        while (entries.size() < count) {
+            entries.push_back({random() % 60000, next++});
+        }
+        plain.insert(entries.begin(), entries.end());
+        return entries;
+    };
+    auto index = SortedIndex::build(anyEntries(50000));
+    for (const std::size_t added : {1000U, 1U, 3000U, 0U, 2500U, 4000U, 10U, 9000U, 20U}) {
+        std::vector<Entry> removing;
+        std::copy_if(plain.begin(), plain.end(), std::back_inserter(removing),
+                     [&](const Entry&) { return random() % 500 == 0; });
+        // Of old ones and of those that came last.
+        removing.push_back(
+            *std::max_element(plain.begin(), plain.end(),
+                              [](const Entry& a, const Entry& b) { return a.record < b.record; }));
+        for (const Entry& entry : removing) {
+            plain.erase(entry);
+        }
+        const auto before = index;
+        index = index->changed(removing, anyEntries(added));
+        ASSERT_EQ(index->size(), plain.size());
+        ASSERT_EQ(entriesOf(*index, 0, ~0ULL), std::vector<Entry>(plain.begin(), plain.end()));
+        std::vector<std::pair<RecordCounter, bool>> sharing;
+        index->forEachEntry(
+            [&](RecordCounter record, bool isShared) { sharing.emplace_back(record, isShared); });
+        ASSERT_EQ(sharing, sharingOf(plain));
+        for (int i = 0; i < 300; ++i) {
+            const std::uint64_t low = random() % 61000;
+            const std::uint64_t high = low + random() % (i < 200 ? 3 : 20000);
+            const std::vector<Entry> expected(plain.lower_bound({low, 0}),
+                                              plain.lower_bound({high + 1, 0}));
+            ASSERT_EQ(entriesOf(*index, low, high), expected);
+            ASSERT_EQ(index->countBetween(low, high), expected.size());
+        }
+    }
+}
+
+TEST(SortedIndexTest, sharedKeysAreThoseOfTwoEntriesOrMore) {
+    const auto index = SortedIndex::build({{1, 4}, {2, 3}, {2, 9}, {3, 1}, {5, 5}, {5, 6}, {5, 7}});
+    std::vector<std::pair<RecordCounter, bool>> sharing;
+    index->forEachEntry(
+        [&](RecordCounter record, bool isShared) { sharing.emplace_back(record, isShared); });
+    EXPECT_EQ(sharing,
+              (std::vector<std::pair<RecordCounter, bool>>{
+                  {4, false}, {3, true}, {9, true}, {1, false}, {5, true}, {6, true}, {7, true}}));
+    SortedIndex().forEachEntry([](RecordCounter, bool) { FAIL() << "nothing is there"; });
 }
 
 TEST(SortedIndexTest, aKeyWithMoreEntriesThanALeafHolds) {
