@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "persistence/LoneRecords.h"
 #include "persistence/RVCoreDataManager.h"
 #include "platform/foundation/NSLog.h"
 #include "platform/foundation/NSUUID.h"
@@ -174,9 +175,10 @@ bool RVCoreDataManager::LastCleanUp::covers(const std::vector<NSManagedObjectID>
 }
 
 void RVCoreDataManager::foldTwinsAmong(const std::vector<NSManagedObjectID>& inserted,
-                                       NSManagedObjectContext& context) {
-    for (const NSManagedObjectID id : inserted) {
-        if (id.entity != NerindaEntity::PlaybackHistory) {
+                                       const LoneRecords& lone, NSManagedObjectContext& context) {
+    for (std::size_t place = 0; place < inserted.size(); ++place) {
+        const NSManagedObjectID id = inserted[place];
+        if (id.entity != NerindaEntity::PlaybackHistory || lone.isAlone(place)) {
             continue;
         }
         if (const std::optional<NSManagedObject> object = context.existingObjectWithID(id)) {
@@ -187,11 +189,14 @@ void RVCoreDataManager::foldTwinsAmong(const std::vector<NSManagedObjectID>& ins
 }
 
 void RVCoreDataManager::deleteDoubles(const std::vector<NSManagedObjectID>& inserted,
-                                      NSManagedObjectContext& context) {
+                                      const LoneRecords& lone, NSManagedObjectContext& context) {
     Doubles events(context, NerindaEntity::PlayEvent, PlayEventKey::eventDate);
     Doubles awards(context, NerindaEntity::Achievement, AchievementKey::identifier);
-    for (const NSManagedObjectID id : inserted) {
-        if (id.entity == NerindaEntity::PlaybackHistory) {
+    for (std::size_t place = 0; place < inserted.size(); ++place) {
+        const NSManagedObjectID id = inserted[place];
+        // One that has no like may still have no song.
+        if (id.entity == NerindaEntity::PlaybackHistory ||
+            (lone.isAlone(place) && !dataWasDeleted_)) {
             continue;
         }
         const std::optional<NSManagedObject> object = context.existingObjectWithID(id);
@@ -214,10 +219,12 @@ void RVCoreDataManager::cleanUp(const SavedObjectIDs& inserted, NSManagedObjectC
     if (std::exchange(lastCleanUp_, {}).covers(*inserted, *before)) {
         return;
     }
-    foldTwinsAmong(*inserted, context);
+    // What is folded here passes its identifiers on, but nobody gets one that is new to all.
+    const LoneRecords lone(*before, *inserted);
+    foldTwinsAmong(*inserted, lone, context);
     // Before an event can go that such a record's count has counted.
     foldings_.reunite(context);
-    deleteDoubles(*inserted, context);
+    deleteDoubles(*inserted, lone, context);
     if (!context.hasChanges()) {
         lastCleanUp_ = {inserted, before};
     } else if (context.save().ok()) {

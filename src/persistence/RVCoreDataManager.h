@@ -26,6 +26,8 @@
 
 namespace tavrion {
 
+class LoneRecords;
+
 class RVCoreDataManager final : public RecordStore {
   public:
     static constexpr const char* portName = "the data manager is plugged in";
@@ -70,8 +72,8 @@ class RVCoreDataManager final : public RecordStore {
     void observeValueForKeyPath(const std::string& keyPath);
     void cleanUp(const SavedObjectIDs& inserted, NSManagedObjectContext& context);
     static void foldTwinsAmong(const std::vector<NSManagedObjectID>& inserted,
-                               NSManagedObjectContext& context);
-    void deleteDoubles(const std::vector<NSManagedObjectID>& inserted,
+                               const LoneRecords& lone, NSManagedObjectContext& context);
+    void deleteDoubles(const std::vector<NSManagedObjectID>& inserted, const LoneRecords& lone,
                        NSManagedObjectContext& context);
     /// On the main queue.
     void writeMainContext(std::function<void()> whenSaved);
