@@ -73,13 +73,15 @@ void MainQueue::workEnded(std::size_t left) {
 
 void MainQueue::async(Work work) {
     const auto wakeFunction = wakeFunction_;
+    bool wasAwake = false;
     {
         // Notified under the lock: afterwards the work may have run and the queue may be gone.
         MutexLock lock(mutex_);
         queued_.push_back(std::move(work));
+        wasAwake = std::exchange(isAwake_, true);
         wake_.notifyAll();
     }
-    if (wakeFunction && *wakeFunction) {
+    if (!wasAwake && wakeFunction && *wakeFunction) {
         (*wakeFunction)();
     }
 }
@@ -123,6 +125,7 @@ bool MainQueue::runOne() {
     {
         MutexLock lock(mutex_);
         if (queued_.empty()) {
+            isAwake_ = false;
             return false;
         }
         work = std::move(queued_.front());
@@ -147,6 +150,24 @@ std::size_t MainQueue::runPending() {
         ++ran;
     }
     return ran;
+}
+
+bool MainQueue::runPending(double budget) {
+    assertCurrent();
+    const auto start = std::chrono::steady_clock::now();
+    while (runOne()) {
+        const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+        if (spent.count() >= budget) {
+            return endTurn();
+        }
+    }
+    return false;
+}
+
+bool MainQueue::endTurn() {
+    MutexLock lock(mutex_);
+    isAwake_ = !queued_.empty();
+    return isAwake_;
 }
 
 bool MainQueue::isEmpty() const {
@@ -205,6 +226,9 @@ void MainQueue::runUntil(const std::function<bool()>& done) {
         // unfulfilled.
         const bool othersIdle = DispatchActivity::count() == 0;
         if (done()) {
+            if (endTurn() && wakeFunction_ && *wakeFunction_) {
+                (*wakeFunction_)();
+            }
             return;
         }
         if (!runOne() && !(othersIdle && fireStillTimer())) {

@@ -2,8 +2,9 @@
 //
 // Queue: async() from any queue; run functions on the main thread only (the one that made the
 // object). Who owns: the composition root makes one and plugs it with Port<MainQueue>. A program
-// with a toolkit sets a wake function and calls runPending() from the toolkit's loop; a program
-// without one calls runUntilIdle().
+// with a toolkit sets a wake function and calls runPending(budget) from the toolkit's loop, so that
+// a frame is never late for a long queue; a program without one calls runUntilIdle(). Units:
+// seconds of real time.
 #pragma once
 
 #include <cstddef>
@@ -35,6 +36,9 @@ class MainQueue final : public DispatchQueue {
 
     /// Runs what is queued now, and what that queues; returns how many pieces ran.
     std::size_t runPending();
+    /// The same for a turn of the toolkit's loop: begins no other piece once `budget` is spent, but
+    /// always runs one. True when more is queued; the caller then comes again without being woken.
+    [[nodiscard]] bool runPending(double budget);
     /// Runs until nothing is queued here, every other queue is idle, and no timer is due any more.
     /// With a clock that stands still all timers fire, one after the other in the order of their
     /// times; with a running clock this waits for timers only when `waitForTimers` is set.
@@ -44,7 +48,8 @@ class MainQueue final : public DispatchQueue {
     /// timer fires when all queues are idle and `done` does not hold yet.
     void runUntil(const std::function<bool()>& done);
 
-    /// Called from any thread when work comes. Set once, before other threads know the queue.
+    /// Called from any thread when work comes to an empty queue, once: not again before the queue
+    /// has been run empty. Set once, before other threads know the queue.
     void setWakeFunction(std::function<void()> wake) {
         wakeFunction_ = std::make_shared<const std::function<void()>>(std::move(wake));
     }
@@ -55,6 +60,8 @@ class MainQueue final : public DispatchQueue {
     MainQueue();
     class EachEndWatch;
     bool runOne();
+    /// Whether more is queued; if not, the next work wakes again.
+    bool endTurn();
     bool isEmpty() const;
     /// Other queues' work ended; `left` is still to be done.
     void workEnded(std::size_t left);
@@ -68,6 +75,8 @@ class MainQueue final : public DispatchQueue {
     mutable Mutex mutex_;
     ConditionVariable wake_;
     std::deque<Work> queued_ TAVRION_GUARDED_BY(mutex_);
+    /// The toolkit's loop was woken, or is here: work that comes need not wake it.
+    bool isAwake_ TAVRION_GUARDED_BY(mutex_) = false;
     bool workEnded_ TAVRION_GUARDED_BY(mutex_) = false;
     /// While not 0, the run loop looks up after every piece of other queues, not only after the
     /// last.
