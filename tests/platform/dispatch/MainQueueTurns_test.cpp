@@ -21,6 +21,10 @@ class MainQueueTurnsTest : public test::DispatchTest {
     MainQueueTurnsTest() {
         mainQueue->setWakeFunction([this] { ++wakes; });
     }
+    ~MainQueueTurnsTest() override {
+        // What a test leaves queued still uses the members.
+        mainQueue->runUntilIdle();
+    }
     void spend(std::chrono::milliseconds time) {
         mainQueue->async([time] { std::this_thread::sleep_for(time); });
     }
