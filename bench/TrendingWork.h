@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "bench/Fixtures.h"
+#include "timeviews/RVDateRangeSelectorViewController.h"
 #include "timeviews/RVTrendingCollectionViewController.h"
 
 namespace tavrion::bench {

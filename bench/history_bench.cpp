@@ -9,6 +9,7 @@
 #include "bench/Fixtures.h"
 #include "platform/foundation/NSKeyedArchiver.h"
 #include "recording/RVPlaybackHistoryManager.h"
+#include "timeviews/RVDateRangeSelectorViewController.h"
 #include "timeviews/RVHistoryTableViewViewController.h"
 
 namespace tavrion::bench {
@@ -33,7 +34,7 @@ bool agrees(const RVHistoryTableViewViewController& screen, const peer_totals& p
         listed += screen.snapshot().numberOfItemsInSection(section);
     }
     double seconds = 0;
-    for (const HistoryBar& bar : screen.statCell().chart->bars) {
+    for (const HistoryBar& bar : screen.state()->statCell.chart->bars) {
         seconds += bar.y;
     }
     return static_cast<std::int64_t>(listed) == peers.plays &&
@@ -65,10 +66,11 @@ void showPeer(benchmark::State& state, double start, double end) {
 // A reader beside a scan
 
 /// Starts the next update when the one before is shown, and notes how long each took.
-class UpdatingScreen final : public HistoryScreen {
+class UpdatingScreen final : public ScreenPort<HistoryPage> {
   public:
     void updateUntilStopped() {
-        controller_ = RVHistoryTableViewViewController::make(this);
+        controller_ = RVHistoryTableViewViewController::make();
+        attachment_ = controller_->attach(*this);
         update();
     }
     void stop() { isStopped_ = true; }
@@ -76,25 +78,20 @@ class UpdatingScreen final : public HistoryScreen {
     /// In milliseconds.
     double longest() const { return longest_; }
 
-    void applySnapshot(const NSDiffableDataSourceSnapshot& snapshot, bool) override {
-        if (snapshot.numberOfSections() == 0) {
+    void stateDidChange(std::shared_ptr<const HistoryPage> state, StateChange) override {
+        const auto before = std::exchange(page_, std::move(state));
+        if (page_->list != before->list) {
+            if (page_->list->numberOfSections() == 0) {
+                finish();
+            } else {
+                controller_->statCellDidAppear();
+            }
+        }
+        if (page_->chartRisings != before->chartRisings) {
             finish();
         }
     }
-    void chartDidChange(const HistoryChart&) override { finish(); }
-    bool isStatCellOnHand() const override { return true; }
-    void setBackgroundViewHidden(bool) override {}
-    void totalsDidChange(const RVHistoryStatCell&) override {}
-    void chartColorsDidChange(const HistoryChart&) override {}
-    void dateRangeTitleDidChange() override {}
-    void setShowsProgress(bool) override {}
-    void endRefreshing() override {}
-    void scrollToTop() override {}
-    void presentDateRangeSelector(std::unique_ptr<RVDateRangeSelectorViewController>) override {}
-    void presentTooltip(const std::string&, const std::string&, std::function<void()>) override {}
-    void presentQuestion(const HistoryDeletionQuestion&, std::function<void()>) override {}
-    void presentCreatePlaylist(HistoryPlaylist) override {}
-    void pushEntity(const MPMediaEntity&) override {}
+    void emit(ScreenEvent) override {}
 
   private:
     void update() {
@@ -112,7 +109,9 @@ class UpdatingScreen final : public HistoryScreen {
         }
     }
 
+    std::shared_ptr<const HistoryPage> page_ = std::make_shared<HistoryPage>();
     std::shared_ptr<RVHistoryTableViewViewController> controller_;
+    ScreenAttachment attachment_;
     std::chrono::steady_clock::time_point begin_;
     double longest_ = 0;
     std::size_t updates_ = 0;

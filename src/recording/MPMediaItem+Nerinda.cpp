@@ -48,35 +48,28 @@ class AlbumKey {
 /// The lenient conditions by which a record knows its song: any one of them is enough.
 class LenientConditions {
   public:
-    explicit LenientConditions(const PlaybackHistory& history)
-        : title_(history.title().value_or("")), duration_(history.duration()) {
-        if (auto identifier = history.storeID(); identifier && isReal(*identifier)) {
-            storeID_ = std::move(identifier);
-        }
-        if (auto identifier = history.libraryID(); identifier && isReal(*identifier)) {
-            libraryID_ = std::move(identifier);
-        }
-    }
+    explicit LenientConditions(const SongIdentity& song)
+        : song_(song),
+          storeID_(song.storeID && isReal(*song.storeID)),
+          libraryID_(song.libraryID && isReal(*song.libraryID)) {}
 
-    const std::string& title() const { return title_; }
     bool holdFor(const MPMediaItem& item) const {
-        return (!title_.empty() && item.title() == title_ &&
-                item.playbackDuration() == duration_) ||
-               (storeID_ && presentStoreID(item) == *storeID_) ||
-               (libraryID_ && item.cloudUniversalLibraryId() == *libraryID_);
+        return (!song_.title.empty() && item.title() == song_.title &&
+                item.playbackDuration() == song_.duration) ||
+               (storeID_ && presentStoreID(item) == *song_.storeID) ||
+               (libraryID_ && item.cloudUniversalLibraryId() == *song_.libraryID);
     }
 
   private:
-    std::string title_;
-    double duration_;
-    std::optional<std::string> storeID_;
-    std::optional<std::string> libraryID_;
+    const SongIdentity& song_;
+    bool storeID_;
+    bool libraryID_;
 };
 
-/// A lone song is taken without a test.
-std::optional<MPMediaItem> firstMatch(const MPMediaQuery& query,
+/// The first of several songs, in library order, for which a condition holds; a lone song is taken
+/// without a test.
+std::optional<MPMediaItem> firstMatch(const std::vector<MPMediaItem>& items,
                                       const LenientConditions& conditions) {
-    const std::vector<MPMediaItem> items = query.items();
     if (items.size() == 1) {
         return items.front();
     }
@@ -154,26 +147,37 @@ std::optional<MPMediaItem> mediaItemForEvent(const PlayEvent& event) {
 }
 
 std::optional<MPMediaItem> mediaItemForHistory(PlaybackHistory& history) {
-    const LenientConditions conditions(history);
-    MPMediaQuery query = RVQueryManager::defaultQuery();
-    query.setValueForKey(true, "shouldIncludeNonLibraryEntities");
-    std::optional<MPMediaItem> found;
-    if (conditions.title().empty()) {
-        found = firstMatch(query, conditions);
-    } else {
-        const auto sameTitle = MPMediaPropertyPredicate::predicateWithValue(
-            Value(conditions.title()), MPMediaItemPropertyTitle);
-        query.addFilterPredicate(sameTitle);
-        found = firstMatch(query, conditions);
-        if (!found) {
-            query.removeFilterPredicate(sameTitle);
-            found = firstMatch(query, conditions);
-        }
-    }
-    if (found && found->title() && *found->title() != history.title().value_or("")) {
-        history.setTitle(found->title());
+    auto found = mediaItemForIdentity(SongIdentity::of(history));
+    if (found) {
+        takeTitleOver(*found, history);
     }
     return found;
+}
+
+SongIdentity SongIdentity::of(const PlaybackHistory& history) {
+    return {history.title().value_or(""), history.duration(), history.storeID(),
+            history.libraryID()};
+}
+
+std::optional<MPMediaItem> mediaItemForIdentity(const SongIdentity& song) {
+    const LenientConditions conditions(song);
+    MPMediaQuery query = RVQueryManager::defaultQuery();
+    query.setValueForKey(true, "shouldIncludeNonLibraryEntities");
+    if (!song.title.empty()) {
+        MPMediaQuery ofTitle = query;
+        ofTitle.addFilterPredicate(MPMediaPropertyPredicate::predicateWithValue(
+            Value(song.title), MPMediaItemPropertyTitle));
+        if (auto found = firstMatch(ofTitle.items(), conditions)) {
+            return found;
+        }
+    }
+    return firstMatch(query.items(), conditions);
+}
+
+void takeTitleOver(const MPMediaItem& item, PlaybackHistory& history) {
+    if (item.title() && *item.title() != history.title().value_or("")) {
+        history.setTitle(item.title());
+    }
 }
 
 bool existsInLibrary(const MPMediaItem& item) {

@@ -39,6 +39,22 @@ std::optional<MPMediaItem> mediaItemForEvent(const PlayEvent& event);
 /// library. Takes the song's title over into the record.
 std::optional<MPMediaItem> mediaItemForHistory(PlaybackHistory& history);
 
+/// What leads from a record to its song, apart from the record's context.
+struct SongIdentity {
+    /// Empty when the record has none.
+    std::string title;
+    double duration = 0;
+    std::optional<std::string> storeID;
+    std::optional<std::string> libraryID;
+
+    static SongIdentity of(const PlaybackHistory& history);
+    bool operator==(const SongIdentity&) const = default;
+};
+/// The song that mediaItemForHistory() finds, on any queue and without a change of the record.
+std::optional<MPMediaItem> mediaItemForIdentity(const SongIdentity& song);
+/// The song's title becomes the record's.
+void takeTitleOver(const MPMediaItem& item, PlaybackHistory& history);
+
 /// The item itself, so that code for a collection also works on a song.
 inline const MPMediaItem& representativeItem(const MPMediaItem& item) {
     return item;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/dispatch/MainQueue.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "recording/RecordStore.h"
 
 namespace tavrion {
@@ -22,13 +22,6 @@ void deleteRecord(NSManagedObjectContext& context, NSManagedObjectID id) {
 
 }  // namespace
 
-void RVHistoryTableViewDiffableDataSource::applySnapshot(NSDiffableDataSourceSnapshot snapshot,
-                                                         bool animatingDifferences) {
-    Port<MainQueue>::current().assertCurrent();
-    snapshot_ = std::move(snapshot);
-    applied_(snapshot_, animatingDifferences);
-}
-
 UITableViewCellEditingStyle RVHistoryTableViewDiffableDataSource::editingStyleForRowAtIndexPath(
     NSIndexPath indexPath) const {
     return canEditRowAtIndexPath(indexPath) ? UITableViewCellEditingStyle::deletion
@@ -37,16 +30,20 @@ UITableViewCellEditingStyle RVHistoryTableViewDiffableDataSource::editingStyleFo
 
 void RVHistoryTableViewDiffableDataSource::commitEditingStyle(UITableViewCellEditingStyle style,
                                                               NSIndexPath forRowAtIndexPath) {
-    const auto identifier = snapshot_.itemIdentifierForIndexPath(forRowAtIndexPath);
+    const auto identifier = shown_().itemIdentifierForIndexPath(forRowAtIndexPath);
     if (style != UITableViewCellEditingStyle::deletion ||
         !canEditRowAtIndexPath(forRowAtIndexPath) || !identifier) {
         return;
     }
-    question_([weak = weak_from_this(), identifier = *identifier] {
+    const auto confirmed = [weak = weak_from_this(), identifier = *identifier] {
         if (const auto self = weak.lock()) {
             self->deletePlay(identifier);
         }
-    });
+    };
+    present_({NSLocalizedString("Are you sure?"),
+              NSLocalizedString("Deleted playback events can not be recovered."),
+              {{NSLocalizedString("Delete"), UIAlertActionStyle::destructive, confirmed},
+               {NSLocalizedString("Cancel"), UIAlertActionStyle::cancel}}});
 }
 
 void RVHistoryTableViewDiffableDataSource::deletePlay(const Value& identifier) {
@@ -56,9 +53,9 @@ void RVHistoryTableViewDiffableDataSource::deletePlay(const Value& identifier) {
                 deleteRecord(*context, id);
             });
     }
-    NSDiffableDataSourceSnapshot rest = snapshot_;
+    NSDiffableDataSourceSnapshot rest = shown_();
     rest.deleteItem(identifier);
-    applySnapshot(std::move(rest), true);
+    apply_(rest, true);
     if (didDelete) {
         didDelete(identifier);
     }

@@ -1,12 +1,13 @@
 // The list of the History screen, whose rows the user may delete.
 //
-// Queue: main; what is deleted is deleted on the queue of the context. Who owns: the controller. A
-// question under way keeps it alive no longer than that.
+// Queue: main; what is deleted is deleted on the queue of the context. Who owns: the controller,
+// which outlives it and holds what is listed; a question under way does not keep it alive.
 #pragma once
 
 #include <functional>
 #include <memory>
 
+#include "kit/Alert.h"
 #include "kit/NSDiffableDataSourceSnapshot.h"
 #include "platform/coredata/NSManagedObjectContext.h"
 
@@ -18,19 +19,19 @@ enum class UITableViewCellEditingStyle { none = 0, deletion = 1 };
 class RVHistoryTableViewDiffableDataSource
     : public std::enable_shared_from_this<RVHistoryTableViewDiffableDataSource> {
   public:
-    /// Asks the user, and calls `confirmed` when the play is to be deleted.
-    using Question = std::function<void(std::function<void()> confirmed)>;
+    using Snapshot = NSDiffableDataSourceSnapshot;
+    /// What is listed now.
+    using Shown = std::function<const Snapshot&()>;
     /// Shows the list.
-    using Applied = std::function<void(const NSDiffableDataSourceSnapshot&, bool animated)>;
+    using Apply = std::function<void(const Snapshot&, bool animated)>;
+    using Present = std::function<void(Alert)>;
 
     RVHistoryTableViewDiffableDataSource(std::shared_ptr<NSManagedObjectContext> privateContext,
-                                         Applied applied, Question question)
+                                         Shown shown, Apply apply, Present present)
         : privateContext_(std::move(privateContext)),
-          applied_(std::move(applied)),
-          question_(std::move(question)) {}
-
-    const NSDiffableDataSourceSnapshot& snapshot() const { return snapshot_; }
-    void applySnapshot(NSDiffableDataSourceSnapshot snapshot, bool animatingDifferences);
+          shown_(std::move(shown)),
+          apply_(std::move(apply)),
+          present_(std::move(present)) {}
 
     /// Every row below the totals.
     bool canEditRowAtIndexPath(NSIndexPath indexPath) const { return indexPath.section > 0; }
@@ -46,9 +47,9 @@ class RVHistoryTableViewDiffableDataSource
     void deletePlay(const Value& identifier);
 
     const std::shared_ptr<NSManagedObjectContext> privateContext_;
-    const Applied applied_;
-    const Question question_;
-    NSDiffableDataSourceSnapshot snapshot_;
+    const Shown shown_;
+    const Apply apply_;
+    const Present present_;
 };
 
 }  // namespace tavrion

@@ -1,115 +1,68 @@
 // The chart, and what choosing one of its bars does.
 #include <utility>
 
-#include "library/RVMetadataManager.h"
 #include "platform/dispatch/MainQueue.h"
 #include "timeviews/HistoryPlays.h"
+#include "timeviews/HistoryUpdates.h"
 #include "timeviews/RVHistoryTableViewViewController.h"
 
 namespace tavrion {
 
-struct RVHistoryTableViewViewController::BarSelection {
-    NSDiffableDataSourceSnapshot snapshot;
-    PlayTotals totals;
-};
+using Controller = RVHistoryTableViewViewController;
 
-void RVHistoryTableViewViewController::layoutStatViews() {
+void Controller::layoutStatViews() {
     privateContext_->performBlock([weak = weak_from_this(), context = privateContext_] {
         const DateRange range = DateRange::stored(DateRangeKey::history);
-        HistoryChart chart = historyChart(*context->snapshot(), range, range.interval());
-        Port<MainQueue>::current().async([weak, chart = std::move(chart)]() mutable {
-            const auto self = weak.lock();
-            if (!self || !self->isStatCellOnHand()) {
-                return;
-            }
-            self->statCell_.chart = std::move(chart);
-            if (self->screen_ != nullptr) {
-                self->screen_->chartDidChange(*self->statCell_.chart);
-            }
-        });
+        toMain(weak, [chart = historyChart(*context->snapshot(), range, range.interval())](
+                         Controller& self) mutable { self.apply(std::move(chart)); });
     });
 }
 
-void RVHistoryTableViewViewController::chartValueSelected(const HistoryBar& entry) {
+void Controller::apply(HistoryChart chart) {
+    if (isStatCellOnHand()) {
+        change([&](HistoryPage& page) { page.showChart(std::move(chart)); });
+    }
+}
+
+void Controller::chartValueSelected(const HistoryBar& entry) {
     Port<MainQueue>::current().assertCurrent();
-    if (entry.y == 0 || !entry.data) {
-        clearHighlight();
+    HistoryPage page = *state();
+    if (!page.highlight(entry)) {
+        change([](HistoryPage& present) { present.clearHighlight(); });
         chartValueNothingSelected();
         return;
     }
-    if (statCell_.chart) {
-        statCell_.chart->highlightedX = entry.x;
-    }
-    recolorChart(HistoryBarColors::whileChosen());
-    privateContext_->performBlock(
-        [weak = weak_from_this(), context = privateContext_, date = *entry.data] {
-            const auto self = weak.lock();
-            if (!self) {
-                return;
-            }
-            const bool isCurrentYear = DateRange::stored(DateRangeKey::history).isCurrentYear();
-            if (isCurrentYear) {
-                self->shouldDisplayMonthTitles_ = true;
-            }
-            const NSDateInterval span = spanOfHistoryBar(date, isCurrentYear);
-            const HistoryPlays plays(context->snapshot(), span.startDate(), span.endDate());
-            BarSelection selection{plays.inOneSection(date), plays.totals()};
-            Port<MainQueue>::current().async([weak, selection = std::move(selection)]() mutable {
-                if (const auto controller = weak.lock()) {
-                    controller->applySelection(std::move(selection));
-                }
-            });
-        });
+    privateContext_->performBlock([weak = weak_from_this(), updates = updates_,
+                                   context = privateContext_, date = *entry.data] {
+        const bool isCurrentYear = DateRange::stored(DateRangeKey::history).isCurrentYear();
+        if (isCurrentYear) {
+            updates->shouldDisplayMonthTitles = true;
+        }
+        toMain(weak, [selection = HistorySelection::of(context->snapshot(), date, isCurrentYear)](
+                         Controller& self) mutable { self.applySelection(std::move(selection)); });
+    });
+    publish(std::make_shared<const HistoryPage>(std::move(page)));
 }
 
-void RVHistoryTableViewViewController::applySelection(BarSelection selection) {
-    if (!deselectSnapshot_) {
-        deselectSnapshot_ = snapshot();
+void Controller::applySelection(HistorySelection selection) {
+    const PlayTotals totals = selection.totals;
+    change([&](HistoryPage& page) {
+        page.showSelection(std::move(selection));
+        page.showsMonthTitles = updates_->shouldDisplayMonthTitles;
+    });
+    if (isStatCellOnHand()) {
+        change([&](HistoryPage& page) { page.showSelectionTotals(totals); });
     }
-    dataSource_->applySnapshot(std::move(selection.snapshot), false);
-    if (!isStatCellOnHand()) {
-        return;
-    }
-    if (!deselectCount_) {
-        deselectCount_ = statCell_.playsLabel;
-    }
-    if (!deselectMinutes_) {
-        deselectMinutes_ = statCell_.durationLabel;
-    }
-    setTotals(RVMetadataManager::formattedCount(selection.totals.songs),
-              RVMetadataManager::formattedMinutesForDuration(selection.totals.seconds));
 }
 
-void RVHistoryTableViewViewController::chartValueNothingSelected() {
+void Controller::chartValueNothingSelected() {
     Port<MainQueue>::current().assertCurrent();
-    recolorChart({});
-    if (deselectSnapshot_) {
-        dataSource_->applySnapshot(*std::exchange(deselectSnapshot_, std::nullopt), false);
-    }
-    if (isStatCellOnHand() && (deselectCount_ || deselectMinutes_)) {
-        // What was not kept stays as it is.
-        setTotals(std::exchange(deselectCount_, std::nullopt).value_or(statCell_.playsLabel),
-                  std::exchange(deselectMinutes_, std::nullopt).value_or(statCell_.durationLabel));
-    }
-}
-
-void RVHistoryTableViewViewController::recolorChart(const HistoryBarColors& colors) {
-    if (!statCell_.chart) {
-        return;
-    }
-    statCell_.chart->colors = colors;
-    if (screen_ != nullptr) {
-        screen_->chartColorsDidChange(*statCell_.chart);
-    }
-}
-
-void RVHistoryTableViewViewController::clearHighlight() {
-    if (!statCell_.chart || !statCell_.chart->highlightedX) {
-        return;
-    }
-    statCell_.chart->highlightedX = std::nullopt;
-    if (screen_ != nullptr) {
-        screen_->chartColorsDidChange(*statCell_.chart);
+    change([&](HistoryPage& page) {
+        page.clearSelection();
+        page.showsMonthTitles = updates_->shouldDisplayMonthTitles;
+    });
+    if (isStatCellOnHand() && (state()->deselectCount || state()->deselectMinutes)) {
+        change([](HistoryPage& page) { page.restoreTotals(); });
     }
 }
 

@@ -1,19 +1,13 @@
-// The rows of the list and the titles of its days.
+// The rows of the list, and where they lead.
 #include <utility>
 
 #include "library/RVMetadataManager.h"
 #include "platform/dispatch/MainQueue.h"
-#include "recording/MPMediaItem+Nerinda.h"
 #include "recording/RecordStore.h"
 #include "timeviews/RVHistoryTableViewViewController.h"
 
 namespace tavrion {
 namespace {
-
-std::optional<PlayEvent> eventOf(NSManagedObjectContext& context, NSManagedObjectID id) {
-    const auto object = context.existingObjectWithID(id);
-    return object ? std::optional<PlayEvent>(*object) : std::nullopt;
-}
 
 /// The play in that row of the list.
 std::optional<NSManagedObjectID> playAt(const NSDiffableDataSourceSnapshot& snapshot,
@@ -24,80 +18,78 @@ std::optional<NSManagedObjectID> playAt(const NSDiffableDataSourceSnapshot& snap
     return play != nullptr ? std::optional(NSManagedObjectID::of(*play)) : std::nullopt;
 }
 
-NSAttributedString propertyOf(const PlayEvent& event) {
-    NSAttributedString property = RVMetadataManager::attributedString(
-        RVMetadataManager::formattedEventDate(event.eventDate()),
-        UIImage::systemImageNamed("play.fill", {.scale = UIImageSymbolScale::small}));
-    if (event.isInterpolated()) {
-        property.appendString("*");
+NSManagedObjectContext& mainContext() {
+    return *Port<RecordStore>::current().mainContext();
+}
+
+void takeOver(const std::optional<HistoryRow>& row, NSManagedObjectID play) {
+    if (row && row->item) {
+        HistoryRows::takeOver(*row->item, play, mainContext());
     }
-    return property;
 }
 
 }  // namespace
 
-std::optional<std::string> RVHistoryTableViewViewController::titleForHeaderInSection(
-    std::size_t section) const {
-    if (section == 0 || snapshot().numberOfItemsInSection(section) == 0) {
+std::optional<HistoryRow> RVHistoryTableViewViewController::rowAtIndexPath(
+    NSIndexPath indexPath, const std::optional<UIFont>& font) {
+    const auto play = playAt(snapshot(), indexPath);
+    if (!play) {
         return std::nullopt;
     }
-    const auto* date = snapshot().sectionIdentifier(section).get<NSDate>();
-    if (date == nullptr) {
-        return std::nullopt;
-    }
-    return shouldDisplayMonthTitles_ ? RVMetadataManager::formattedMonth(*date)
-                                     : RVMetadataManager::formattedDate(*date, false);
-}
-
-HistoryRow RVHistoryTableViewViewController::rowOfEvent(const PlayEvent& event,
-                                                        std::optional<MPMediaItem> item,
-                                                        const std::optional<UIFont>& font) {
-    HistoryRow row;
-    if (const auto history = event.parentHistory()) {
-        row.title = NSAttributedString(history->title().value_or(""));
-        row.subtitle = history->artist();
-    }
-    row.item = std::move(item);
-    if (!row.item) {
-        return row;
-    }
-    if (auto title = RVMetadataManager::titleForMediaEntity(*row.item, font)) {
-        row.title = *std::move(title);
-    }
-    if (auto subtitle = RVMetadataManager::subtitleForMediaEntity(*row.item)) {
-        row.subtitle = std::move(subtitle);
-    }
-    row.property = propertyOf(event);
+    auto row = rows_->rowOf(*mainContext().snapshot(), *play, font);
+    takeOver(row, *play);
     return row;
 }
 
-std::optional<HistoryRow> RVHistoryTableViewViewController::rowAtIndexPath(
-    NSIndexPath indexPath, const std::optional<UIFont>& font) const {
+ScreenRequest RVHistoryTableViewViewController::loadRow(NSIndexPath indexPath,
+                                                        const std::optional<UIFont>& font,
+                                                        std::function<void(HistoryRow)> loaded) {
     const auto play = playAt(snapshot(), indexPath);
-    const auto event =
-        play ? eventOf(*Port<RecordStore>::current().mainContext(), *play) : std::nullopt;
-    return event ? std::optional(rowOfEvent(*event, Nerinda::mediaItemForEvent(*event), font))
-                 : std::nullopt;
+    if (!play) {
+        return {};
+    }
+    return load(
+        *rowHandlingQueue_,
+        [rows = rows_, context = Port<RecordStore>::current().mainContext(), play = *play, font] {
+            return rows->rowOf(*context->snapshot(), play, font);
+        },
+        [play = *play, loaded = std::move(loaded)](std::optional<HistoryRow> row) {
+            takeOver(row, play);
+            if (row) {
+                loaded(*std::move(row));
+            }
+        });
 }
 
-void RVHistoryTableViewViewController::loadArtwork(const MPMediaItem& item,
-                                                   std::function<void(UIImage)> loaded) {
-    imageHandlingQueue_->async([item, loaded = std::move(loaded)] {
-        Port<MainQueue>::current().async(
-            [loaded, artwork = RVMetadataManager::artworkForEntity(item)] { loaded(artwork); });
-    });
+ScreenRequest RVHistoryTableViewViewController::loadArtwork(const MPMediaItem& item,
+                                                            std::function<void(UIImage)> loaded) {
+    return load(
+        *imageHandlingQueue_, [item] { return RVMetadataManager::artworkForEntity(item); },
+        std::move(loaded));
+}
+
+std::optional<MPMediaItem> RVHistoryTableViewViewController::itemForContextMenu(
+    NSIndexPath indexPath) {
+    const auto row = rowAtIndexPath(indexPath, std::nullopt);
+    return row ? row->item : std::nullopt;
 }
 
 void RVHistoryTableViewViewController::didSelectRowAtIndexPath(NSIndexPath indexPath) {
-    const auto play = playAt(snapshot(), indexPath);
-    if (!play || screen_ == nullptr) {
-        return;
+    if (const auto item = itemForContextMenu(indexPath)) {
+        emit(EntityRoute{*item});
     }
-    const auto event = eventOf(*Port<RecordStore>::current().mainContext(), *play);
-    const auto item = event ? Nerinda::mediaItemForEvent(*event) : std::nullopt;
-    if (item) {
-        screen_->pushEntity(*item);
+}
+
+void RVHistoryTableViewViewController::createPlaylist() {
+    PlaylistRequest request{dateRangeTitle().textWithoutAttachments(), {}};
+    request.songs.reserve(snapshot().numberOfItems());
+    for (const Value& identifier : snapshot().itemIdentifiers()) {
+        // The row of the totals stands for no song.
+        if (const auto* play = identifier.get<ObjectReference>()) {
+            request.songs.emplace_back(NSManagedObjectID::of(*play));
+        }
     }
+    emit(std::move(request));
 }
 
 }  // namespace tavrion

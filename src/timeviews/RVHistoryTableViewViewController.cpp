@@ -2,15 +2,18 @@
 
 #include <utility>
 
-#include "library/RVMetadataManager.h"
 #include "platform/dispatch/MainQueue.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "recording/NerindaModel.h"
 #include "recording/RVPlaybackHistoryManager.h"
 #include "recording/RecordStore.h"
 #include "timeviews/HistoryPlays.h"
+#include "timeviews/HistoryUpdates.h"
 
 namespace tavrion {
+
+using Controller = RVHistoryTableViewViewController;
+
 namespace {
 
 constexpr NSTimeInterval tooltipDelay = 0.3;
@@ -47,62 +50,52 @@ void deleteStrays(NSManagedObjectContext& context, const StoreVersion& records) 
 
 }  // namespace
 
-struct RVHistoryTableViewViewController::ListUpdate {
-    NSDiffableDataSourceSnapshot snapshot;
-    PlayTotals totals;
-};
-
-std::shared_ptr<RVHistoryTableViewViewController> RVHistoryTableViewViewController::make(
-    HistoryScreen* screen) {
-    std::shared_ptr<RVHistoryTableViewViewController> controller(
-        new RVHistoryTableViewViewController(screen));
+std::shared_ptr<Controller> Controller::make() {
+    std::shared_ptr<Controller> controller(new Controller());
+    controller->updates_->controller = controller;
     controller->makeDataSource();
     return controller;
 }
 
-RVHistoryTableViewViewController::RVHistoryTableViewViewController(HistoryScreen* screen)
-    : screen_(screen), privateContext_(Port<RecordStore>::current().privateContext()) {}
+Controller::RVHistoryTableViewViewController()
+    : privateContext_(Port<RecordStore>::current().privateContext()),
+      updates_(std::make_shared<Updates>()) {
+    updates_->context = privateContext_;
+}
 
 // Life
 
-void RVHistoryTableViewViewController::makeDataSource() {
+void Controller::makeDataSource() {
     dataSource_ = std::make_shared<RVHistoryTableViewDiffableDataSource>(
-        privateContext_,
-        [weak = weak_from_this()](const NSDiffableDataSourceSnapshot& snapshot, bool animated) {
-            const auto self = weak.lock();
-            if (self && self->screen_ != nullptr) {
-                self->screen_->applySnapshot(snapshot, animated);
-            }
-        },
-        [weak = weak_from_this()](std::function<void()> confirmed) {
-            const auto self = weak.lock();
-            if (self && self->screen_ != nullptr) {
-                self->screen_->presentQuestion(
-                    {NSLocalizedString("Are you sure?"),
-                     NSLocalizedString("Deleted playback events can not be recovered."),
-                     NSLocalizedString("Delete"), NSLocalizedString("Cancel")},
-                    std::move(confirmed));
-            }
-        });
+        privateContext_, [this]() -> const auto& { return snapshot(); },
+        ifAlive([](Controller& self, const NSDiffableDataSourceSnapshot& rest, bool animated) {
+            self.change(
+                [&](HistoryPage& page) {
+                    page.list = std::make_shared<const NSDiffableDataSourceSnapshot>(rest);
+                },
+                animated ? StateChange::animated : StateChange::immediate);
+        }),
+        ifAlive([](Controller& self, Alert alert) { self.emit(std::move(alert)); }));
     // The list that comes back when no bar is chosen any more does not bring a deleted play back.
-    dataSource_->didDelete = [weak = weak_from_this()](const Value& identifier) {
-        const auto self = weak.lock();
-        if (self && self->deselectSnapshot_) {
-            self->deselectSnapshot_->deleteItem(identifier);
+    dataSource_->didDelete = ifAlive([](Controller& self, const Value& identifier) {
+        if (self.state()->deselectSnapshot) {
+            NSDiffableDataSourceSnapshot rest = *self.state()->deselectSnapshot;
+            rest.deleteItem(identifier);
+            self.change([&](HistoryPage& page) {
+                page.deselectSnapshot =
+                    std::make_shared<const NSDiffableDataSourceSnapshot>(std::move(rest));
+            });
         }
-    };
+    });
 }
 
-void RVHistoryTableViewViewController::viewDidLoad() {
+void Controller::viewDidLoad() {
     Port<MainQueue>::current().assertCurrent();
     dateRange_ = NSUserDefaults::standardUserDefaults().addObserver(
         DateRangeKey::history, &Port<MainQueue>::current(),
-        [weak = weak_from_this()](const std::string&, const Value&) {
-            const auto self = weak.lock();
-            if (self && self->screen_ != nullptr) {
-                self->screen_->dateRangeTitleDidChange();
-            }
-        });
+        ifAlive([](Controller& self, const std::string&, const Value&) {
+            self.change([&](HistoryPage& page) { page.dateRangeTitle = self.dateRangeTitle(); });
+        }));
     layoutNavigationItem();
     updateDataSource();
     registerObservers();
@@ -110,170 +103,152 @@ void RVHistoryTableViewViewController::viewDidLoad() {
     observeUpdates(HistoryNotification::libraryAuthorizationGranted);
 }
 
-void RVHistoryTableViewViewController::layoutNavigationItem() {
+void Controller::layoutNavigationItem() {
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
-    if (!defaults.boolForKey(HistoryDefaults::didShowPullToRefresh)) {
-        prompt_ = NSLocalizedString("Pull down to refresh.");
+    const bool shows = !defaults.boolForKey(HistoryDefaults::didShowPullToRefresh);
+    if (shows) {
         defaults.setObject(HistoryDefaults::didShowPullToRefresh, true);
     }
+    change([&](HistoryPage& page) {
+        page.dateRangeTitle = dateRangeTitle();
+        if (shows) {
+            page.prompt = NSLocalizedString("Pull down to refresh.");
+        }
+    });
 }
 
-void RVHistoryTableViewViewController::registerObservers() {
+void Controller::registerObservers() {
     const auto showProgress = [this](const std::string& name, bool shows) {
         observations_.push_back(NSNotificationCenter::defaultCenter().addObserver(
             name, nullptr, &Port<MainQueue>::current(),
-            [weak = weak_from_this(), shows](const NSNotification&) {
-                const auto self = weak.lock();
-                if (self && self->screen_ != nullptr) {
-                    self->screen_->setShowsProgress(shows);
-                }
-            }));
+            ifAlive([shows](Controller& self, const NSNotification&) {
+                self.change([&](HistoryPage& page) { page.showsProgress = shows; });
+            })));
     };
     showProgress(HistoryNotification::didBegin, true);
     showProgress(HistoryNotification::didEnd, false);
 }
 
-void RVHistoryTableViewViewController::observeUpdates(const std::string& name) {
+void Controller::observeUpdates(const std::string& name) {
     observations_.push_back(NSNotificationCenter::defaultCenter().addObserver(
-        name, nullptr, nullptr, [weak = weak_from_this()](const NSNotification&) {
-            if (const auto self = weak.lock()) {
-                self->updateDataSource();
-            }
-        }));
+        name, nullptr, nullptr, [start = updater()](const NSNotification&) { start(); }));
 }
 
 // The list
 
-void RVHistoryTableViewViewController::updateDataSource(const void*, bool preserveChart) {
-    shouldDisplayMonthTitles_ = false;
-    privateContext_->performBlock(
-        [weak = weak_from_this(), context = privateContext_, preserveChart] {
-            const NSDateInterval interval =
-                RVDateRangeSelectorViewController::dateIntervalForKey(DateRangeKey::history);
-            const auto records = context->snapshot();
-            const HistoryPlays plays(records, interval.startDate(), interval.endDate());
-            if (plays.count() >= playsWorthProgress) {
-                post(HistoryNotification::didBegin);
-            }
-            ListUpdate update{{}, plays.totals()};
-            update.snapshot =
-                plays.byDay([](float progress) { post(HistoryNotification::didChange, progress); });
-            deleteStrays(*context, *records);
-            post(HistoryNotification::didEnd);
-            Port<MainQueue>::current().async(
-                [weak, update = std::move(update), preserveChart]() mutable {
-                    if (const auto self = weak.lock()) {
-                        self->apply(std::move(update), preserveChart);
-                    }
-                });
-        });
+void Controller::updateDataSource(const void*, bool preserveChart) {
+    update(updates_, preserveChart);
 }
 
-void RVHistoryTableViewViewController::apply(ListUpdate update, bool preserveChart) {
-    isBackgroundViewHidden_ = update.totals.plays > 0;
-    if (screen_ != nullptr) {
-        screen_->setBackgroundViewHidden(isBackgroundViewHidden_);
-    }
-    dataSource_->applySnapshot(std::move(update.snapshot), false);
-    statCell_.durationCaption =
-        NSUserDefaults::standardUserDefaults().boolForKey(RVMetadataManager::expandedTimeKey)
-            ? NSLocalizedString("Time Listened")
-            : NSLocalizedString("Minutes Listened");
-    if (!isStatCellOnHand()) {
+std::function<void()> Controller::updater() {
+    return [weak = std::weak_ptr(updates_)] {
+        if (const auto updates = weak.lock()) {
+            update(updates, false);
+        }
+    };
+}
+
+void Controller::update(const std::shared_ptr<Updates>& updates, bool preserveChart) {
+    updates->shouldDisplayMonthTitles = false;
+    updates->context->performBlock([updates, preserveChart] {
+        const auto records = updates->context->snapshot();
+        const DateRange range = DateRange::stored(DateRangeKey::history);
+        const NSDateInterval interval = range.interval();
+        const HistoryPlays plays(records, interval.startDate(), interval.endDate());
+        if (plays.count() >= playsWorthProgress) {
+            post(HistoryNotification::didBegin);
+        }
+        HistoryList list = HistoryList::of(
+            records, range, [](float progress) { post(HistoryNotification::didChange, progress); });
+        deleteStrays(*updates->context, *records);
+        post(HistoryNotification::didEnd);
+        toMain(updates->controller,
+               [list = std::move(list), preserveChart](Controller& self) mutable {
+                   self.apply(std::move(list), preserveChart);
+               });
+    });
+}
+
+void Controller::apply(HistoryList update, bool preserveChart) {
+    missed_ = Missed{update.totals, preserveChart};
+    change([&](HistoryPage& page) {
+        page.showList(std::move(update));
+        page.showsMonthTitles = updates_->shouldDisplayMonthTitles;
+    });
+    showTotals();
+}
+
+void Controller::showTotals() {
+    if (!missed_ || !isStatCellOnHand()) {
         return;
     }
-    setTotals(RVMetadataManager::formattedCount(update.totals.songs),
-              RVMetadataManager::formattedMinutesForDuration(update.totals.seconds));
-    clearHighlight();
-    if (!preserveChart) {
+    const Missed missed = *std::exchange(missed_, std::nullopt);
+    change([&](HistoryPage& page) {
+        page.showTotals(missed.totals);
+        page.clearHighlight();
+    });
+    if (!missed.preserveChart) {
         layoutStatViews();
     }
 }
 
-bool RVHistoryTableViewViewController::isStatCellOnHand() const {
-    return snapshot().numberOfItemsInSection(0) > 0 &&
-           (screen_ == nullptr || screen_->isStatCellOnHand());
+void Controller::statCellDidAppear() {
+    isStatCellInView_ = true;
+    showTotals();
 }
 
-void RVHistoryTableViewViewController::setTotals(std::string plays, std::string duration) {
-    statCell_.playsLabel = std::move(plays);
-    statCell_.durationLabel = std::move(duration);
-    if (screen_ != nullptr) {
-        screen_->totalsDidChange(statCell_);
-    }
+bool Controller::isStatCellOnHand() const {
+    return snapshot().numberOfItemsInSection(0) > 0 && (!hasScreen() || isStatCellInView_);
 }
 
 // What the user does
 
-void RVHistoryTableViewViewController::refreshDataSource() {
-    if (screen_ != nullptr) {
-        screen_->endRefreshing();
-    }
-    RVPlaybackHistoryManager::updatePlaybackHistoryWithPopup(false, [weak = weak_from_this()] {
-        if (const auto self = weak.lock()) {
-            self->updateDataSource();
-        }
-    });
+void Controller::refreshDataSource() {
+    emit(ScreenSignal::endRefreshing);
+    RVPlaybackHistoryManager::updatePlaybackHistoryWithPopup(false, updater());
 }
 
-void RVHistoryTableViewViewController::changeDateInterval() {
-    if (screen_ != nullptr) {
-        screen_->presentDateRangeSelector(
-            RVDateRangeSelectorViewController::initWithUserDefault(DateRangeKey::history));
-    }
+void Controller::changeDateInterval() {
+    emit(DateRangeRoute{DateRangeKey::history});
 }
 
-void RVHistoryTableViewViewController::createPlaylist() {
-    if (screen_ != nullptr) {
-        screen_->presentCreatePlaylist(
-            {dateRangeTitle().textWithoutAttachments(), snapshot().itemIdentifiers()});
-    }
-}
-
-bool RVHistoryTableViewViewController::shouldSelectViewController(bool isSelectedTab,
-                                                                  bool isOnTopOfItsStack) {
-    if (isSelectedTab && isOnTopOfItsStack && screen_ != nullptr) {
-        screen_->scrollToTop();
+bool Controller::shouldSelectViewController(bool isSelectedTab, bool isOnTopOfItsStack) {
+    if (isSelectedTab && isOnTopOfItsStack) {
+        emit(ScreenSignal::scrollToTop);
     }
     return true;
 }
 
-NSAttributedString RVHistoryTableViewViewController::dateRangeTitle() const {
-    return RVDateRangeSelectorViewController::titleForUserDefaultObject(
-        NSUserDefaults::standardUserDefaults().objectForKey(DateRangeKey::history));
+NSAttributedString Controller::dateRangeTitle() const {
+    return DateRange::stored(DateRangeKey::history).attributedTitle();
 }
 
 // The hint
 
-HistoryHint RVHistoryTableViewViewController::dateRangeHint() {
-    return {NSLocalizedString("Date Range"),
-            NSLocalizedString(
+Tooltip Controller::dateRangeTooltip() {
+    return {.title = NSLocalizedString("Date Range"),
+            .text = NSLocalizedString(
                 "Tavrion begins recording your listening history once installed. As you continue "
                 "to use the app, you will be able to view your history over longer time "
-                "periods.")};
+                "periods."),
+            .source = dateRangeButton,
+            .presented = [] {
+                NSUserDefaults::standardUserDefaults().setObject(
+                    HistoryDefaults::onboardingDateRange, true);
+            }};
 }
 
-void RVHistoryTableViewViewController::showOnboardingTooltips() {
-    if (NSUserDefaults::standardUserDefaults().boolForKey(HistoryDefaults::onboardingDateRange)) {
-        return;
-    }
-    tooltip_ = Port<TimerService>::current().schedule(tooltipDelay, Port<MainQueue>::current(),
-                                                      [weak = weak_from_this()] {
-                                                          if (const auto self = weak.lock()) {
-                                                              self->presentDateRangeTooltip();
-                                                          }
-                                                      });
+void Controller::viewDidAppear() {
+    emit(ScreenSignal::becomeTabBarDelegate);
+    showOnboardingTooltips();
 }
 
-void RVHistoryTableViewViewController::presentDateRangeTooltip() {
-    if (screen_ == nullptr) {
-        return;
+void Controller::showOnboardingTooltips() {
+    if (!NSUserDefaults::standardUserDefaults().boolForKey(HistoryDefaults::onboardingDateRange)) {
+        tooltip_ = Port<TimerService>::current().schedule(
+            tooltipDelay, Port<MainQueue>::current(),
+            ifAlive([](Controller& self) { self.emit(dateRangeTooltip()); }));
     }
-    const HistoryHint hint = dateRangeHint();
-    screen_->presentTooltip(hint.title, hint.text, [] {
-        NSUserDefaults::standardUserDefaults().setObject(HistoryDefaults::onboardingDateRange,
-                                                         true);
-    });
 }
 
 }  // namespace tavrion

@@ -2,9 +2,9 @@
 //
 // Queue: main, but for updateDataSource(), which may be called from any. Plays are read and deleted
 // on one private context, so that list, chart and deletions never overlap; the notifications of an
-// update are posted on its queue. Who owns: the screen, by shared pointer; work under way keeps
-// nothing alive. Updates are not cancelled, and the one that is applied last wins. Absent: without
-// a screen everything is kept as state, and the first row is on hand whenever it is in the list.
+// update are posted on its queue. Updates are not cancelled, and the one that is applied last wins.
+// Who owns: see ScreenController. Absent: without a screen the first row is on hand whenever it is
+// in the list.
 #pragma once
 
 #include <atomic>
@@ -14,14 +14,14 @@
 #include <string>
 #include <vector>
 
-#include "kit/NSAttributedString.h"
+#include "kit/ScreenController.h"
 #include "platform/coredata/NSManagedObjectContext.h"
 #include "platform/dispatch/TimerService.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "platform/mediaplayer/MPMediaEntity.h"
-#include "recording/PlayEvent.h"
-#include "timeviews/HistoryScreen.h"
+#include "timeviews/HistoryPage.h"
+#include "timeviews/HistoryRows.h"
 #include "timeviews/RVHistoryTableViewDiffableDataSource.h"
 
 namespace tavrion {
@@ -43,115 +43,96 @@ inline const std::string dateRangeDidChange = "HistoryDateRangeObjectDidChange";
 inline const std::string libraryAuthorizationGranted = "LibraryAuthorizationGranted";
 }  // namespace HistoryNotification
 
-/// A play as a row shows it.
-struct HistoryRow {
-    NSAttributedString title;
-    std::optional<std::string> subtitle;
-    /// When it was played; absent for a song that left the library.
-    std::optional<NSAttributedString> property;
-    /// The song; absent likewise.
-    std::optional<MPMediaItem> item;
-};
-
-/// The one-time hint about ranges.
-struct HistoryHint {
-    std::string title;
-    std::string text;
-};
-
-class RVHistoryTableViewViewController
-    : public std::enable_shared_from_this<RVHistoryTableViewViewController> {
+class RVHistoryTableViewViewController final
+    : public ScreenController<RVHistoryTableViewViewController, HistoryPage> {
   public:
-    /// From so many plays on an update tells of its progress.
+    /// From so many plays on an update reports its progress.
     static constexpr std::size_t playsWorthProgress = 1001;
+    /// What the hint about ranges points at.
+    static constexpr const char* dateRangeButton = "dateRangeButton";
 
-    static std::shared_ptr<RVHistoryTableViewViewController> make(HistoryScreen* screen = nullptr);
-    void screenDidGo() { screen_ = nullptr; }
+    static std::shared_ptr<RVHistoryTableViewViewController> make();
 
     void viewDidLoad();
-    /// Shows the hint about ranges to who has not seen it.
-    void viewDidAppear() { showOnboardingTooltips(); }
+    /// Wants to be asked about tabs, and shows the hint about ranges to who has not seen it.
+    void viewDidAppear();
     void showOnboardingTooltips();
-    static HistoryHint dateRangeHint();
+    static Tooltip dateRangeTooltip();
 
     void updateDataSource() { updateDataSource(nullptr, false); }
     /// The object is not looked at. With `preserveChart` the chart stays as it is.
     void updateDataSource(const void* object, bool preserveChart);
-    /// Makes the chart anew.
+    /// Makes the chart again.
     void layoutStatViews();
     /// The user pulled: a scan, and what it found.
     void refreshDataSource();
     void changeDateInterval();
     void createPlaylist();
 
+    /// Reported by the screen. A row that comes into view gets what it missed of the last update;
+    /// one that is not on view gets nothing.
+    void statCellDidAppear();
+    void statCellDidDisappear() { isStatCellInView_ = false; }
     /// A bar was tapped. An empty one, or one that cannot be chosen, takes the choice back.
     void chartValueSelected(const HistoryBar& entry);
     void chartValueNothingSelected();
 
-    const NSDiffableDataSourceSnapshot& snapshot() const { return dataSource_->snapshot(); }
+    const NSDiffableDataSourceSnapshot& snapshot() const { return *state()->list; }
     RVHistoryTableViewDiffableDataSource& dataSource() { return *dataSource_; }
-    const RVHistoryStatCell& statCell() const { return statCell_; }
-    bool isBackgroundViewHidden() const { return isBackgroundViewHidden_; }
-    /// Above the list, for the rest of the run in which it was first shown.
-    const std::optional<std::string>& prompt() const { return prompt_; }
-    NSAttributedString dateRangeTitle() const;
-    /// Any queue.
-    bool shouldDisplayMonthTitles() const { return shouldDisplayMonthTitles_; }
-
-    /// The list as it was before a bar was chosen, and the totals; absent while none is.
-    const std::optional<NSDiffableDataSourceSnapshot>& deselectSnapshot() const {
-        return deselectSnapshot_;
-    }
-    const std::optional<std::string>& deselectCount() const { return deselectCount_; }
-    const std::optional<std::string>& deselectMinutes() const { return deselectMinutes_; }
-
-    /// Absent for the section of the totals and for empty ones, which have no header.
-    std::optional<std::string> titleForHeaderInSection(std::size_t section) const;
     /// "New Playlist" stands beside the first title alone.
     static bool hasActionButtonInSection(std::size_t section) { return section == 1; }
+
     /// Absent for the totals, and for a play that is no longer there.
     std::optional<HistoryRow> rowAtIndexPath(NSIndexPath indexPath,
-                                             const std::optional<UIFont>& font) const;
-    /// The row of a play whose song is that item of the library.
-    static HistoryRow rowOfEvent(const PlayEvent& event, std::optional<MPMediaItem> item,
-                                 const std::optional<UIFont>& font);
-    /// Finds the picture on a queue of its own and hands it over on the main queue.
-    void loadArtwork(const MPMediaItem& item, std::function<void(UIImage)> loaded);
+                                             const std::optional<UIFont>& font);
+    /// The same, found on a queue of its own. Nothing is answered where there is no row.
+    [[nodiscard]] ScreenRequest loadRow(NSIndexPath indexPath, const std::optional<UIFont>& font,
+                                        std::function<void(HistoryRow)> loaded);
+    /// The picture, found likewise on another queue.
+    [[nodiscard]] ScreenRequest loadArtwork(const MPMediaItem& item,
+                                            std::function<void(UIImage)> loaded);
     /// Opens the song's page.
     void didSelectRowAtIndexPath(NSIndexPath indexPath);
+    /// What a long press on a row is about; absent where there is no menu.
+    std::optional<MPMediaItem> itemForContextMenu(NSIndexPath indexPath);
     /// The tab was tapped; always allowed.
     bool shouldSelectViewController(bool isSelectedTab, bool isOnTopOfItsStack);
 
   private:
-    struct ListUpdate;
-    struct BarSelection;
+    /// What an update needs, also one that somebody else starts.
+    struct Updates;
 
-    explicit RVHistoryTableViewViewController(HistoryScreen* screen);
+    RVHistoryTableViewViewController();
     void makeDataSource();
     void layoutNavigationItem();
     void registerObservers();
     void observeUpdates(const std::string& name);
-    void presentDateRangeTooltip();
+    /// Any queue.
+    std::function<void()> updater();
+    static void update(const std::shared_ptr<Updates>& updates, bool preserveChart);
+    NSAttributedString dateRangeTitle() const;
     bool isStatCellOnHand() const;
-    void apply(ListUpdate update, bool preserveChart);
-    void applySelection(BarSelection selection);
-    void setTotals(std::string plays, std::string duration);
-    void recolorChart(const HistoryBarColors& colors);
-    void clearHighlight();
+    void apply(HistoryList update, bool preserveChart);
+    void applySelection(HistorySelection selection);
+    /// Fills the first row when it is on hand.
+    void showTotals();
+    void apply(HistoryChart chart);
 
-    /// Null once it has gone, or where there is none.
-    HistoryScreen* screen_;
     const std::shared_ptr<NSManagedObjectContext> privateContext_;
+    const std::shared_ptr<DispatchQueue> rowHandlingQueue_ =
+        DispatchQueue::serial("rowHandlingQueue");
     const std::shared_ptr<DispatchQueue> imageHandlingQueue_ =
         DispatchQueue::serial("imageHandlingQueue");
+    const std::shared_ptr<HistoryRows> rows_ = std::make_shared<HistoryRows>();
+    std::shared_ptr<Updates> updates_;
     std::shared_ptr<RVHistoryTableViewDiffableDataSource> dataSource_;
-    RVHistoryStatCell statCell_;
-    bool isBackgroundViewHidden_ = true;
-    std::optional<std::string> prompt_;
-    std::atomic<bool> shouldDisplayMonthTitles_{false};
-    std::optional<NSDiffableDataSourceSnapshot> deselectSnapshot_;
-    std::optional<std::string> deselectCount_;
-    std::optional<std::string> deselectMinutes_;
+    bool isStatCellInView_ = false;
+    /// Totals of the last update that the first row does not show yet.
+    struct Missed {
+        PlayTotals totals;
+        bool preserveChart = false;
+    };
+    std::optional<Missed> missed_;
     DispatchTimer tooltip_;
     std::vector<NSNotificationCenter::Observation> observations_;
     NSUserDefaults::Observation dateRange_;

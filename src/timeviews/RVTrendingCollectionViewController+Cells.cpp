@@ -9,11 +9,6 @@
 namespace tavrion {
 namespace {
 
-using Arrangement = TrendingSectionLayout::Arrangement;
-
-constexpr const char* rowNib = "RVEntityRowCell";
-constexpr const char* columnNib = "RVEntityColumnCell";
-
 NSUserDefaults& defaults() {
     return NSUserDefaults::standardUserDefaults();
 }
@@ -23,59 +18,27 @@ std::array<std::string, 3> groupingTitles() {
     return {NSLocalizedString("Artists"), NSLocalizedString("Albums"), NSLocalizedString("Genres")};
 }
 
-/// Of the metric that is chosen at this moment: a row ranked by the other one reads 0 until the
-/// ranking is made anew.
-NSAttributedString propertyOf(const RVTrendingEntity& row) {
-    const bool byTime =
-        defaults().integerForKey(TrendingDefaults::weightedRankFormat) == TrendingDefaults::byTime;
-    return RVMetadataManager::attributedString(
-        byTime ? RVMetadataManager::formattedDuration(row.playDuration)
-               : RVMetadataManager::formattedPlays(row.playCount),
-        UIImage::systemImageNamed(byTime ? "stopwatch" : "play.fill",
-                                  {.scale = UIImageSymbolScale::small}));
-}
-
 }  // namespace
-
-std::optional<TrendingSectionLayout> RVTrendingCollectionViewController::layoutForSectionAtIndex(
-    std::size_t index) const {
-    const std::vector<int> identifiers = snapshot_.sectionIdentifiers();
-    if (index >= identifiers.size()) {
-        return std::nullopt;
-    }
-    switch (identifiers[index]) {
-        case TrendingSnapshot::dateSection:
-            return TrendingSectionLayout{Arrangement::rows, rowNib, false};
-        case TrendingSnapshot::collectionsSection:
-            return TrendingSectionLayout{Arrangement::columns, columnNib, true};
-        case TrendingSnapshot::songsSection:
-            return TrendingSectionLayout{Arrangement::rows, rowNib, true};
-        default:
-            return std::nullopt;
-    }
-}
 
 TrendingCell RVTrendingCollectionViewController::cellForRow(const RVTrendingEntity& row,
                                                             std::size_t index,
                                                             const std::optional<UIFont>& font) {
-    TrendingCell cell;
-    cell.reuseIdentifier =
-        row.entity.collection() != nullptr ? "EntityColumnCell" : "EntityRowCell";
-    cell.title = RVMetadataManager::titleForMediaEntity(row.entity, font);
-    cell.property = propertyOf(row);
-    if (row.entity.item() != nullptr) {
-        cell.subtitle = RVMetadataManager::subtitleForMediaEntity(row.entity);
-        cell.ranking = index + 1;
-    }
-    return cell;
+    const bool byTime =
+        defaults().integerForKey(TrendingDefaults::weightedRankFormat) == TrendingDefaults::byTime;
+    return TrendingPage::cell(row, index, byTime, font);
 }
 
-void RVTrendingCollectionViewController::loadArtwork(const MPMediaEntity& entity,
-                                                     std::function<void(UIImage)> loaded) {
-    imageHandlingQueue_->async([entity, loaded = std::move(loaded)] {
-        Port<MainQueue>::current().async(
-            [loaded, artwork = RVMetadataManager::artworkForEntity(entity)] { loaded(artwork); });
-    });
+ScreenRequest RVTrendingCollectionViewController::loadArtwork(const MPMediaEntity& entity,
+                                                              std::function<void(UIImage)> loaded) {
+    return load(
+        *imageHandlingQueue_, [entity] { return RVMetadataManager::artworkForEntity(entity); },
+        std::move(loaded));
+}
+
+void RVTrendingCollectionViewController::controlsDidAppear(int identifier) {
+    hasCollectionButton_ =
+        hasCollectionButton_ || identifier == TrendingSnapshot::collectionsSection;
+    hasPlaylistButton_ = hasPlaylistButton_ || identifier == TrendingSnapshot::songsSection;
 }
 
 std::optional<TrendingControls> RVTrendingCollectionViewController::controlsForSection(
@@ -91,7 +54,6 @@ std::optional<TrendingControls> RVTrendingCollectionViewController::controlsForS
 }
 
 TrendingControls RVTrendingCollectionViewController::collectionsControls() {
-    hasCollectionButton_ = true;
     TrendingControls controls;
     controls.first.title = groupingTitle();
     controls.first.menu = groupingMenuForButton();
@@ -100,16 +62,12 @@ TrendingControls RVTrendingCollectionViewController::collectionsControls() {
 }
 
 TrendingControls RVTrendingCollectionViewController::songsControls() {
-    hasPlaylistButton_ = true;
     const auto button = [this](const std::string& title, const char* icon,
                                void (RVTrendingCollectionViewController::*action)()) {
         TrendingButton made;
         made.title = RVMetadataManager::attributedString(title, UIImage::systemImageNamed(icon));
-        made.touchUpInside = [weak = weak_from_this(), action] {
-            if (const auto self = weak.lock()) {
-                ((*self).*action)();
-            }
-        };
+        made.touchUpInside =
+            ifAlive([action](RVTrendingCollectionViewController& self) { (self.*action)(); });
         return made;
     };
     return {button(NSLocalizedString("Play All"), "play.fill",
@@ -118,7 +76,7 @@ TrendingControls RVTrendingCollectionViewController::songsControls() {
                    &RVTrendingCollectionViewController::createPlaylist)};
 }
 
-NSAttributedString RVTrendingCollectionViewController::groupingTitle() const {
+NSAttributedString RVTrendingCollectionViewController::groupingTitle() {
     const auto stored =
         static_cast<std::uint64_t>(defaults().integerForKey(TrendingDefaults::groupingType));
     const auto titles = groupingTitles();
@@ -131,26 +89,23 @@ UIMenu RVTrendingCollectionViewController::groupingMenuForButton() {
     UIMenu menu;
     for (const std::string& title : groupingTitles()) {
         const auto grouping = static_cast<std::int64_t>(menu.children.size());
-        menu.children.push_back({title, std::nullopt, [weak = weak_from_this(), grouping] {
-                                     if (const auto self = weak.lock()) {
-                                         self->chooseGrouping(grouping);
-                                     }
-                                 }});
+        menu.children.push_back(
+            {title, std::nullopt, ifAlive([grouping](RVTrendingCollectionViewController& self) {
+                 self.chooseGrouping(grouping);
+             })});
     }
     return menu;
 }
 
 void RVTrendingCollectionViewController::chooseGrouping(std::int64_t grouping) {
     defaults().setObject(TrendingDefaults::groupingType, grouping);
-    if (screen_ != nullptr) {
-        screen_->groupingTitleDidChange();
-    }
+    change([](TrendingPage& page) { page.groupingTitle = groupingTitle(); });
     updateDataSource();
 }
 
 void RVTrendingCollectionViewController::didSelectRow(const TrendingRow& row) {
-    if (row != nullptr && screen_ != nullptr) {
-        screen_->pushEntity(row->entity);
+    if (row != nullptr) {
+        emit(EntityRoute{row->entity});
     }
 }
 

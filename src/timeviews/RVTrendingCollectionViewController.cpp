@@ -8,8 +8,13 @@
 #include "platform/mediaplayer/MPMusicPlayerController.h"
 #include "recording/RVPlaybackHistoryManager.h"
 #include "recording/RecordStore.h"
+#include "timeviews/DateRange.h"
+#include "timeviews/TrendingKeys.h"
 
 namespace tavrion {
+
+using Controller = RVTrendingCollectionViewController;
+
 namespace {
 
 constexpr NSTimeInterval tooltipDelay = 0.3;
@@ -49,163 +54,144 @@ bool isProgressHeard() {
     return NSNotificationCenter::defaultCenter().observerCount(TrendingNotification::didChange) > 0;
 }
 
-TrendingSnapshot rankByDefaults(NSManagedObjectContext& context, TrendingKeys& keys) {
+TrendingPage rankByDefaults(NSManagedObjectContext& context, TrendingKeys& keys) {
     NSNotificationCenter& center = NSNotificationCenter::defaultCenter();
     center.postNotificationName(TrendingNotification::didBegin);
     StoredGrouping grouping;
-    TrendingSnapshot snapshot = TrendingRanking::rank(
+    TrendingPage page = TrendingPage::of(
         context,
-        {RVDateRangeSelectorViewController::dateIntervalForKey(DateRangeKey::trending),
+        {DateRange::stored(DateRangeKey::trending).interval(),
          defaults().integerForKey(TrendingDefaults::weightedRankFormat) == TrendingDefaults::byTime,
          [&grouping] { return grouping.read(); }, &postProgress, &isProgressHeard},
         keys);
     center.postNotificationName(TrendingNotification::didEnd);
-    // A look-up takes the library's title over into the record; ranking is not what saves it.
-    context.rollback();
-    return snapshot;
+    return page;
 }
 
-TrendingHint playBackHint() {
-    return {TrendingHint::Source::playlistButton, NSLocalizedString("PlayBack"),
-            NSLocalizedString(
+Tooltip playBackTooltip() {
+    return {.title = NSLocalizedString("PlayBack"),
+            .text = NSLocalizedString(
                 "PlayBack creates a dynamic list of your top songs based on a mix of stats like "
                 "play count and time listened. Save versions of your PlayBack results by exporting "
-                "them as playlists.")};
+                "them as playlists."),
+            .source = Controller::playlistButton};
 }
 
-TrendingHint collectionsHint() {
-    return {TrendingHint::Source::collectionButton, NSLocalizedString("Trending Collections"),
-            NSLocalizedString("Toggle between your trending artists and albums.")};
+Tooltip collectionsTooltip() {
+    return {.title = NSLocalizedString("Trending Collections"),
+            .text = NSLocalizedString("Toggle between your trending artists and albums."),
+            .source = Controller::collectionButton};
 }
 
 }  // namespace
 
-std::shared_ptr<RVTrendingCollectionViewController> RVTrendingCollectionViewController::make(
-    TrendingScreen* screen) {
-    return std::shared_ptr<RVTrendingCollectionViewController>(
-        new RVTrendingCollectionViewController(screen));
+struct Controller::Updates {
+    std::weak_ptr<Controller> controller;
+    std::shared_ptr<NSManagedObjectContext> context;
+    /// On the context's queue alone.
+    TrendingKeys keys;
+};
+
+std::shared_ptr<Controller> Controller::make() {
+    std::shared_ptr<Controller> controller(new Controller());
+    controller->updates_->controller = controller;
+    return controller;
 }
 
-RVTrendingCollectionViewController::RVTrendingCollectionViewController(TrendingScreen* screen)
-    : screen_(screen), privateContext_(Port<RecordStore>::current().privateContext()) {}
+Controller::RVTrendingCollectionViewController() : updates_(std::make_shared<Updates>()) {
+    updates_->context = Port<RecordStore>::current().privateContext();
+}
 
 // Life
 
-void RVTrendingCollectionViewController::viewDidLoad() {
+void Controller::viewDidLoad() {
     Port<MainQueue>::current().assertCurrent();
     layoutNavigationItem();
     registerObservers();
     updateDataSource();
     observations_.push_back(NSNotificationCenter::defaultCenter().addObserver(
         TrendingNotification::dateRangeDidChange, nullptr, nullptr,
-        [weak = weak_from_this()](const NSNotification&) {
-            if (const auto self = weak.lock()) {
-                self->updateDataSource();
-            }
-        }));
+        [start = updater()](const NSNotification&) { start(); }));
 }
 
-void RVTrendingCollectionViewController::viewDidAppear() {
-    if (screen_ != nullptr) {
-        screen_->becomeTabBarDelegate();
-    }
-}
-
-void RVTrendingCollectionViewController::layoutNavigationItem() {
-    if (!defaults().boolForKey(TrendingDefaults::didShowPullToRefresh)) {
-        prompt_ = NSLocalizedString("Pull down to refresh.");
+void Controller::layoutNavigationItem() {
+    const bool shows = !defaults().boolForKey(TrendingDefaults::didShowPullToRefresh);
+    if (shows) {
         defaults().setObject(TrendingDefaults::didShowPullToRefresh, true);
     }
-}
-
-void RVTrendingCollectionViewController::registerObservers() {
-    MainQueue& mainQueue = Port<MainQueue>::current();
-    const auto showProgress = [&](const char* name, bool shows) {
-        observations_.push_back(NSNotificationCenter::defaultCenter().addObserver(
-            name, nullptr, &mainQueue, [weak = weak_from_this(), shows](const NSNotification&) {
-                const auto self = weak.lock();
-                if (self && self->screen_ != nullptr) {
-                    self->screen_->setShowsProgress(shows);
-                }
-            }));
-    };
-    showProgress(TrendingNotification::didBegin, true);
-    showProgress(TrendingNotification::didEnd, false);
-    dateRange_ =
-        defaults().addObserver(DateRangeKey::trending, &mainQueue,
-                               [weak = weak_from_this()](const std::string&, const Value&) {
-                                   const auto self = weak.lock();
-                                   if (self && self->screen_ != nullptr) {
-                                       self->screen_->dateRangeTitleDidChange();
-                                   }
-                               });
-}
-
-// The ranking
-
-void RVTrendingCollectionViewController::updateDataSource() {
-    privateContext_->performBlock(
-        [context = privateContext_, keys = keys_, weak = weak_from_this()] {
-            TrendingSnapshot snapshot = rankByDefaults(*context, *keys);
-            Port<MainQueue>::current().async([weak, snapshot = std::move(snapshot)]() mutable {
-                if (const auto self = weak.lock()) {
-                    self->apply(std::move(snapshot));
-                }
-            });
-        });
-}
-
-void RVTrendingCollectionViewController::apply(TrendingSnapshot snapshot) {
-    snapshot_ = std::move(snapshot);
-    showsBackgroundView_ = snapshot_.songs.empty();
-    if (screen_ != nullptr) {
-        screen_->setBackgroundViewHidden(!showsBackgroundView_);
-        screen_->applySnapshot(snapshot_, false);
-        showOnboardingTooltips();
-    }
-}
-
-NSAttributedString RVTrendingCollectionViewController::dateRangeTitle() const {
-    return RVDateRangeSelectorViewController::titleForUserDefaultObject(
-        defaults().objectForKey(DateRangeKey::trending));
-}
-
-// What the user does
-
-void RVTrendingCollectionViewController::refreshDataSource() {
-    if (screen_ != nullptr) {
-        screen_->endRefreshing();
-    }
-    RVPlaybackHistoryManager::updatePlaybackHistoryWithPopup(false, [weak = weak_from_this()] {
-        if (const auto self = weak.lock()) {
-            self->updateDataSource();
+    change([shows](TrendingPage& page) {
+        page.dateRangeTitle = dateRangeTitle();
+        page.groupingTitle = groupingTitle();
+        if (shows) {
+            page.prompt = NSLocalizedString("Pull down to refresh.");
         }
     });
 }
 
-void RVTrendingCollectionViewController::changeDateInterval() {
-    if (screen_ != nullptr) {
-        screen_->presentDateRangeSelector(
-            RVDateRangeSelectorViewController::initWithUserDefault(DateRangeKey::trending));
-    }
+void Controller::registerObservers() {
+    MainQueue& mainQueue = Port<MainQueue>::current();
+    const auto showProgress = [&](const char* name, bool shows) {
+        observations_.push_back(NSNotificationCenter::defaultCenter().addObserver(
+            name, nullptr, &mainQueue, ifAlive([shows](Controller& self, const NSNotification&) {
+                self.change([&](TrendingPage& page) { page.showsProgress = shows; });
+            })));
+    };
+    showProgress(TrendingNotification::didBegin, true);
+    showProgress(TrendingNotification::didEnd, false);
+    dateRange_ = defaults().addObserver(
+        DateRangeKey::trending, &mainQueue,
+        ifAlive([](Controller& self, const std::string&, const Value&) {
+            self.change([](TrendingPage& page) { page.dateRangeTitle = dateRangeTitle(); });
+        }));
 }
 
-std::vector<MPMediaEntity> RVTrendingCollectionViewController::songs() const {
-    std::vector<MPMediaEntity> songs;
-    songs.reserve(snapshot_.songs.size());
-    for (const TrendingRow& row : snapshot_.songs) {
-        songs.push_back(row->entity);
-    }
-    return songs;
+// The ranking
+
+void Controller::updateDataSource() {
+    update(updates_);
 }
 
-void RVTrendingCollectionViewController::playAll() {
-    if (screen_ != nullptr) {
-        screen_->giveLightImpact();
-    }
+std::function<void()> Controller::updater() {
+    return [weak = std::weak_ptr(updates_)] {
+        if (const auto updates = weak.lock()) {
+            update(updates);
+        }
+    };
+}
+
+void Controller::update(const std::shared_ptr<Updates>& updates) {
+    updates->context->performBlock([updates] {
+        toMain(updates->controller,
+               [ranked = rankByDefaults(*updates->context, updates->keys)](
+                   Controller& self) mutable { self.apply(std::move(ranked)); });
+    });
+}
+
+void Controller::apply(TrendingPage ranked) {
+    change([&](TrendingPage& page) { page.show(std::move(ranked.ranking)); });
+    showOnboardingTooltips();
+}
+
+NSAttributedString Controller::dateRangeTitle() {
+    return DateRange::stored(DateRangeKey::trending).attributedTitle();
+}
+
+// What the user does
+
+void Controller::refreshDataSource() {
+    emit(ScreenSignal::endRefreshing);
+    RVPlaybackHistoryManager::updatePlaybackHistoryWithPopup(false, updater());
+}
+
+void Controller::changeDateInterval() {
+    emit(DateRangeRoute{DateRangeKey::trending});
+}
+
+void Controller::playAll() {
+    emit(ScreenSignal::lightImpact);
     std::vector<MPMediaItem> items;
-    items.reserve(snapshot_.songs.size());
-    for (const TrendingRow& row : snapshot_.songs) {
+    items.reserve(snapshot().songs.size());
+    for (const TrendingRow& row : snapshot().songs) {
         items.push_back(*row->entity.item());
     }
     MPMusicPlayerController& player = MPMusicPlayerController::systemMusicPlayer();
@@ -216,40 +202,36 @@ void RVTrendingCollectionViewController::playAll() {
     player.play();
 }
 
-void RVTrendingCollectionViewController::createPlaylist() {
-    if (screen_ != nullptr) {
-        screen_->presentCreatePlaylist({dateRangeTitle().textWithoutAttachments(), songs()});
+void Controller::createPlaylist() {
+    PlaylistRequest request{dateRangeTitle().textWithoutAttachments(), {}};
+    for (const TrendingRow& row : snapshot().songs) {
+        request.songs.emplace_back(*row->entity.item());
     }
+    emit(std::move(request));
 }
 
-bool RVTrendingCollectionViewController::shouldSelectViewController(bool isSelectedTab,
-                                                                    bool isOnTopOfItsStack) {
-    if (isSelectedTab && isOnTopOfItsStack && screen_ != nullptr) {
-        screen_->scrollToTop();
+bool Controller::shouldSelectViewController(bool isSelectedTab, bool isOnTopOfItsStack) {
+    if (isSelectedTab && isOnTopOfItsStack) {
+        emit(ScreenSignal::scrollToTop);
     }
     return true;
 }
 
 // The hints
 
-void RVTrendingCollectionViewController::showOnboardingTooltips() {
+void Controller::showOnboardingTooltips() {
     if (hasPlaylistButton_ && !defaults().boolForKey(TrendingDefaults::onboardingPlayBack)) {
-        presentTooltipSoon(playBackHint(), TrendingDefaults::onboardingPlayBack);
+        presentTooltipSoon(playBackTooltip(), TrendingDefaults::onboardingPlayBack);
     } else if (hasCollectionButton_ && !defaults().boolForKey(TrendingDefaults::onboardingAlbums)) {
-        presentTooltipSoon(collectionsHint(), TrendingDefaults::onboardingAlbums);
+        presentTooltipSoon(collectionsTooltip(), TrendingDefaults::onboardingAlbums);
     }
 }
 
-void RVTrendingCollectionViewController::presentTooltipSoon(const TrendingHint& hint,
-                                                            const char* shownKey) {
+void Controller::presentTooltipSoon(Tooltip tooltip, const char* shownKey) {
+    tooltip.presented = [shownKey] { defaults().setObject(shownKey, true); };
     tooltip_ = Port<TimerService>::current().schedule(
-        tooltipDelay, Port<MainQueue>::current(), [weak = weak_from_this(), hint, shownKey] {
-            const auto self = weak.lock();
-            if (self && self->screen_ != nullptr) {
-                self->screen_->presentTooltip(hint,
-                                              [shownKey] { defaults().setObject(shownKey, true); });
-            }
-        });
+        tooltipDelay, Port<MainQueue>::current(),
+        ifAlive([tooltip = std::move(tooltip)](Controller& self) { self.emit(tooltip); }));
 }
 
 }  // namespace tavrion

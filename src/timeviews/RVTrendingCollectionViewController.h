@@ -2,9 +2,8 @@
 //
 // Queue: main, but for updateDataSource(), which may be called from any. The ranking is worked out
 // on the queue of one private context, so that updates never overlap, and its notifications are
-// posted there. Who owns: the screen, by shared pointer; updates under way keep no screen alive.
-// Updates are not cancelled, and the one that is applied last wins. Absent: without a screen
-// everything is kept as state, and no button is ever on hand.
+// posted there. Updates are not cancelled, and the one that is applied last wins. Who owns: see
+// ScreenController. Absent: without a screen no button is ever on hand.
 #pragma once
 
 #include <functional>
@@ -13,14 +12,14 @@
 #include <string>
 #include <vector>
 
+#include "kit/ScreenController.h"
 #include "platform/coredata/NSManagedObjectContext.h"
 #include "platform/dispatch/DispatchQueue.h"
 #include "platform/dispatch/TimerService.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSUserDefaults.h"
 #include "timeviews/TrendingKeys.h"
-#include "timeviews/TrendingRanking.h"
-#include "timeviews/TrendingScreen.h"
+#include "timeviews/TrendingPage.h"
 
 namespace tavrion {
 
@@ -44,20 +43,22 @@ inline const char* const didEnd = "RVTrendingUpdateDidEnd";
 inline const char* const dateRangeDidChange = "TrendingDateRangeObjectDidChange";
 }  // namespace TrendingNotification
 
-class RVTrendingCollectionViewController
-    : public std::enable_shared_from_this<RVTrendingCollectionViewController> {
+class RVTrendingCollectionViewController final
+    : public ScreenController<RVTrendingCollectionViewController, TrendingPage> {
   public:
     static constexpr double interSectionSpacing = 24;
     static constexpr double estimatedControlsHeight = 44;
+    /// What the hints point at.
+    static constexpr const char* playlistButton = "playlistButton";
+    static constexpr const char* collectionButton = "collectionButton";
 
-    static std::shared_ptr<RVTrendingCollectionViewController> make(
-        TrendingScreen* screen = nullptr);
-    void screenDidGo() { screen_ = nullptr; }
+    static std::shared_ptr<RVTrendingCollectionViewController> make();
 
     void viewDidLoad();
-    void viewDidAppear();
+    /// Wants to be asked about tabs.
+    void viewDidAppear() { emit(ScreenSignal::becomeTabBarDelegate); }
 
-    /// Ranks anew by the user defaults, and shows the result later on the main queue.
+    /// Ranks again by the user defaults, and shows the result later on the main queue.
     void updateDataSource();
     /// The user pulled: a scan, and the ranking of what it found.
     void refreshDataSource();
@@ -70,25 +71,18 @@ class RVTrendingCollectionViewController
     /// The tab was tapped; always allowed.
     bool shouldSelectViewController(bool isSelectedTab, bool isOnTopOfItsStack);
 
-    /// What is shown; empty before the first update.
-    const TrendingSnapshot& snapshot() const { return snapshot_; }
-    /// Whether the screen says that there is nothing.
-    bool showsBackgroundView() const { return showsBackgroundView_; }
-    /// Above the list, for the rest of the run in which it was first shown.
-    const std::optional<std::string>& prompt() const { return prompt_; }
-    NSAttributedString dateRangeTitle() const;
-
-    /// By the place of a section among those that are there; absent for a place without one.
-    std::optional<TrendingSectionLayout> layoutForSectionAtIndex(std::size_t index) const;
-    /// Of a row of the ranking.
+    /// What is ranked; empty before the first update.
+    const TrendingSnapshot& snapshot() const { return state()->ranking; }
+    /// Of a row of the ranking, in the metric that is chosen at this moment.
     static TrendingCell cellForRow(const RVTrendingEntity& row, std::size_t index,
                                    const std::optional<UIFont>& font);
     /// Finds the picture on a queue of its own and hands it over on the main queue.
-    void loadArtwork(const MPMediaEntity& entity, std::function<void(UIImage)> loaded);
-    /// The buttons above a section, which are on hand from now on. Absent for a section that has
-    /// none.
+    [[nodiscard]] ScreenRequest loadArtwork(const MPMediaEntity& entity,
+                                            std::function<void(UIImage)> loaded);
+    /// The buttons above a section. Absent for a section that has none.
     std::optional<TrendingControls> controlsForSection(int identifier);
-    NSAttributedString groupingTitle() const;
+    /// Reported by the screen: the buttons above that section are on hand from now on.
+    void controlsDidAppear(int identifier);
     /// Three entries, none of them marked.
     UIMenu groupingMenuForButton();
     /// Opens the page of a row. The row of the date, which is none, opens nothing.
@@ -97,29 +91,29 @@ class RVTrendingCollectionViewController
     static std::optional<MPMediaEntity> entityForContextMenu(const TrendingRow& row);
 
   private:
-    explicit RVTrendingCollectionViewController(TrendingScreen* screen);
-    void apply(TrendingSnapshot snapshot);
+    /// What an update needs, also one that somebody else starts.
+    struct Updates;
+
+    RVTrendingCollectionViewController();
+    void apply(TrendingPage ranked);
     void layoutNavigationItem();
     void registerObservers();
+    /// Any queue.
+    std::function<void()> updater();
+    static void update(const std::shared_ptr<Updates>& updates);
+    static NSAttributedString dateRangeTitle();
+    static NSAttributedString groupingTitle();
     void chooseGrouping(std::int64_t grouping);
-    void presentTooltipSoon(const TrendingHint& hint, const char* shownKey);
-    std::vector<MPMediaEntity> songs() const;
+    void presentTooltipSoon(Tooltip tooltip, const char* shownKey);
     TrendingControls collectionsControls();
     TrendingControls songsControls();
 
-    /// Null once it has gone, or where there is none.
-    TrendingScreen* screen_;
-    const std::shared_ptr<NSManagedObjectContext> privateContext_;
     /// Every list page has one; here nothing waits on it, since the context's queue ranks.
     const std::shared_ptr<DispatchQueue> dataSourceTaskQueue_ =
         DispatchQueue::serial("dataSourceTaskQueue");
     const std::shared_ptr<DispatchQueue> imageHandlingQueue_ =
         DispatchQueue::serial("imageHandlingQueue");
-    /// On the context's queue alone.
-    const std::shared_ptr<TrendingKeys> keys_ = std::make_shared<TrendingKeys>();
-    TrendingSnapshot snapshot_;
-    bool showsBackgroundView_ = false;
-    std::optional<std::string> prompt_;
+    const std::shared_ptr<Updates> updates_;
     bool hasPlaylistButton_ = false;
     bool hasCollectionButton_ = false;
     DispatchTimer tooltip_;

@@ -88,6 +88,35 @@ TEST_F(MediaItemBridgeTest, theFirstMatchInLibraryOrderWinsWithoutPreference) {
         << "title and duration earlier in the list beat an identifier later on";
 }
 
+TEST_F(MediaItemBridgeTest, ofSeveralSongsWithAnIdentifierTheFirstInLibraryOrderIsTaken) {
+    environment.library.publish({{.title = "C", .persistentID = 1, .storeID = "store"},
+                                 {.title = "B", .persistentID = 2, .libraryID = "library"},
+                                 {.title = "A", .persistentID = 3, .libraryID = "library"},
+                                 {.title = "Z", .persistentID = 4}});
+    EXPECT_EQ(songOf(environment.makeHistory("Gone", 1, "store", "library")), 3U);
+    EXPECT_EQ(songOf(environment.makeHistory("Gone", 1, "store", "else")), 1U);
+    EXPECT_EQ(songOf(environment.makeHistory("", 1, "", "library")), 3U) << "without a title, too";
+    EXPECT_EQ(songOf(environment.makeHistory("Gone", 1, "else", "else")), std::nullopt);
+}
+
+TEST_F(MediaItemBridgeTest, aStoreIdentifierOfOneSignIsNone) {
+    environment.library.publish(
+        {{.title = "One", .persistentID = 1, .storeID = "0"}, {.title = "Two", .persistentID = 2}});
+    EXPECT_EQ(songOf(environment.makeHistory("Gone", 1, "0")), std::nullopt);
+}
+
+TEST_F(MediaItemBridgeTest, onlyMusicIsSearchedAndALoneSongAmongOtherThingsCounts) {
+    environment.library.publish(
+        {{.title = "Talk", .persistentID = 1, .libraryID = "L1", .mediaType = MediaType::podcast},
+         {.title = "Song", .persistentID = 2}});
+    EXPECT_EQ(songOf(environment.makeHistory("Gone", 1)), 2U);
+    environment.library.publish(
+        {{.title = "Talk", .persistentID = 1, .libraryID = "L1", .mediaType = MediaType::podcast},
+         {.title = "Song", .persistentID = 2},
+         {.title = "Next", .persistentID = 3}});
+    EXPECT_EQ(songOf(environment.makeHistory("Gone", 1, "", "L1")), std::nullopt);
+}
+
 TEST_F(MediaItemBridgeTest, songsOutsideTheLibraryAreSearchedToo) {
     environment.library.publish({{.title = "Song", .persistentID = 1, .inLibrary = false},
                                  {.title = "Other", .persistentID = 2}});

@@ -43,7 +43,7 @@ class HistoryChartTest : public HistoryFixture {
         choose(10);
         EXPECT_TRUE(screen->snapshot() == before);
         EXPECT_FALSE(chart().highlightedX);
-        EXPECT_FALSE(screen->deselectSnapshot());
+        EXPECT_FALSE(screen->state()->deselectSnapshot);
     }
 };
 
@@ -120,8 +120,8 @@ TEST_F(HistoryChartTest, aChosenRangeOfExactlyAYearShowsItsDays) {
     EXPECT_THAT(chart().bars, SizeIs(365));
     EXPECT_THAT(bars(), ElementsAre("40: 100"));
     choose(40);
-    EXPECT_FALSE(screen->shouldDisplayMonthTitles());
-    EXPECT_EQ(screen->titleForHeaderInSection(1), "Feb 10, 2026");
+    EXPECT_FALSE(screen->state()->showsMonthTitles);
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "Feb 10, 2026");
 }
 
 TEST_F(HistoryChartTest, daysShowTheNewestWeekFirst) {
@@ -223,7 +223,7 @@ TEST_P(HistoryZones, noPlayIsLostOnADayWithoutAMidnight) {
     const auto screen = RVHistoryTableViewViewController::make();
     screen->updateDataSource();
     environment.runUntilIdle();
-    const HistoryChart& chart = *screen->statCell().chart;
+    const HistoryChart& chart = *screen->state()->statCell.chart;
     const NSDiffableDataSourceSnapshot& list = screen->snapshot();
     ASSERT_THAT(chart.bars, SizeIs(GetParam().days));
     ASSERT_EQ(list.numberOfSections(), GetParam().days + 1);

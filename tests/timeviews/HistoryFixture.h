@@ -10,73 +10,95 @@
 
 #include "platform/foundation/NSKeyedArchiver.h"
 #include "tests/support/RecordingEnvironment.h"
+#include "timeviews/RVDateRangeSelectorViewController.h"
 #include "timeviews/RVHistoryTableViewViewController.h"
 
 namespace tavrion {
 
-class RecordingHistoryScreen final : public HistoryScreen {
+/// Builds the first row of every list that has one, as a window does that stands at the top.
+class RecordingHistoryScreen final : public ScreenPort<HistoryPage> {
   public:
-    void applySnapshot(const NSDiffableDataSourceSnapshot& snapshot, bool animated) override {
-        applied.push_back(snapshot);
-        animations.push_back(animated);
-    }
-    void setBackgroundViewHidden(bool hidden) override { isBackgroundViewHidden = hidden; }
-    bool isStatCellOnHand() const override { return showsFirstRow; }
-    void totalsDidChange(const RVHistoryStatCell& cell) override {
-        totals.push_back(cell.playsLabel + " / " + cell.durationLabel);
-    }
-    void chartDidChange(const HistoryChart&) override { ++charts; }
-    void chartColorsDidChange(const HistoryChart& chart) override {
-        colors.push_back(chart.colors);
-    }
-    void dateRangeTitleDidChange() override { ++rangeTitles; }
-    void setShowsProgress(bool shows) override { progress.push_back(shows); }
-    void endRefreshing() override { ++endedRefreshings; }
-    void scrollToTop() override { ++scrolls; }
-    void presentDateRangeSelector(
-        std::unique_ptr<RVDateRangeSelectorViewController> presented) override {
-        selector = std::move(presented);
-    }
-    void presentTooltip(const std::string& title, const std::string& description,
-                        std::function<void()> presented) override {
-        tooltips.push_back(title + ": " + description);
-        if (showsTooltips) {
-            presented();
+    using Controller = RVHistoryTableViewViewController;
+
+    void stateDidChange(std::shared_ptr<const HistoryPage> state, StateChange how) override {
+        const auto before = std::exchange(page, std::move(state));
+        if (page->list != before->list) {
+            applied.push_back(*page->list);
+            animations.push_back(how == StateChange::animated);
+            reportFirstRow();
+        }
+        const RVHistoryStatCell& cell = page->statCell;
+        const std::string text = cell.playsLabel + " / " + cell.durationLabel;
+        if (text != before->statCell.playsLabel + " / " + before->statCell.durationLabel) {
+            totals.push_back(text);
+        }
+        if (page->chartRisings != before->chartRisings) {
+            ++charts;
+        } else if (cell.chart != before->statCell.chart) {
+            colors.push_back(cell.chart->colors);
+        }
+        if (page->dateRangeTitle != before->dateRangeTitle) {
+            ++rangeTitles;
+        }
+        if (page->showsProgress != before->showsProgress) {
+            progress.push_back(page->showsProgress);
+        }
+        if (whenChanged) {
+            whenChanged();
         }
     }
-    void presentQuestion(const HistoryDeletionQuestion& asked,
-                         std::function<void()> confirmed) override {
-        questions.push_back(asked);
-        confirm = std::move(confirmed);
+    void emit(ScreenEvent event) override {
+        if (const auto* signal = std::get_if<ScreenSignal>(&event)) {
+            signals.push_back(*signal);
+        } else if (auto* tooltip = std::get_if<Tooltip>(&event)) {
+            tooltips.push_back(*tooltip);
+            if (showsTooltips) {
+                tooltip->presented();
+            }
+        } else if (auto* alert = std::get_if<Alert>(&event)) {
+            alerts.push_back(*alert);
+        } else if (auto* route = std::get_if<Route>(&event)) {
+            routes.push_back(*route);
+        } else if (auto* request = std::get_if<PlaylistRequest>(&event)) {
+            playlist = *request;
+        }
     }
-    void presentCreatePlaylist(HistoryPlaylist made) override { playlist = std::move(made); }
-    void pushEntity(const MPMediaEntity& entity) override { pushed.push_back(entity); }
+    void reportFirstRow() const {
+        if (showsFirstRow && page->list->numberOfItemsInSection(0) > 0) {
+            controller->statCellDidAppear();
+        } else {
+            controller->statCellDidDisappear();
+        }
+    }
+    /// The answer that deletes.
+    void confirm() const { alerts.back().actions.front().handler(); }
 
+    Controller* controller = nullptr;
+    std::shared_ptr<const HistoryPage> page = std::make_shared<HistoryPage>();
     bool showsFirstRow = true;
     bool showsTooltips = true;
     std::vector<NSDiffableDataSourceSnapshot> applied;
     std::vector<bool> animations;
-    std::optional<bool> isBackgroundViewHidden;
     std::vector<std::string> totals;
     int charts = 0;
     std::vector<HistoryBarColors> colors;
     int rangeTitles = 0;
     std::vector<bool> progress;
-    int endedRefreshings = 0;
-    int scrolls = 0;
-    std::unique_ptr<RVDateRangeSelectorViewController> selector;
-    std::vector<std::string> tooltips;
-    std::vector<HistoryDeletionQuestion> questions;
-    std::function<void()> confirm;
-    std::optional<HistoryPlaylist> playlist;
-    std::vector<MPMediaEntity> pushed;
+    std::vector<ScreenSignal> signals;
+    std::vector<Tooltip> tooltips;
+    std::vector<Alert> alerts;
+    std::vector<Route> routes;
+    std::optional<PlaylistRequest> playlist;
+    std::function<void()> whenChanged;
 };
 
 class HistoryFixture : public testing::Test {
   protected:
     explicit HistoryFixture(const char* now = "2026-03-15T12:00:00Z",
                             const std::string& zone = "UTC")
-        : environment(instant(now), zone) {}
+        : environment(instant(now), zone) {
+        window.controller = screen.get();
+    }
 
     static NSDate instant(const std::string& text) { return *dateFromIsoText(text); }
     void choosePreset(DateRangePreset preset) {
@@ -101,13 +123,14 @@ class HistoryFixture : public testing::Test {
         environment.runUntilIdle();
         return screen->snapshot();
     }
-    const HistoryChart& chart() const { return *screen->statCell().chart; }
+    const HistoryChart& chart() const { return *screen->state()->statCell.chart; }
     void choose(std::size_t x) {
         screen->chartValueSelected(HistoryBar(chart().bars.at(x)));
         environment.runUntilIdle();
     }
     std::string totals() const {
-        return screen->statCell().playsLabel + " / " + screen->statCell().durationLabel;
+        const RVHistoryStatCell& cell = screen->state()->statCell;
+        return cell.playsLabel + " / " + cell.durationLabel;
     }
     /// The bars that are not empty, as "x: seconds".
     std::vector<std::string> bars() const {
@@ -140,7 +163,8 @@ class HistoryFixture : public testing::Test {
     RecordingEnvironment environment;
     RecordingHistoryScreen window;
     std::shared_ptr<RVHistoryTableViewViewController> screen =
-        RVHistoryTableViewViewController::make(&window);
+        RVHistoryTableViewViewController::make();
+    ScreenAttachment attachment = screen->attach(window);
 };
 
 }  // namespace tavrion

@@ -28,13 +28,12 @@ TEST_F(HistoryScreenTest, playsStandInTheirDaysTheNewestFirst) {
     EXPECT_EQ(listed(), (Days{{"2026-03-15T11:00:00.000Z", "2026-03-15T09:00:00.000Z"},
                               {"2026-03-13T10:00:00.000Z"}}));
     EXPECT_EQ(totals(), "2 / 6") << "distinct songs, and minutes of every play";
-    EXPECT_EQ(screen->statCell().durationCaption, "Minutes Listened");
-    EXPECT_TRUE(screen->isBackgroundViewHidden());
-    EXPECT_EQ(window.isBackgroundViewHidden, true);
+    EXPECT_EQ(screen->state()->statCell.durationCaption, "Minutes Listened");
+    EXPECT_TRUE(screen->state()->isBackgroundViewHidden);
     EXPECT_THAT(window.animations, ElementsAre(false));
-    EXPECT_EQ(screen->titleForHeaderInSection(0), std::nullopt);
-    EXPECT_EQ(screen->titleForHeaderInSection(1), "Today");
-    EXPECT_EQ(screen->titleForHeaderInSection(2), "Friday");
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(0), std::nullopt);
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "Today");
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(2), "Friday");
     EXPECT_FALSE(screen->hasActionButtonInSection(0));
     EXPECT_TRUE(screen->hasActionButtonInSection(1));
     EXPECT_FALSE(screen->hasActionButtonInSection(2));
@@ -46,7 +45,7 @@ TEST_F(HistoryScreenTest, withTheLongTimeTheCaptionIsAnotherOne) {
     play(one, "2026-03-15T10:00:00Z");
     update();
     EXPECT_EQ(totals(), "1 / 1:01:40");
-    EXPECT_EQ(screen->statCell().durationCaption, "Time Listened");
+    EXPECT_EQ(screen->state()->statCell.durationCaption, "Time Listened");
 }
 
 TEST_F(HistoryScreenTest, anEmptyRangeShowsTheEmptyStateAndTouchesNeitherTotalsNorChart) {
@@ -56,8 +55,7 @@ TEST_F(HistoryScreenTest, anEmptyRangeShowsTheEmptyStateAndTouchesNeitherTotalsN
     const std::string before = totals();
     chooseInterval("2020-01-01T00:00:00Z", "2020-01-31T23:59:59Z");
     EXPECT_TRUE(update().isEmpty());
-    EXPECT_FALSE(screen->isBackgroundViewHidden());
-    EXPECT_EQ(window.isBackgroundViewHidden, false);
+    EXPECT_FALSE(screen->state()->isBackgroundViewHidden);
     EXPECT_EQ(totals(), before);
     EXPECT_EQ(window.charts, 1);
     EXPECT_THAT(chart().bars, SizeIs(24));
@@ -97,7 +95,7 @@ TEST_F(HistoryScreenTest, aPlayOnAFirstOfAMonthCountsInTwoBarsAndIsListedInOne) 
     choose(1);
     EXPECT_EQ(listed(), (Days{{"2026-02-10T10:00:00.000Z"}}));
     EXPECT_EQ(totals(), "1 / 1") << "less than the bar says";
-    EXPECT_EQ(screen->titleForHeaderInSection(1), "February 2026");
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "February 2026");
     EXPECT_EQ(screen->snapshot().sectionIdentifier(1), Value(instant("2026-02-01T00:00:00Z")));
     choose(2);
     EXPECT_EQ(listed(), (Days{{"2026-03-01T10:00:00.000Z"}}));
@@ -112,7 +110,7 @@ TEST_F(HistoryScreenTest, aMonthOfOnlyASharedDayEmptiesTheListUntilTheChoiceIsTa
     const std::string before = totals();
     choose(1);
     EXPECT_TRUE(screen->snapshot().isEmpty()) << "the row of the totals is gone, too";
-    EXPECT_FALSE(screen->deselectCount());
+    EXPECT_FALSE(screen->state()->deselectCount);
     EXPECT_EQ(totals(), before);
     screen->chartValueNothingSelected();
     EXPECT_TRUE(screen->snapshot() == whole);
@@ -139,16 +137,16 @@ TEST_F(HistoryScreenTest, choosingFromBarToBarKeepsTheListOfTheRange) {
     EXPECT_EQ(totals(), "2 / 3");
     EXPECT_EQ(chart().highlightedX, 5U);
     EXPECT_EQ(chart().colors, HistoryBarColors::whileChosen());
-    EXPECT_EQ(screen->titleForHeaderInSection(1), "Yesterday");
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "Yesterday");
     choose(6);
     EXPECT_EQ(totals(), "1 / 1");
     screen->chartValueNothingSelected();
     EXPECT_TRUE(screen->snapshot() == whole);
     EXPECT_EQ(totals(), "3 / 5");
     EXPECT_EQ(chart().colors, HistoryBarColors());
-    EXPECT_FALSE(screen->deselectSnapshot());
-    EXPECT_FALSE(screen->deselectCount());
-    EXPECT_FALSE(screen->deselectMinutes());
+    EXPECT_FALSE(screen->state()->deselectSnapshot);
+    EXPECT_FALSE(screen->state()->deselectCount);
+    EXPECT_FALSE(screen->state()->deselectMinutes);
 }
 
 TEST_F(HistoryScreenTest, aTapOnAnEmptyBarTakesAChoiceBack) {
@@ -182,13 +180,13 @@ TEST_F(HistoryScreenTest, anUpdateWhileABarIsChosenKeepsWhatALaterDeselectionRes
     update();
     EXPECT_EQ(totals(), "2 / 5");
     EXPECT_FALSE(chart().highlightedX);
-    EXPECT_TRUE(*screen->deselectSnapshot() == whole);
-    EXPECT_EQ(screen->deselectCount(), "1");
-    EXPECT_EQ(screen->deselectMinutes(), "3");
+    EXPECT_TRUE(*screen->state()->deselectSnapshot == whole);
+    EXPECT_EQ(screen->state()->deselectCount, "1");
+    EXPECT_EQ(screen->state()->deselectMinutes, "3");
     screen->chartValueNothingSelected();
     EXPECT_TRUE(screen->snapshot() == whole) << "the list from before the update";
     EXPECT_EQ(totals(), "1 / 3");
-    EXPECT_FALSE(screen->deselectSnapshot());
+    EXPECT_FALSE(screen->state()->deselectSnapshot);
 }
 
 TEST_F(HistoryScreenTest, monthTitlesStayUntilTheNextUpdate) {
@@ -196,15 +194,15 @@ TEST_F(HistoryScreenTest, monthTitlesStayUntilTheNextUpdate) {
     PlaybackHistory one = song("One");
     play(one, "2026-02-10T10:00:00Z");
     update();
-    EXPECT_EQ(screen->titleForHeaderInSection(1), "Feb 10, 2026");
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "Feb 10, 2026");
     choose(1);
-    EXPECT_TRUE(screen->shouldDisplayMonthTitles());
+    EXPECT_TRUE(screen->state()->showsMonthTitles);
     screen->chartValueNothingSelected();
-    EXPECT_EQ(screen->titleForHeaderInSection(1), "February 2026") << "of a day's section, too";
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "February 2026")
+        << "of a day's section, too";
     screen->updateDataSource();
-    EXPECT_FALSE(screen->shouldDisplayMonthTitles()) << "at once";
     environment.runUntilIdle();
-    EXPECT_EQ(screen->titleForHeaderInSection(1), "Feb 10, 2026");
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "Feb 10, 2026");
 }
 
 TEST_F(HistoryScreenTest, aFirstRowThatIsNotOnHandIsToldNothing) {
@@ -213,9 +211,52 @@ TEST_F(HistoryScreenTest, aFirstRowThatIsNotOnHandIsToldNothing) {
     play(one, "2026-03-15T10:00:00Z");
     update();
     EXPECT_EQ(totals(), " / ");
-    EXPECT_FALSE(screen->statCell().chart);
+    EXPECT_FALSE(screen->state()->statCell.chart);
     EXPECT_THAT(window.totals, IsEmpty());
-    EXPECT_EQ(screen->statCell().durationCaption, "Minutes Listened");
+    EXPECT_EQ(screen->state()->statCell.durationCaption, "Minutes Listened");
+}
+
+TEST_F(HistoryScreenTest, aFirstRowThatComesLateGetsWhatItMissed) {
+    window.showsFirstRow = false;
+    PlaybackHistory one = song("One");
+    play(one, "2026-03-15T10:00:00Z");
+    update();
+    screen->statCellDidAppear();
+    EXPECT_EQ(totals(), "1 / 1");
+    environment.runUntilIdle();
+    EXPECT_EQ(window.charts, 1);
+    screen->statCellDidAppear();
+    environment.runUntilIdle();
+    EXPECT_EQ(window.charts, 1) << "once";
+}
+
+TEST_F(HistoryScreenTest, aScreenMayGoWhileItIsToldOfTheList) {
+    PlaybackHistory one = song("One");
+    play(one, "2026-03-15T10:00:00Z");
+    window.whenChanged = [this] {
+        attachment.detach();
+        screen.reset();
+    };
+    screen->updateDataSource();
+    environment.runUntilIdle();
+    EXPECT_THAT(window.applied, SizeIs(1));
+    EXPECT_THAT(window.totals, IsEmpty()) << "nothing came after it went";
+}
+
+TEST_F(HistoryScreenTest, aScreenMayGoWhileABarIsTapped) {
+    choosePreset(DateRangePreset::pastWeek);
+    PlaybackHistory one = song("One");
+    play(one, "2026-03-14T10:00:00Z");
+    update();
+    const HistoryBar bar = chart().bars.at(0);
+    window.whenChanged = [this] {
+        attachment.detach();
+        screen.reset();
+    };
+    std::weak_ptr<RVHistoryTableViewViewController> watched = screen;
+    screen->chartValueSelected(bar);
+    environment.runUntilIdle();
+    EXPECT_TRUE(watched.expired());
 }
 
 TEST_F(HistoryScreenTest, preservingTheChartLeavesItAsItIs) {
@@ -245,7 +286,7 @@ TEST_F(HistoryScreenTest, aScreenThatWentIsToldNothingMore) {
     PlaybackHistory one = song("One");
     play(one, "2026-03-15T10:00:00Z");
     screen->updateDataSource();
-    screen->screenDidGo();
+    attachment.detach();
     environment.runUntilIdle();
     EXPECT_THAT(window.applied, IsEmpty());
     screen->updateDataSource();

@@ -75,11 +75,11 @@ TEST_F(HistoryUpdatesTest, theWindowShowsProgressBetweenBeginAndEnd) {
     // The first update may have ended before anybody watched.
     window.progress.clear();
     update();
-    EXPECT_THAT(window.progress, ElementsAre(false));
+    EXPECT_THAT(window.progress, IsEmpty()) << "an end without a beginning changes nothing";
     PlaybackHistory one = song("One");
     playTimes(one, 1001);
     update();
-    EXPECT_THAT(window.progress, ElementsAre(false, true, false));
+    EXPECT_THAT(window.progress, ElementsAre(true, false));
 }
 
 TEST_F(HistoryUpdatesTest, otherPartsOfTheProgramCallForAnUpdate) {
@@ -116,7 +116,7 @@ TEST_F(HistoryUpdatesTest, anUpdateDoesNotWaitForASaveThatIsUnderWay) {
     environment.main().saveInBackground(
         *writer, [&](const Result<void>&) { isSaved = true; }, [&] { mayEnd.acquire(); });
     screen->updateDataSource();
-    environment.mainQueue->runUntil([&] { return screen->statCell().chart.has_value(); });
+    environment.mainQueue->runUntil([&] { return screen->state()->statCell.chart != nullptr; });
     EXPECT_FALSE(isSaved);
     EXPECT_EQ(totals(), "1 / 1");
     mayEnd.release();
@@ -134,11 +134,14 @@ TEST_F(HistoryUpdatesTest, aDeletedPlayLeavesTheListAndStaysInTheTotalsUntilTheN
     play(two, "2026-03-15T11:00:00Z");
     update();
     screen->dataSource().commitEditingStyle(UITableViewCellEditingStyle::deletion, {1, 1});
-    ASSERT_THAT(window.questions, SizeIs(1));
-    EXPECT_EQ(window.questions[0].title, "Are you sure?");
-    EXPECT_EQ(window.questions[0].message, "Deleted playback events can not be recovered.");
-    EXPECT_EQ(window.questions[0].deleteTitle, "Delete");
-    EXPECT_EQ(window.questions[0].cancelTitle, "Cancel");
+    ASSERT_THAT(window.alerts, SizeIs(1));
+    EXPECT_EQ(window.alerts[0].title, "Are you sure?");
+    EXPECT_EQ(window.alerts[0].message, "Deleted playback events can not be recovered.");
+    ASSERT_THAT(window.alerts[0].actions, SizeIs(2));
+    EXPECT_EQ(window.alerts[0].actions[0].title, "Delete");
+    EXPECT_EQ(window.alerts[0].actions[0].style, UIAlertActionStyle::destructive);
+    EXPECT_EQ(window.alerts[0].actions[1].title, "Cancel");
+    EXPECT_EQ(window.alerts[0].actions[1].style, UIAlertActionStyle::cancel);
     EXPECT_THAT(screen->snapshot().itemIdentifiersInSection(1), SizeIs(2)) << "not yet";
     window.confirm();
     EXPECT_THAT(listed(), ElementsAre(ElementsAre("2026-03-15T11:00:00.000Z"))) << "at once";
@@ -158,7 +161,7 @@ TEST_F(HistoryUpdatesTest, aDayThatLosesItsLastPlayStaysWithoutATitle) {
     screen->dataSource().commitEditingStyle(UITableViewCellEditingStyle::deletion, {1, 0});
     window.confirm();
     EXPECT_EQ(screen->snapshot().numberOfSections(), 2U);
-    EXPECT_EQ(screen->titleForHeaderInSection(1), std::nullopt);
+    EXPECT_EQ(screen->state()->titleForHeaderInSection(1), std::nullopt);
     environment.runUntilIdle();
 }
 
@@ -168,14 +171,14 @@ TEST_F(HistoryUpdatesTest, whoCancelsKeepsThePlayAndTheTotalsCannotBeDeleted) {
     update();
     screen->dataSource().commitEditingStyle(UITableViewCellEditingStyle::deletion, {1, 0});
     EXPECT_EQ(recordCount(), 1U);
-    window.questions.clear();
+    window.alerts.clear();
     const RVHistoryTableViewDiffableDataSource& list = screen->dataSource();
     EXPECT_FALSE(list.canEditRowAtIndexPath({0, 0}));
     EXPECT_TRUE(list.canEditRowAtIndexPath({1, 0}));
     EXPECT_EQ(list.editingStyleForRowAtIndexPath({1, 0}), UITableViewCellEditingStyle::deletion);
     screen->dataSource().commitEditingStyle(UITableViewCellEditingStyle::deletion, {0, 0});
     screen->dataSource().commitEditingStyle(UITableViewCellEditingStyle::deletion, {1, 9});
-    EXPECT_THAT(window.questions, IsEmpty());
+    EXPECT_THAT(window.alerts, IsEmpty());
 }
 
 TEST_F(HistoryUpdatesTest, thePlayThatWasAskedAboutIsDeletedWhateverTheListShowsMeanwhile) {
@@ -236,7 +239,60 @@ TEST_F(HistoryUpdatesTest, aSongThatLeftTheLibraryShowsTitleAndArtistAlone) {
     EXPECT_FALSE(row({1, 0}).property);
     EXPECT_FALSE(row({1, 0}).item);
     screen->didSelectRowAtIndexPath({1, 0});
-    EXPECT_THAT(window.pushed, IsEmpty());
+    EXPECT_THAT(window.routes, IsEmpty());
+}
+
+TEST_F(HistoryUpdatesTest, aRowIsFoundOffTheMainQueueAndIsTheSameOne) {
+    PlaybackHistory one = song("Old Title");
+    one.setLibraryID("L1");
+    play(one, "2026-03-15T10:00:00Z", true);
+    environment.library.publish(
+        {{.title = "One", .artist = "Singer", .duration = 90, .libraryID = "L1"},
+         {.title = "Other", .duration = 5}});
+    update();
+    std::optional<HistoryRow> loaded;
+    const ScreenRequest request = screen->loadRow({1, 0}, std::nullopt, [&](HistoryRow found) {
+        environment.mainQueue->assertCurrent();
+        loaded = std::move(found);
+    });
+    EXPECT_TRUE(request.isPending());
+    EXPECT_FALSE(screen->loadRow({0, 0}, std::nullopt, {}).isPending()) << "the totals are no play";
+    environment.runUntilIdle();
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(loaded->title.textWithoutAttachments(), "One");
+    EXPECT_EQ(loaded->subtitle, "Singer");
+    EXPECT_EQ(loaded->property, row({1, 0}).property);
+    EXPECT_EQ(one.title(), "One") << "the library's title is taken over";
+}
+
+TEST_F(HistoryUpdatesTest, rowsAndPicturesThatNobodyWantsAnyMoreDoNotCome) {
+    PlaybackHistory one = song("One");
+    play(one, "2026-03-15T10:00:00Z");
+    environment.library.publish({{.title = "One", .duration = 100}});
+    update();
+    int answers = 0;
+    const auto askForRow = [&] {
+        return screen->loadRow({1, 0}, std::nullopt, [&](const HistoryRow&) { ++answers; });
+    };
+    const auto askForPicture = [&] {
+        return screen->loadArtwork(*screen->itemForContextMenu({1, 0}),
+                                   [&](const UIImage& picture) {
+                                       environment.mainQueue->assertCurrent();
+                                       EXPECT_EQ(picture.kind(), UIImage::Kind::asset);
+                                       ++answers;
+                                   });
+    };
+    const ScreenRequest kept[] = {askForRow(), askForPicture()};
+    environment.runUntilIdle();
+    EXPECT_EQ(answers, 2);
+    askForRow().cancel();
+    askForPicture().cancel();
+    environment.runUntilIdle();
+    EXPECT_EQ(answers, 2);
+    const ScreenRequest late[] = {askForRow(), askForPicture()};
+    attachment.detach();
+    environment.runUntilIdle();
+    EXPECT_EQ(answers, 2) << "the screen has gone";
 }
 
 TEST_F(HistoryUpdatesTest, aTapOnAPlayOpensItsSong) {
@@ -246,8 +302,10 @@ TEST_F(HistoryUpdatesTest, aTapOnAPlayOpensItsSong) {
     update();
     screen->didSelectRowAtIndexPath({0, 0});
     screen->didSelectRowAtIndexPath({1, 0});
-    ASSERT_THAT(window.pushed, SizeIs(1));
-    EXPECT_EQ(window.pushed[0].persistentID(), 77U);
+    ASSERT_THAT(window.routes, SizeIs(1));
+    EXPECT_EQ(std::get<EntityRoute>(window.routes[0]).entity.persistentID(), 77U);
+    EXPECT_EQ(screen->itemForContextMenu({1, 0})->persistentID(), 77U);
+    EXPECT_FALSE(screen->itemForContextMenu({0, 0}));
 }
 
 TEST_F(HistoryUpdatesTest, aPlaylistIsMadeOfWhatIsListed) {
@@ -258,23 +316,29 @@ TEST_F(HistoryUpdatesTest, aPlaylistIsMadeOfWhatIsListed) {
     update();
     screen->createPlaylist();
     EXPECT_EQ(window.playlist->title, "Past Week");
-    EXPECT_EQ(window.playlist->items, screen->snapshot().itemIdentifiers());
-    EXPECT_THAT(window.playlist->items, SizeIs(3));
+    std::vector<Value> listedPlays;
+    for (const PlaylistRequest::Song& each : window.playlist->songs) {
+        listedPlays.emplace_back(std::get<NSManagedObjectID>(each).reference());
+    }
+    const std::vector<Value> rows = screen->snapshot().itemIdentifiers();
+    EXPECT_EQ(listedPlays, std::vector<Value>(rows.begin() + 1, rows.end()))
+        << "the first row stands for no song";
+    EXPECT_THAT(listedPlays, SizeIs(2));
     choose(5);
     screen->createPlaylist();
-    EXPECT_THAT(window.playlist->items, SizeIs(2)) << "the list of the chosen bar";
+    EXPECT_THAT(window.playlist->songs, SizeIs(1)) << "the list of the chosen bar";
 }
 
 // Hints and buttons
 
 TEST_F(HistoryUpdatesTest, thePromptToPullShowsInTheFirstRunAlone) {
     screen->viewDidLoad();
-    EXPECT_EQ(screen->prompt(), "Pull down to refresh.");
+    EXPECT_EQ(screen->state()->prompt, "Pull down to refresh.");
     EXPECT_TRUE(environment.defaults->boolForKey("DidShowHistoryPullToRefresh"));
     const auto next = RVHistoryTableViewViewController::make();
     next->viewDidLoad();
-    EXPECT_FALSE(next->prompt());
-    EXPECT_TRUE(screen->prompt()) << "for the rest of the run";
+    EXPECT_FALSE(next->state()->prompt);
+    EXPECT_TRUE(screen->state()->prompt) << "for the rest of the run";
     environment.runUntilIdle();
 }
 
@@ -291,9 +355,12 @@ TEST_F(HistoryUpdatesTest, theHintAboutRangesIsSeenOnce) {
     EXPECT_TRUE(environment.defaults->boolForKey("OnboardingDateRange"));
     screen->viewDidAppear();
     environment.runUntilIdle();
-    EXPECT_THAT(window.tooltips, SizeIs(2));
-    EXPECT_EQ(window.tooltips[1],
-              "Date Range: Tavrion begins recording your listening history once installed. As you "
+    ASSERT_THAT(window.tooltips, SizeIs(2));
+    EXPECT_EQ(window.tooltips[1].title, "Date Range");
+    EXPECT_EQ(window.tooltips[1].source, "dateRangeButton");
+    EXPECT_EQ(window.tooltips[1].arrowDirection, UIPopoverArrowDirection::up);
+    EXPECT_EQ(window.tooltips[1].text,
+              "Tavrion begins recording your listening history once installed. As you "
               "continue to use the app, you will be able to view your history over longer time "
               "periods.");
 }
@@ -304,7 +371,7 @@ TEST_F(HistoryUpdatesTest, aPullScansAndThenUpdates) {
                                   .playCount = 1,
                                   .lastPlayed = instant("2026-03-15T11:00:00Z")}});
     screen->refreshDataSource();
-    EXPECT_EQ(window.endedRefreshings, 1) << "at once";
+    EXPECT_THAT(window.signals, ElementsAre(ScreenSignal::endRefreshing)) << "at once";
     environment.runUntilIdle();
     EXPECT_THAT(listed(), ElementsAre(ElementsAre("2026-03-15T11:00:00.000Z")));
     EXPECT_EQ(environment.presenter.progressPopups, 0);
@@ -314,18 +381,24 @@ TEST_F(HistoryUpdatesTest, theRangeButtonShowsTheRangeAndOpensItsDrawer) {
     screen->viewDidLoad();
     choosePreset(DateRangePreset::pastMonth);
     environment.runUntilIdle();
-    EXPECT_EQ(window.rangeTitles, 1);
-    EXPECT_EQ(screen->dateRangeTitle().textWithoutAttachments(), "Past Month");
+    EXPECT_EQ(window.rangeTitles, 2) << "the first, and the chosen one";
+    EXPECT_EQ(screen->state()->dateRangeTitle.textWithoutAttachments(), "Past Month");
     screen->changeDateInterval();
-    EXPECT_EQ(window.selector->userDefaultKey(), "HistoryDateRangeObject");
+    ASSERT_THAT(window.routes, SizeIs(1));
+    EXPECT_EQ(std::get<DateRangeRoute>(window.routes[0]).userDefaultKey, "HistoryDateRangeObject");
+}
+
+TEST_F(HistoryUpdatesTest, theOneInFrontIsAskedAboutTabs) {
+    screen->viewDidAppear();
+    EXPECT_THAT(window.signals, ElementsAre(ScreenSignal::becomeTabBarDelegate));
 }
 
 TEST_F(HistoryUpdatesTest, aTapOnTheChosenTabScrollsToTheTop) {
     EXPECT_TRUE(screen->shouldSelectViewController(false, true));
     EXPECT_TRUE(screen->shouldSelectViewController(true, false));
-    EXPECT_EQ(window.scrolls, 0);
+    EXPECT_THAT(window.signals, IsEmpty());
     EXPECT_TRUE(screen->shouldSelectViewController(true, true));
-    EXPECT_EQ(window.scrolls, 1);
+    EXPECT_THAT(window.signals, ElementsAre(ScreenSignal::scrollToTop));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "platform/foundation/NSKeyedArchiver.h"
 #include "platform/mediaplayer/MPMusicPlayerController.h"
 #include "tests/support/RecordingEnvironment.h"
+#include "timeviews/RVDateRangeSelectorViewController.h"
 #include "timeviews/RVTrendingCollectionViewController.h"
 
 namespace tavrion {
@@ -37,50 +38,77 @@ class RecordingMusicPlayer final : public MPMusicPlayerController {
 };
 
 /// Builds the buttons above every section that it shows, as a window does that is tall enough.
-class RecordingTrendingScreen final : public TrendingScreen {
+class RecordingTrendingScreen final : public ScreenPort<TrendingPage> {
   public:
-    void applySnapshot(const TrendingSnapshot& snapshot, bool animated) override {
-        told.push_back(animated ? "snapshot, animated" : "snapshot");
-        for (const int section : snapshot.sectionIdentifiers()) {
+    void stateDidChange(std::shared_ptr<const TrendingPage> state, StateChange how) override {
+        const auto before = std::exchange(page, std::move(state));
+        const auto tell = [&](bool isOther, const char* text) {
+            if (isOther) {
+                told.emplace_back(text);
+            }
+        };
+        tell(page->dateRangeTitle != before->dateRangeTitle, "range title");
+        tell(page->groupingTitle != before->groupingTitle, "grouping title");
+        if (page->showsProgress != before->showsProgress) {
+            told.emplace_back(page->showsProgress ? "progress" : "no progress");
+        }
+        if (page->ranking.songs != before->ranking.songs ||
+            page->ranking.collections != before->ranking.collections) {
+            told.emplace_back(page->showsBackgroundView ? "background" : "background hidden");
+            told.emplace_back(how == StateChange::animated ? "snapshot, animated" : "snapshot");
+            buildControls();
+        }
+        if (whenChanged) {
+            whenChanged();
+        }
+    }
+    void emit(ScreenEvent event) override {
+        if (const auto* signal = std::get_if<ScreenSignal>(&event)) {
+            told.emplace_back(nameOf(*signal));
+        } else if (auto* tooltip = std::get_if<Tooltip>(&event)) {
+            hints.push_back(*tooltip);
+            if (showsTooltips) {
+                tooltip->presented();
+            }
+        } else if (auto* route = std::get_if<Route>(&event)) {
+            routes.push_back(*route);
+        } else if (auto* request = std::get_if<PlaylistRequest>(&event)) {
+            playlist = *request;
+        }
+    }
+    void buildControls() {
+        for (const int section : page->ranking.sectionIdentifiers()) {
             if (showsControls) {
                 controls[section] = controller->controlsForSection(section);
+                controller->controlsDidAppear(section);
             }
         }
     }
-    void setBackgroundViewHidden(bool hidden) override {
-        told.push_back(hidden ? "background hidden" : "background");
-    }
-    void dateRangeTitleDidChange() override { told.push_back("range title"); }
-    void groupingTitleDidChange() override { told.push_back("grouping title"); }
-    void setShowsProgress(bool shows) override {
-        told.push_back(shows ? "progress" : "no progress");
-    }
-    void endRefreshing() override { told.push_back("refreshed"); }
-    void scrollToTop() override { told.push_back("top"); }
-    void becomeTabBarDelegate() override { told.push_back("delegate"); }
-    void giveLightImpact() override { told.push_back("impact"); }
-    void presentDateRangeSelector(
-        std::unique_ptr<RVDateRangeSelectorViewController> presented) override {
-        selector = std::move(presented);
-    }
-    void presentTooltip(const TrendingHint& hint, std::function<void()> presented) override {
-        hints.push_back(hint);
-        if (showsTooltips) {
-            presented();
+    static const char* nameOf(ScreenSignal signal) {
+        switch (signal) {
+            case ScreenSignal::scrollToTop:
+                return "top";
+            case ScreenSignal::endRefreshing:
+                return "refreshed";
+            case ScreenSignal::lightImpact:
+                return "impact";
+            case ScreenSignal::becomeTabBarDelegate:
+                return "delegate";
+            default:
+                return "something that this page has no use for";
         }
     }
-    void presentCreatePlaylist(TrendingPlaylist made) override { playlist = std::move(made); }
-    void pushEntity(const MPMediaEntity& entity) override { pushed.push_back(entity); }
 
     RVTrendingCollectionViewController* controller = nullptr;
+    std::shared_ptr<const TrendingPage> page = std::make_shared<TrendingPage>();
     bool showsControls = true;
     bool showsTooltips = true;
     std::vector<std::string> told;
     std::map<int, std::optional<TrendingControls>> controls;
-    std::unique_ptr<RVDateRangeSelectorViewController> selector;
-    std::vector<TrendingHint> hints;
-    std::optional<TrendingPlaylist> playlist;
-    std::vector<MPMediaEntity> pushed;
+    std::vector<Tooltip> hints;
+    std::vector<Route> routes;
+    std::optional<PlaylistRequest> playlist;
+    std::function<void()> whenChanged;
 };
 
 class TrendingFixture : public testing::Test {
@@ -177,7 +205,8 @@ class TrendingFixture : public testing::Test {
     Port<MPMusicPlayerController>::Plug playerPlug{player};
     RecordingTrendingScreen window;
     std::shared_ptr<RVTrendingCollectionViewController> screen =
-        RVTrendingCollectionViewController::make(&window);
+        RVTrendingCollectionViewController::make();
+    ScreenAttachment attachment = screen->attach(window);
 };
 
 }  // namespace tavrion

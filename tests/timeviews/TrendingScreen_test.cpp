@@ -34,7 +34,7 @@ class TrendingScreenTest : public TrendingFixture {
     bool flag(const char* key) const { return environment.defaults->boolForKey(key); }
     std::vector<std::string> hintTitles() const {
         std::vector<std::string> titles;
-        for (const TrendingHint& hint : window.hints) {
+        for (const Tooltip& hint : window.hints) {
             titles.push_back(hint.title);
         }
         return titles;
@@ -48,7 +48,8 @@ class TrendingScreenTest : public TrendingFixture {
 TEST_F(TrendingScreenTest, loadingRanksAndTellsTheProgressOnTheMainQueue) {
     song("One", 2);
     load();
-    EXPECT_THAT(told(), ElementsAre("progress", "no progress", "background hidden", "snapshot"));
+    EXPECT_THAT(told(), ElementsAre("range title", "grouping title", "progress", "no progress",
+                                    "background hidden", "snapshot"));
     EXPECT_EQ(screen->snapshot().songs.size(), 1U);
 }
 
@@ -60,22 +61,23 @@ TEST_F(TrendingScreenTest, withoutASongTheBackgroundShowsWhateverTheCollections)
     load();
     EXPECT_EQ(screen->snapshot().collections.size(), 1U);
     EXPECT_THAT(screen->snapshot().songs, IsEmpty());
-    EXPECT_THAT(told(), ElementsAre("progress", "no progress", "background", "snapshot"));
-    EXPECT_TRUE(screen->showsBackgroundView());
+    EXPECT_THAT(told(), ElementsAre("range title", "grouping title", "progress", "no progress",
+                                    "background", "snapshot"));
+    EXPECT_TRUE(screen->state()->showsBackgroundView);
 }
 
 TEST_F(TrendingScreenTest, theBackgroundIsHiddenAtFirst) {
-    EXPECT_FALSE(screen->showsBackgroundView());
+    EXPECT_FALSE(screen->state()->showsBackgroundView);
     EXPECT_THAT(screen->snapshot().sectionIdentifiers(), ElementsAre(0));
 }
 
 TEST_F(TrendingScreenTest, theWordsAboutPullingShowOnceInALife) {
     load();
-    EXPECT_EQ(screen->prompt(), "Pull down to refresh.");
+    EXPECT_EQ(screen->state()->prompt, "Pull down to refresh.");
     EXPECT_TRUE(flag("DidShowTrendingPullToRefresh"));
     const auto second = RVTrendingCollectionViewController::make();
     second->viewDidLoad();
-    EXPECT_EQ(second->prompt(), std::nullopt);
+    EXPECT_EQ(second->state()->prompt, std::nullopt);
     environment.runUntilIdle();
 }
 
@@ -93,15 +95,16 @@ TEST_F(TrendingScreenTest, theDrawerOfTheRangeTellsTheScreen) {
     song("One", 2);
     load();
     screen->changeDateInterval();
-    ASSERT_NE(window.selector, nullptr);
-    EXPECT_EQ(window.selector->userDefaultKey(), "TrendingDateRangeObject");
-    window.selector->viewDidLoad();
+    const auto selector = RVDateRangeSelectorViewController::initWithUserDefault(
+        std::get<DateRangeRoute>(window.routes.at(0)).userDefaultKey);
+    EXPECT_EQ(selector->userDefaultKey(), "TrendingDateRangeObject");
+    selector->viewDidLoad();
     window.told.clear();
-    window.selector->presetSegmentedControl().setSelectedIndex(1, true);
+    selector->presetSegmentedControl().setSelectedIndex(1, true);
     environment.runUntilIdle();
     EXPECT_THAT(told(), ElementsAre("range title")) << "the button follows at once";
-    EXPECT_EQ(screen->dateRangeTitle().textWithoutAttachments(), "Past Week");
-    window.selector->viewWillDisappear();
+    EXPECT_EQ(screen->state()->dateRangeTitle.textWithoutAttachments(), "Past Week");
+    selector->viewWillDisappear();
     environment.runUntilIdle();
     EXPECT_THAT(screen->snapshot().songs, IsEmpty());
 }
@@ -110,7 +113,8 @@ TEST_F(TrendingScreenTest, aScreenThatHasGoneIsToldNothing) {
     song("One", 2);
     environment.library.publish(songs);
     screen->viewDidLoad();
-    screen->screenDidGo();
+    attachment.detach();
+    window.told.clear();
     environment.runUntilIdle();
     screen->viewDidAppear();
     screen->changeDateInterval();
@@ -119,6 +123,22 @@ TEST_F(TrendingScreenTest, aScreenThatHasGoneIsToldNothing) {
     environment.runUntilIdle();
     EXPECT_THAT(window.told, IsEmpty());
     EXPECT_EQ(screen->snapshot().songs.size(), 1U);
+}
+
+TEST_F(TrendingScreenTest, aScreenMayGoWhileItIsToldOfTheRanking) {
+    song("One", 2);
+    environment.library.publish(songs);
+    window.whenChanged = [this] {
+        if (!window.page->ranking.songs.empty()) {
+            attachment.detach();
+            screen.reset();
+        }
+    };
+    screen->updateDataSource();
+    environment.runUntilIdle();
+    EXPECT_EQ(screen, nullptr);
+    EXPECT_THAT(told(), ElementsAre("background hidden", "snapshot"));
+    EXPECT_THAT(window.hints, IsEmpty());
 }
 
 TEST_F(TrendingScreenTest, theOneInFrontIsAskedAboutTabs) {
@@ -170,19 +190,19 @@ TEST_F(TrendingScreenTest, whatALookUpTakesOverHidesNoLaterChange) {
 TEST_F(TrendingScreenTest, sectionsAreArrangedByWhatIsInThem) {
     song("One", 2);
     update();
-    EXPECT_EQ(screen->layoutForSectionAtIndex(0),
+    EXPECT_EQ(screen->state()->layoutForSectionAtIndex(0),
               (TrendingSectionLayout{Arrangement::rows, "RVEntityRowCell", false}));
-    EXPECT_EQ(screen->layoutForSectionAtIndex(1),
+    EXPECT_EQ(screen->state()->layoutForSectionAtIndex(1),
               (TrendingSectionLayout{Arrangement::columns, "RVEntityColumnCell", true}));
-    EXPECT_EQ(screen->layoutForSectionAtIndex(2),
+    EXPECT_EQ(screen->state()->layoutForSectionAtIndex(2),
               (TrendingSectionLayout{Arrangement::rows, "RVEntityRowCell", true}));
-    EXPECT_EQ(screen->layoutForSectionAtIndex(3), std::nullopt);
+    EXPECT_EQ(screen->state()->layoutForSectionAtIndex(3), std::nullopt);
     group(7);
     update();
-    EXPECT_EQ(screen->layoutForSectionAtIndex(1),
+    EXPECT_EQ(screen->state()->layoutForSectionAtIndex(1),
               (TrendingSectionLayout{Arrangement::rows, "RVEntityRowCell", true}))
         << "without collections the songs stand second";
-    EXPECT_EQ(screen->layoutForSectionAtIndex(2), std::nullopt);
+    EXPECT_EQ(screen->state()->layoutForSectionAtIndex(2), std::nullopt);
 }
 
 TEST_F(TrendingScreenTest, aSongShowsItsPlaysItsArtistAndItsRank) {
@@ -232,12 +252,18 @@ TEST_F(TrendingScreenTest, artworkComesOnTheMainQueue) {
     song("One", 2);
     update();
     int loaded = 0;
-    screen->loadArtwork(screen->snapshot().songs.front()->entity, [&](const UIImage&) {
-        environment.mainQueue->assertCurrent();
-        ++loaded;
-    });
+    const auto load = [&] {
+        return screen->loadArtwork(screen->snapshot().songs.front()->entity, [&](const UIImage&) {
+            environment.mainQueue->assertCurrent();
+            ++loaded;
+        });
+    };
+    const ScreenRequest request = load();
     environment.runUntilIdle();
     EXPECT_EQ(loaded, 1);
+    load().cancel();
+    environment.runUntilIdle();
+    EXPECT_EQ(loaded, 1) << "nobody wants it any more";
 }
 
 TEST_F(TrendingScreenTest, aboveTheCollectionsStandsTheGroupingSwitchAlone) {
@@ -263,12 +289,15 @@ TEST_F(TrendingScreenTest, aboveTheSongsStandTheTwoActionsWithoutMenus) {
 
 TEST_F(TrendingScreenTest, theGroupingSwitchSaysTheWordOfItsNumber) {
     const std::vector<std::string> words{"Artists", "Albums", "Genres", "", ""};
+    const auto title = [this] {
+        return screen->controlsForSection(TrendingSnapshot::collectionsSection)->first.title;
+    };
     for (std::size_t grouping = 0; grouping < words.size(); ++grouping) {
         group(static_cast<int>(grouping));
-        EXPECT_EQ(screen->groupingTitle(), titled(words[grouping], "square.split.1x2"));
+        EXPECT_EQ(title(), titled(words[grouping], "square.split.1x2"));
     }
     group(-1);
-    EXPECT_EQ(screen->groupingTitle(), titled("", "square.split.1x2"));
+    EXPECT_EQ(title(), titled("", "square.split.1x2"));
 }
 
 TEST_F(TrendingScreenTest, theGroupingMenuStoresItsNumberAndRanksAnew) {
@@ -285,7 +314,9 @@ TEST_F(TrendingScreenTest, theGroupingMenuStoresItsNumberAndRanksAnew) {
     for (const std::size_t choice : {2U, 1U, 0U}) {
         window.told.clear();
         menu.children[choice].handler();
-        EXPECT_THAT(told(), ElementsAre("grouping title"));
+        const NSAttributedString word = window.page->groupingTitle;
+        EXPECT_EQ(word.textWithoutAttachments(), titles[choice]) << "at once";
+        EXPECT_EQ(word, screen->state()->groupingTitle);
         EXPECT_EQ(environment.defaults->integerForKey("TrendingGroupingType"),
                   static_cast<std::int64_t>(choice));
         environment.runUntilIdle();
@@ -299,7 +330,8 @@ TEST_F(TrendingScreenTest, rowsOpenTheirPageAndTheirMenu) {
     const TrendingRow& row = screen->snapshot().songs.front();
     screen->didSelectRow(row);
     screen->didSelectRow(nullptr);
-    EXPECT_THAT(window.pushed, ElementsAre(row->entity));
+    ASSERT_EQ(window.routes.size(), 1U);
+    EXPECT_EQ(std::get<EntityRoute>(window.routes[0]), EntityRoute{row->entity});
     EXPECT_EQ(RVTrendingCollectionViewController::entityForContextMenu(row), row->entity);
     EXPECT_EQ(RVTrendingCollectionViewController::entityForContextMenu(nullptr), std::nullopt);
     EXPECT_EQ(RVTrendingCollectionViewController::entityForContextMenu(
@@ -330,9 +362,9 @@ TEST_F(TrendingScreenTest, aNewPlaylistIsTheRangesNameAndTheSongs) {
     environment.defaults->setObject("TrendingDateRangeObject", 4);
     screen->createPlaylist();
     EXPECT_EQ(window.playlist->title, "Lifetime");
-    ASSERT_EQ(window.playlist->items.size(), 2U);
-    EXPECT_EQ(window.playlist->items[0].item()->title(), "Two");
-    EXPECT_EQ(window.playlist->items[1].item()->title(), "One");
+    ASSERT_EQ(window.playlist->songs.size(), 2U);
+    EXPECT_EQ(std::get<MPMediaItem>(window.playlist->songs[0]).title(), "Two");
+    EXPECT_EQ(std::get<MPMediaItem>(window.playlist->songs[1]).title(), "One");
 }
 
 // Hints
@@ -341,7 +373,7 @@ TEST_F(TrendingScreenTest, theSecondHintWaitsForAnUpdateAfterTheFirst) {
     song("One", 2);
     update();
     ASSERT_THAT(hintTitles(), ElementsAre("PlayBack"));
-    EXPECT_EQ(window.hints[0].source, TrendingHint::Source::playlistButton);
+    EXPECT_EQ(window.hints[0].source, "playlistButton");
     EXPECT_EQ(window.hints[0].text,
               "PlayBack creates a dynamic list of your top songs based on a mix of stats like play "
               "count and time listened. Save versions of your PlayBack results by exporting them "
@@ -350,7 +382,7 @@ TEST_F(TrendingScreenTest, theSecondHintWaitsForAnUpdateAfterTheFirst) {
     EXPECT_FALSE(flag("OnboardingAlbums"));
     update();
     ASSERT_THAT(hintTitles(), ElementsAre("PlayBack", "Trending Collections"));
-    EXPECT_EQ(window.hints[1].source, TrendingHint::Source::collectionButton);
+    EXPECT_EQ(window.hints[1].source, "collectionButton");
     EXPECT_EQ(window.hints[1].text, "Toggle between your trending artists and albums.");
     EXPECT_TRUE(flag("OnboardingAlbums"));
     update();
@@ -364,9 +396,12 @@ TEST_F(TrendingScreenTest, aHintNeedsItsButton) {
     EXPECT_THAT(window.hints, IsEmpty());
     screen->controlsForSection(TrendingSnapshot::collectionsSection);
     update();
+    EXPECT_THAT(window.hints, IsEmpty()) << "asking for a button has no effect";
+    screen->controlsDidAppear(TrendingSnapshot::collectionsSection);
+    update();
     EXPECT_THAT(hintTitles(), ElementsAre("Trending Collections"))
         << "the other button was not shown yet";
-    screen->controlsForSection(TrendingSnapshot::songsSection);
+    screen->controlsDidAppear(TrendingSnapshot::songsSection);
     update();
     EXPECT_THAT(hintTitles(), ElementsAre("Trending Collections", "PlayBack"));
 }
@@ -383,8 +418,7 @@ TEST_F(TrendingScreenTest, aHintThatCouldNotBeShownComesAgain) {
 TEST_F(TrendingScreenTest, withoutCollectionsThereIsNoGroupingSwitchAndWithoutSongsNoAction) {
     song("Never", 0);
     update();
-    EXPECT_FALSE(window.controls[0]);
-    EXPECT_EQ(window.controls.size(), 1U) << "neither a switch nor an action was built";
+    EXPECT_TRUE(window.controls.empty()) << "neither a switch nor an action was built";
     EXPECT_THAT(window.hints, IsEmpty());
     song("One", 2);
     group(9);

@@ -20,7 +20,7 @@ class TrendingTest : public TrendingFixture {};
 TEST_F(TrendingTest, withoutPlaysThereIsOnlyTheDateAndTwoNotifications) {
     song("Never", 0);
     EXPECT_THAT(update().sectionIdentifiers(), ElementsAre(0));
-    EXPECT_TRUE(screen->showsBackgroundView());
+    EXPECT_TRUE(screen->state()->showsBackgroundView);
     EXPECT_THAT(told, ElementsAre("RVTrendingUpdateDidBegin", "RVTrendingUpdateDidEnd"));
     EXPECT_THAT(noted, IsEmpty());
 }
@@ -32,7 +32,7 @@ TEST_F(TrendingTest, songsAndArtistsByTheirPlays) {
     EXPECT_THAT(texts(update().songs), ElementsAre("Two 3 0", "One 2 0", "Three 2 0"));
     EXPECT_THAT(texts(screen->snapshot().collections), ElementsAre("A 4 0", "B 3 0"));
     EXPECT_THAT(screen->snapshot().sectionIdentifiers(), ElementsAre(0, 1, 2));
-    EXPECT_FALSE(screen->showsBackgroundView());
+    EXPECT_FALSE(screen->state()->showsBackgroundView);
 }
 
 TEST_F(TrendingTest, byTimeEveryPlayCountsTheWholeDuration) {

@@ -7,6 +7,7 @@
 #include "apps/tavrionctl/PlayRows.h"
 #include "apps/tavrionctl/RangeArgument.h"
 #include "apps/tavrionctl/Session.h"
+#include "timeviews/RVHistoryTableViewViewController.h"
 
 namespace tavrion::ctl {
 namespace {
@@ -26,12 +27,12 @@ const char* nameOf(HistoryChartForm form) {
 }
 
 void writeBars(JsonWriter& json, const HistoryPage& page) {
-    json.key("form").text(nameOf(historyChartForm(page.range, page.interval)));
+    json.key("form").text(nameOf(historyChartForm(*page.range, *page.interval)));
     json.key("bars").beginArray();
-    if (page.chart) {
-        for (const HistoryBar& bar : page.chart->bars) {
+    if (const auto& chart = page.statCell.chart) {
+        for (const HistoryBar& bar : chart->bars) {
             json.beginObject().key("x").unsignedInteger(bar.x);
-            json.key("label").text(page.chart->label(bar));
+            json.key("label").text(chart->label(bar));
             json.key("seconds").number(bar.y);
             json.key("date").optionalInstant(bar.data).endObject();
         }
@@ -41,16 +42,16 @@ void writeBars(JsonWriter& json, const HistoryPage& page) {
 
 void writeSections(JsonWriter& json, const HistoryPage& page, NSManagedObjectContext& context) {
     const auto records = context.snapshot();
-    HistoryRows rows(context);
+    HistoryRows rows;
     json.key("sections").beginArray();
-    for (std::size_t section = 1; section < page.list.numberOfSections(); ++section) {
-        json.beginObject().key("title").text(page.titleOfSection(section));
-        json.key("date").instant(*page.list.sectionIdentifier(section).get<NSDate>());
+    for (std::size_t section = 1; section < page.list->numberOfSections(); ++section) {
+        json.beginObject().key("title").text(page.titleForHeaderInSection(section).value_or(""));
+        json.key("date").instant(*page.list->sectionIdentifier(section).get<NSDate>());
         json.key("plays").beginArray();
-        for (std::size_t row = 0; row < page.list.numberOfItemsInSection(section); ++row) {
-            const Value item = *page.list.itemIdentifierForIndexPath({section, row});
+        for (std::size_t row = 0; row < page.list->numberOfItemsInSection(section); ++row) {
+            const Value item = *page.list->itemIdentifierForIndexPath({section, row});
             const NSManagedObjectID id = NSManagedObjectID::of(*item.get<ObjectReference>());
-            const HistoryRow shown = rows.rowOf(id, std::nullopt);
+            const HistoryRow shown = shownRow(rows, *records, id, std::nullopt, context);
             json.beginObject();
             writeKeysOfPlay(json, playRowOf(*records, id.counter));
             json.key("subtitle").optionalText(shown.subtitle);
@@ -70,21 +71,22 @@ void writeSections(JsonWriter& json, const HistoryPage& page, NSManagedObjectCon
 void writePage(const HistoryPage& page, NSManagedObjectContext& context) {
     JsonWriter json(stdout);
     json.beginObject().key("interval").beginObject();
-    json.key("start").instant(page.interval.startDate());
-    json.key("end").instant(page.interval.endDate()).endObject();
+    json.key("start").instant(page.interval->startDate());
+    json.key("end").instant(page.interval->endDate()).endObject();
     json.key("songs").unsignedInteger(page.totals.songs);
     json.key("seconds").number(page.totals.seconds);
-    json.key("songsText").text(page.songsText());
-    json.key("secondsText").text(page.secondsText());
-    json.key("caption").text(page.caption());
+    json.key("songsText").text(page.statCell.playsLabel);
+    json.key("secondsText").text(page.statCell.durationLabel);
+    json.key("caption").text(page.statCell.durationCaption);
     writeBars(json, page);
     writeSections(json, page, context);
     json.endObject().finish();
 }
 
-void printPage(const HistoryPage& page, NSManagedObjectContext& context) {
+void printPage(const HistoryPage& page, const std::string& rangeTitle,
+               NSManagedObjectContext& context) {
     const TerminalAbilities abilities = TerminalAbilities::ofStandardOutput();
-    HistoryText(page, terminalColumns().value_or(columnsWithoutTerminal), abilities)
+    HistoryText(page, rangeTitle, terminalColumns().value_or(columnsWithoutTerminal), abilities)
         .print(context, [](const std::string& line) { fmt::print("{}\n", line); });
 }
 
@@ -93,28 +95,35 @@ void giveHint(Session& session) {
     if (session.defaults().boolForKey(HistoryDefaults::onboardingDateRange)) {
         return;
     }
-    const HistoryHint hint = RVHistoryTableViewViewController::dateRangeHint();
+    const Tooltip hint = RVHistoryTableViewViewController::dateRangeTooltip();
     session.say(hint.title + ": " + hint.text);
-    session.defaults().setObject(HistoryDefaults::onboardingDateRange, true);
+    hint.presented();
 }
 
 /// A bar that cannot be chosen is told and leaves the page as it is.
 Outcome chooseBar(std::int64_t bar, HistoryPage& page, Session& session,
                   NSManagedObjectContext& context) {
-    if (page.isEmpty()) {
+    if (!page.statCell.chart) {
         session.say("there is no bar to choose, because nothing was played in this time");
         return {};
     }
-    const auto count = static_cast<std::int64_t>(page.chart->bars.size());
+    const auto count = static_cast<std::int64_t>(page.statCell.chart->bars.size());
     if (bar < 0 || bar >= count) {
         return Outcome::usage(
             fmt::format("there is no bar {}; this range has the bars 0 to {}", bar, count - 1));
     }
-    if (!page.choose(static_cast<std::size_t>(bar), context)) {
-        session.say(page.chart->isTapHighlightEnabled
+    const HistoryBar entry = page.statCell.chart->bars[static_cast<std::size_t>(bar)];
+    if (!page.highlight(entry)) {
+        session.say(page.statCell.chart->isTapHighlightEnabled
                         ? fmt::format("bar {} is empty, so that it can't be chosen", bar)
                         : "the hours of a day can't be chosen");
+        return {};
     }
+    HistorySelection selection =
+        HistorySelection::of(context.snapshot(), *entry.data, page.range->isCurrentYear());
+    const PlayTotals totals = selection.totals;
+    page.showSelection(std::move(selection));
+    page.showSelectionTotals(totals);
     return {};
 }
 
@@ -148,13 +157,17 @@ Outcome HistoryCommand::execute(Session& session) {
         asked = DateRange::stored(DateRangeKey::history);
     }
     NSManagedObjectContext& context = *session.data().mainContext();
-    HistoryPage page = HistoryPage::of(*asked, context);
+    HistoryPage page = HistoryPage::of(context.snapshot(), *asked);
     if (bar_) {
         if (Outcome chosen = chooseBar(*bar_, page, session, context); !chosen.isDone()) {
             return chosen;
         }
     }
-    session.options().json ? writePage(page, context) : printPage(page, context);
+    if (session.options().json) {
+        writePage(page, context);
+    } else {
+        printPage(page, asked->title(), context);
+    }
     giveHint(session);
     return {};
 }

@@ -66,9 +66,22 @@ BarChartText textOf(const HistoryChart& chart) {
 
 }  // namespace
 
-HistoryText::HistoryText(const HistoryPage& page, std::size_t width,
+HistoryRow shownRow(HistoryRows& rows, const StoreVersion& records, NSManagedObjectID play,
+                    const std::optional<UIFont>& font, NSManagedObjectContext& context) {
+    HistoryRow row = *rows.rowOf(records, play, font);
+    if (row.item) {
+        HistoryRows::takeOver(*row.item, play, context);
+    }
+    return row;
+}
+
+HistoryText::HistoryText(const HistoryPage& page, std::string rangeTitle, std::size_t width,
                          const TerminalAbilities& abilities)
-    : page_(page), width_(width), abilities_(abilities), time_(widthOfTimes()) {
+    : page_(page),
+      rangeTitle_(std::move(rangeTitle)),
+      width_(width),
+      abilities_(abilities),
+      time_(widthOfTimes()) {
     const std::size_t others = margin + time_ + 1 + 2 * gap;
     const std::size_t room = width_ > others ? width_ - others : 0;
     title_ = std::min(room * 3 / 5, widestTitle);
@@ -78,12 +91,12 @@ HistoryText::HistoryText(const HistoryPage& page, std::size_t width,
 void HistoryText::print(NSManagedObjectContext& context,
                         const std::function<void(const std::string&)>& line) const {
     printTop(line);
-    if (page_.chart) {
+    if (page_.statCell.chart) {
         printChart(line);
     }
-    HistoryRows rows(context);
+    HistoryRows rows;
     bool hasEstimates = false;
-    for (std::size_t section = 1; section < page_.list.numberOfSections(); ++section) {
+    for (std::size_t section = 1; section < page_.list->numberOfSections(); ++section) {
         hasEstimates = printDay(section, context, rows, line) || hasEstimates;
     }
     if (hasEstimates) {
@@ -93,20 +106,22 @@ void HistoryText::print(NSManagedObjectContext& context,
 }
 
 void HistoryText::printTop(const std::function<void(const std::string&)>& line) const {
-    line(styled(trimmed(fitted(page_.range.title(), width_)), TextStyle::bold, abilities_));
-    if (page_.isEmpty()) {
+    line(styled(trimmed(fitted(rangeTitle_, width_)), TextStyle::bold, abilities_));
+    if (!page_.statCell.chart) {
         line("");
         line("Nothing was played in this time.");
         line("Choose another with --range, or record plays with tavrionctl scan.");
         return;
     }
-    line(fmt::format("{} {}   {} {}", styled(page_.songsText(), TextStyle::bold, abilities_),
+    line(fmt::format("{} {}   {} {}",
+                     styled(page_.statCell.playsLabel, TextStyle::bold, abilities_),
                      page_.totals.songs == 1 ? "Song" : "Songs",
-                     styled(page_.secondsText(), TextStyle::bold, abilities_), page_.caption()));
+                     styled(page_.statCell.durationLabel, TextStyle::bold, abilities_),
+                     page_.statCell.durationCaption));
 }
 
 void HistoryText::printChart(const std::function<void(const std::string&)>& line) const {
-    const BarChartText chart = textOf(*page_.chart);
+    const BarChartText chart = textOf(*page_.statCell.chart);
     line("");
     for (const std::string& each : chart.lines(width_, abilities_)) {
         line(each);
@@ -121,27 +136,28 @@ void HistoryText::printChart(const std::function<void(const std::string&)>& line
 
 bool HistoryText::printDay(std::size_t section, NSManagedObjectContext& context, HistoryRows& rows,
                            const std::function<void(const std::string&)>& line) const {
-    const std::size_t count = page_.list.numberOfItemsInSection(section);
+    const std::size_t count = page_.list->numberOfItemsInSection(section);
     line("");
-    line(styled(page_.titleOfSection(section), TextStyle::bold, abilities_) +
+    line(styled(page_.titleForHeaderInSection(section).value_or(""), TextStyle::bold, abilities_) +
          styled((abilities_.showsSymbols ? " · " : ", ") + counted(count, "play", "plays"),
                 TextStyle::grey, abilities_));
+    const auto records = context.snapshot();
     bool hasEstimates = false;
     for (std::size_t row = 0; row < count; ++row) {
-        const Value item = *page_.list.itemIdentifierForIndexPath({section, row});
+        const Value item = *page_.list->itemIdentifierForIndexPath({section, row});
         const NSManagedObjectID id = NSManagedObjectID::of(*item.get<ObjectReference>());
-        const PlayEvent play(NSManagedObject(context, id));
-        line(lineOf(rows.rowOf(id, UIFont{}), play));
-        hasEstimates = hasEstimates || play.isInterpolated();
+        const HistoryRow shown = shownRow(rows, *records, id, UIFont{}, context);
+        line(lineOf(shown));
+        hasEstimates = hasEstimates || shown.isInterpolated;
     }
     return hasEstimates;
 }
 
-std::string HistoryText::lineOf(const HistoryRow& row, const PlayEvent& play) const {
+std::string HistoryText::lineOf(const HistoryRow& row) const {
     // A song that left the library shows no date, as on the screen.
     const std::string time =
-        row.property ? RVMetadataManager::formattedTimeFromDate(*play.eventDate()) : "";
-    const std::string mark = row.property && play.isInterpolated() ? "*" : " ";
+        row.property ? RVMetadataManager::formattedTimeFromDate(*row.eventDate) : "";
+    const std::string mark = row.property && row.isInterpolated ? "*" : " ";
     const std::size_t blanks = time_ - std::min(time_, displayWidth(time));
     return trimmed(std::string(margin + blanks, ' ') + styled(time, TextStyle::grey, abilities_) +
                    mark + std::string(gap, ' ') + fitted(row.title, title_, abilities_) +

@@ -8,14 +8,20 @@
 #include <string>
 
 #include "apps/tavrionctl/AttributedText.h"
-#include "apps/tavrionctl/HistoryPage.h"
+#include "timeviews/HistoryPage.h"
+#include "timeviews/HistoryRows.h"
 
 namespace tavrion::ctl {
+
+/// The row of a play that is listed. The title that the library has becomes its record's.
+HistoryRow shownRow(HistoryRows& rows, const StoreVersion& records, NSManagedObjectID play,
+                    const std::optional<UIFont>& font, NSManagedObjectContext& context);
 
 class HistoryText {
   public:
     /// Chart and rows are at most `width` columns wide; no line ends in blanks.
-    HistoryText(const HistoryPage& page, std::size_t width, const TerminalAbilities& abilities);
+    HistoryText(const HistoryPage& page, std::string rangeTitle, std::size_t width,
+                const TerminalAbilities& abilities);
 
     /// Calls `line` with one after the other, the rows read from `context`.
     void print(NSManagedObjectContext& context,
@@ -27,9 +33,10 @@ class HistoryText {
     /// Whether one of its plays is an estimate.
     bool printDay(std::size_t section, NSManagedObjectContext& context, HistoryRows& rows,
                   const std::function<void(const std::string&)>& line) const;
-    std::string lineOf(const HistoryRow& row, const PlayEvent& play) const;
+    std::string lineOf(const HistoryRow& row) const;
 
     const HistoryPage& page_;
+    const std::string rangeTitle_;
     const std::size_t width_;
     const TerminalAbilities& abilities_;
     /// Columns of a row.

@@ -11,6 +11,7 @@
 #include "apps/tavrionctl/TextTable.h"
 #include "library/RVMetadataManager.h"
 #include "timeviews/RVTrendingCollectionViewController.h"
+#include "timeviews/TrendingKeys.h"
 
 namespace tavrion::ctl {
 namespace {
@@ -19,42 +20,38 @@ namespace {
 constexpr std::array<const char*, 3> groupNames{"artists", "albums", "genres"};
 constexpr std::size_t titleWidth = 40;
 
-std::string titleOf(const MPMediaEntity& entity) {
-    const auto title = RVMetadataManager::titleForMediaEntity(entity, std::nullopt);
-    return title ? title->textWithoutAttachments() : std::string(RVMetadataManager::placeholder);
+std::string titleOf(const TrendingCell& cell) {
+    return cell.title ? cell.title->textWithoutAttachments()
+                      : std::string(RVMetadataManager::placeholder);
 }
 
-std::string artistOf(const MPMediaEntity& entity) {
-    return entity.item() != nullptr ? RVMetadataManager::artistForMediaItem(*entity.item())
-                                    : std::string();
-}
-
-void writeRows(JsonWriter& json, const std::vector<TrendingRow>& rows) {
+void writeRows(JsonWriter& json, const std::vector<TrendingRow>& rows, bool byTime) {
     json.beginArray();
-    std::int64_t rank = 0;
-    for (const TrendingRow& row : rows) {
-        json.beginObject().key("rank").integer(++rank);
-        json.key("title").text(titleOf(row->entity));
-        if (const MPMediaItemCollection* collection = row->entity.collection()) {
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        const RVTrendingEntity& row = *rows[index];
+        const TrendingCell cell = TrendingPage::cell(row, index, byTime, std::nullopt);
+        json.beginObject().key("rank").unsignedInteger(index + 1);
+        json.key("title").text(titleOf(cell));
+        if (const MPMediaItemCollection* collection = row.entity.collection()) {
             json.key("groupType").integer(static_cast<std::int64_t>(collection->groupingType()));
         } else {
-            json.key("artist").text(artistOf(row->entity));
+            json.key("artist").text(cell.subtitle.value_or(""));
         }
-        json.key("playCount").unsignedInteger(row->playCount);
-        json.key("playDuration").number(row->playDuration).endObject();
+        json.key("playCount").unsignedInteger(row.playCount);
+        json.key("playDuration").number(row.playDuration).endObject();
     }
     json.endArray();
 }
 
 void printRows(const std::vector<TrendingRow>& rows, bool byTime) {
-    std::size_t rank = 0;
-    for (const TrendingRow& row : rows) {
-        const std::string number = byTime ? RVMetadataManager::formattedDuration(row->playDuration)
-                                          : RVMetadataManager::formattedPlays(row->playCount);
-        std::string line = fmt::format("{:>3}  {}  {:>9}", ++rank,
-                                       fitted(titleOf(row->entity), titleWidth), number);
-        if (const std::string artist = artistOf(row->entity); !artist.empty()) {
-            line += "  " + artist;
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        const RVTrendingEntity& row = *rows[index];
+        const TrendingCell cell = TrendingPage::cell(row, index, byTime, std::nullopt);
+        std::string line =
+            fmt::format("{:>3}  {}  {:>9}", index + 1, fitted(titleOf(cell), titleWidth),
+                        TrendingPage::number(row, byTime));
+        if (cell.subtitle && !cell.subtitle->empty()) {
+            line += "  " + *cell.subtitle;
         }
         fmt::print("{}\n", line);
     }
@@ -104,13 +101,16 @@ Outcome TrendingCommand::execute(Session& session) {
         group_.empty()
             ? session.defaults().integerForKey(TrendingDefaults::groupingType)
             : std::find(groupNames.begin(), groupNames.end(), group_) - groupNames.begin();
-    TrendingSnapshot ranking;
+    TrendingPage page;
     const auto context = session.data().privateContext();
     context->performBlockAndWait([&] {
-        ranking = TrendingRanking::rank(
+        TrendingKeys keys;
+        page = TrendingPage::of(
             *context,
-            {*interval, byTime, [group] { return static_cast<TrendingGrouping>(group); }, nullptr});
+            {*interval, byTime, [group] { return static_cast<TrendingGrouping>(group); }, nullptr},
+            keys);
     });
+    const TrendingSnapshot& ranking = page.ranking;
     if (!session.options().json) {
         printText(ranking, byTime);
         return {};
@@ -120,9 +120,9 @@ Outcome TrendingCommand::execute(Session& session) {
     json.key("start").instant(interval->startDate());
     json.key("end").instant(interval->endDate()).endObject();
     json.key("collections");
-    writeRows(json, ranking.collections);
+    writeRows(json, ranking.collections, byTime);
     json.key("songs");
-    writeRows(json, ranking.songs);
+    writeRows(json, ranking.songs, byTime);
     json.endObject().finish();
     return {};
 }

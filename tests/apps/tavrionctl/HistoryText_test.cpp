@@ -36,15 +36,22 @@ class HistoryTextTest : public testing::Test {
     HistoryPage page(int days) {
         const NSDate end = RecordingEnvironment::at(now + 43199);
         return HistoryPage::of(
-            DateRange(NSDateInterval(end.dateByAddingTimeInterval(1 - days * 86400.0), end)),
-            environment.main());
+            environment.main().snapshot(),
+            DateRange(NSDateInterval(end.dateByAddingTimeInterval(1 - days * 86400.0), end)));
+    }
+    void choose(HistoryPage& page, std::size_t bar) {
+        const HistoryBar entry = page.statCell.chart->bars[bar];
+        ASSERT_TRUE(page.highlight(entry));
+        HistorySelection selection =
+            HistorySelection::of(environment.main().snapshot(), *entry.data, false);
+        page.showSelectionTotals(selection.totals);
+        page.showSelection(std::move(selection));
     }
     std::vector<std::string> lines(const HistoryPage& page, std::size_t width,
                                    const TerminalAbilities& abilities = {true, false}) {
         std::vector<std::string> lines;
-        HistoryText(page, width, abilities).print(environment.main(), [&](const std::string& line) {
-            lines.push_back(line);
-        });
+        HistoryText(page, "The Range", width, abilities)
+            .print(environment.main(), [&](const std::string& line) { lines.push_back(line); });
         return lines;
     }
 
@@ -78,13 +85,13 @@ TEST_F(HistoryTextTest, daysThatHaveNoRoomAreTold) {
 TEST_F(HistoryTextTest, onlyAPageWithEstimatesExplainsTheMark) {
     EXPECT_THAT(lines(page(1), 80), Contains("* The time of this play is an estimate."));
     HistoryPage shown = page(7);
-    ASSERT_TRUE(shown.choose(5, environment.main()));
+    choose(shown, 5);
     EXPECT_THAT(lines(shown, 80), Not(Contains(HasSubstr("*"))));
 }
 
 TEST_F(HistoryTextTest, theChosenBarStandsOutAndItsDayIsAlone) {
     HistoryPage shown = page(7);
-    ASSERT_TRUE(shown.choose(5, environment.main()));
+    choose(shown, 5);
     const std::vector<std::string> text = lines(shown, 80);
     EXPECT_THAT(text, Contains(HasSubstr("░")));
     EXPECT_THAT(text, Contains("Yesterday · 2 plays"));
