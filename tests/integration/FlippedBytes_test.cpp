@@ -147,6 +147,8 @@ class FlippedBytesTest : public testing::Test {
 
 void FlippedBytesTest::makeStore() const {
     fs::create_directory(folder.path() / "data");
+    // What a command makes; it would have something to say about any other.
+    fs::permissions(folder.path() / "data", fs::perms::owner_all);
     const auto context = open();
     ASSERT_NE(context, nullptr);
     std::vector<PlayEvent> plays;

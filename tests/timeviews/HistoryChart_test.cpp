@@ -181,8 +181,8 @@ TEST_F(HistoryChartTest, barHeaderAndButtonSpeakOfOneCalendarInEveryLocale) {
         update();
         choose(2);
         EXPECT_EQ(labels()[2], texts.bar);
-        EXPECT_EQ(screen->titleForHeaderInSection(1), texts.header);
-        EXPECT_EQ(screen->dateRangeTitle().textWithoutAttachments(), texts.button);
+        EXPECT_EQ(screen->state()->titleForHeaderInSection(1), texts.header);
+        EXPECT_EQ(screen->state()->dateRangeTitle.textWithoutAttachments(), texts.button);
         EXPECT_EQ(RVDateRangeSegmentedControl().yearTitle(), texts.button);
     }
 }
@@ -270,13 +270,13 @@ INSTANTIATE_TEST_SUITE_P(HistoryChart, HistoryOfZones, testing::ValuesIn(dayZone
 TEST_P(HistoryOfZones, aDayHasOneSectionOneTitleAndOneBar) {
     makePlays(8, 8);
     show(1);
-    const std::vector<HistoryBar> bars = screen->statCell().chart->bars;
+    const std::vector<HistoryBar> bars = screen->state()->statCell.chart->bars;
     const NSDiffableDataSourceSnapshot list = screen->snapshot();
     ASSERT_EQ(list.numberOfSections(), bars.size() + 1);
     std::set<std::string> titles;
     for (const HistoryBar& bar : bars) {
         const std::size_t section = bars.size() - bar.x;
-        titles.insert(screen->titleForHeaderInSection(section).value_or(""));
+        titles.insert(screen->state()->titleForHeaderInSection(section).value_or(""));
         // The bounds of a range lie outside of it.
         EXPECT_EQ(list.numberOfItemsInSection(section), 3U);
         EXPECT_EQ(bar.y, 300);
@@ -294,10 +294,10 @@ TEST_P(HistoryOfZones, todayIsOneDayAndShowsItsHours) {
     for (const int offset : {0, 1, 2}) {
         environment.clock.set(GetParam().livedDay(offset).noon());
         show(0);
-        EXPECT_EQ(screen->statCell().chart->form, HistoryChartForm::hours);
+        EXPECT_EQ(screen->state()->statCell.chart->form, HistoryChartForm::hours);
         ASSERT_EQ(screen->snapshot().numberOfSections(), 2U);
         EXPECT_EQ(screen->snapshot().numberOfItemsInSection(1), 3U);
-        EXPECT_EQ(screen->titleForHeaderInSection(1), "Today");
+        EXPECT_EQ(screen->state()->titleForHeaderInSection(1), "Today");
     }
 }
 
@@ -307,7 +307,7 @@ TEST_P(HistoryOfZones, aMonthHasItsDaysAndItsBarOneMore) {
     const std::int64_t year = GetParam().year;
     environment.clock.set(zone.dateOfCivilTime({year, 12, 31, 12, 0, 0}));
     show(3);
-    ASSERT_EQ(screen->statCell().chart->form, HistoryChartForm::months);
+    ASSERT_EQ(screen->state()->statCell.chart->form, HistoryChartForm::months);
     for (const int month : {GetParam().month - 1, GetParam().month}) {
         std::size_t days = 0;
         for (const WalkedDay& day : GetParam().days(70, 70)) {
@@ -316,7 +316,7 @@ TEST_P(HistoryOfZones, aMonthHasItsDaysAndItsBarOneMore) {
         }
         // The first of January after the present year is not shown.
         const std::size_t daysOfBar = days + (month < 12 ? 1 : 0);
-        const HistoryBar bar = screen->statCell().chart->bars[static_cast<std::size_t>(month - 1)];
+        const HistoryBar bar = screen->state()->statCell.chart->bars[static_cast<std::size_t>(month - 1)];
         EXPECT_EQ(bar.y, 300.0 * static_cast<double>(daysOfBar)) << month;
         choose(bar);
         EXPECT_EQ(screen->snapshot().numberOfItemsInSection(1), 3 * days) << month;
