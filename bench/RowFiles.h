@@ -7,7 +7,7 @@
 
 namespace tavrion::bench {
 
-/// Writes songs.tsv, plays.tsv, range.tsv (the ends of the span, which lie outside of it) and
+/// Writes songs.tsv, plays.tsv, range.tsv (the ends of the span, which are outside of it) and
 /// ranking.tsv: what Tavrion makes of them, which the peer has to find too.
 void writeRows(const std::string& directory);
 

@@ -11,7 +11,7 @@
 
 namespace tavrion::bench {
 
-/// Lies a second outside of the ten years.
+/// A second outside of the ten years.
 inline constexpr double lifetimeStart = endOfYears - tenYears - 1;
 inline constexpr double lifetimeEnd = endOfYears + 1;
 

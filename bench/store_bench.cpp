@@ -136,7 +136,7 @@ void aggregatePeer(benchmark::State& state) {
 constexpr std::size_t insertedPlays = 10000;
 
 /// A child inserts plays of songs all over the library and all over the years, saves into the main
-/// context, and the clean-up looks at each. `existing` plays lie in the main context already.
+/// context, and the clean-up looks at each. `existing` plays are in the main context already.
 void insertPlays(benchmark::State& state, std::size_t existing) {
     Fixtures& made = fixtures();
     const std::string file = freshFile();

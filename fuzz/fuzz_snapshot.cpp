@@ -1,5 +1,5 @@
 // Changes bytes of a kept snapshot, lengthens it or cuts it off: what was not written whole is
-// read as no snapshot, so that the library is read anew.
+// read as no snapshot, so that the library is read again.
 //
 // The input is a list of changes of three bytes each: where (two, from the front) and what is
 // written there; behind the last whole one a byte cuts as many bytes off the end.

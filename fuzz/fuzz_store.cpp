@@ -1,5 +1,5 @@
 // Lets any bytes be a store: opening it reads the records, after which they can be asked for and
-// added to, or refuses the file in one line and leaves it as it lies.
+// added to, or refuses the file in one line and leaves it as it is.
 #include <cstdint>
 
 #include "fuzz/ScratchFile.h"

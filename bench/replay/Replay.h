@@ -25,10 +25,10 @@ struct ReplayResult {
     /// Recorded at the very second of a true play of the song's title, and not as an estimate.
     std::size_t exact = 0;
     std::size_t estimated = 0;
-    /// How far estimates lie from the plays that they stand for, in seconds, sorted; of the titles
+    /// How far estimates are from the plays that they stand for, in seconds, sorted; of the titles
     /// of which every play was recorded that could be.
     std::vector<double> errors;
-    /// Plays that lie before a song was first seen: of those only the last is known.
+    /// Plays that are before a song was first seen: of those only the last is known.
     std::size_t lostBeforeFirstSight = 0;
     /// Plays of titles of which fewer were recorded than could be, and the count of events that the
     /// clean-up removed because another event had the same instant.

@@ -1,5 +1,5 @@
 // The lists of an entity's page: all of them when the page opens, one of them when it is sorted
-// anew.
+// again.
 //
 // Queue: one caller at a time, off the main queue, since the library is walked. Who owns: the page.
 // The two ways do not give the same order where the song list stands in its first sort; that is

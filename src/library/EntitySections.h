@@ -1,6 +1,6 @@
 // The sections of an entity's page: what they are called, and how the user wants them sorted.
 //
-// Queue: storing on the main queue, the rest on any. Stateless; the choices lie in the user's sort
+// Queue: storing on the main queue, the rest on any. Stateless; the choices are in the user's sort
 // preferences, one for each kind of list, not for each entity: sorting the songs of one album sorts
 // the songs of every page that opens later. Absent: a section without a title or a sort of its own
 // has an empty one.

@@ -24,7 +24,7 @@ Songs music() {
     return RVQueryManager::defaultQuery().items();
 }
 
-/// Single precision is what the shares are told in.
+/// Single precision is what the shares are shown in.
 std::string share(std::size_t part, std::size_t whole) {
     return RVMetadataManager::formattedPercentage(
         static_cast<double>(static_cast<float>(part) / static_cast<float>(whole)));

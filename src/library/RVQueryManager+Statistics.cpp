@@ -19,7 +19,7 @@ using Tile = RVStatisticReference;
 constexpr std::int64_t favoritedState = 2;
 constexpr int recentDays = 30;
 
-/// Single precision is what the shares are told in.
+/// Single precision is what the shares are shown in.
 float fraction(float part, float whole) {
     return part / whole;
 }

@@ -8,7 +8,7 @@
 // A private context's save reaches the main context only; what must last also calls
 // saveMainContext(), which writes the changes and their clean-up in one transaction: a process that
 // ends at any moment leaves both on the disk or neither. The main context stays that of the first
-// container of the process: a container that is loaded anew serves batch deletes.
+// container of the process: a container that is loaded again serves batch deletes.
 #pragma once
 
 #include <atomic>

@@ -1,7 +1,7 @@
 // The bridge between a song of the media library and its record.
 //
 // Queue: any, but where a record or a context is passed: that of the context. Stateless; everything
-// is worked out anew at each call. A song without an identifier gets a freshly generated one at
+// is worked out again at each call. A song without an identifier gets a freshly generated one at
 // each reading, so that it never equals another; an identifier is real when it is not such a
 // generated one. Absent is std::nullopt.
 #pragma once

@@ -1,6 +1,6 @@
 // How many plays a span of time holds, of how many songs, and how long they lasted.
 //
-// Queue: any; walks the columns of an immutable version. Both ends of a span lie outside of it.
+// Queue: any; walks the columns of an immutable version. Both ends of a span are outside of it.
 // Plays without a date are in no span; a play without a song counts, and adds no song and no time.
 #pragma once
 

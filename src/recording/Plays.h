@@ -2,8 +2,8 @@
 // page, total, list and export of plays stands on.
 //
 // Queue: any; walks the columns of an immutable version and lives no longer than it. A play within
-// a span lies strictly between its ends. Units: seconds since 2001-01-01 UTC, and seconds. Absent:
-// a play without a date lies in no span; a play without a song counts and lasts no time, and song 0
+// a span is strictly between its ends. Units: seconds since 2001-01-01 UTC, and seconds. Absent:
+// a play without a date is in no span; a play without a song counts and lasts no time, and song 0
 // is none.
 #pragma once
 
@@ -76,7 +76,7 @@ class Plays {
             const auto dates = leaf->columns[PlayEventKey::eventDate]->reals();
             const auto songs = leaf->columns[PlayEventKey::parentHistory]->references();
             for (std::size_t row = 0; row < dates.size(); ++row) {
-                // An absent date is not a number and lies in no span.
+                // An absent date is not a number and is in no span.
                 if (dates[row] > start_ && dates[row] < end_) {
                     visit(songs[row]);
                 }

@@ -88,7 +88,7 @@ class Session {
     /// Takes over a source that was read.
     void publish(std::shared_ptr<Source> source, std::shared_ptr<const MediaSnapshot> snapshot);
 
-    /// False when the store can't be used, which the failure presenter was told.
+    /// False when the store can't be used, which is reported to the failure presenter.
     bool openStore();
     /// The store's records as they are saved. After openStore().
     std::shared_ptr<const StoreVersion> records();

@@ -50,7 +50,7 @@ NSDate startOfPreset(DateRangePreset preset, NSDate now) {
 NSDateInterval intervalOfPreset(DateRangePreset preset) {
     const NSDate now = NSDate::date();
     const NSDate end = Extended::endOfDay(now);
-    // A clock that was set back can lie before the installation.
+    // A clock that was set back can be before the installation.
     return {std::min(startOfPreset(preset, now), end), end};
 }
 

@@ -20,7 +20,7 @@ struct DateRangeSegments {
     std::optional<std::size_t> selectedSegmentIndex;
 };
 
-/// Where a row lies in the control.
+/// Where a row is in the control.
 struct DateRangeRowFrame {
     double width = 0;
     double centerY = 0;
@@ -48,7 +48,7 @@ class RVDateRangeSegmentedControl {
 
     /// The user chose that segment of that row.
     void setSelectedPresetIndex(const DateRangeSegments& sender, std::size_t selectedSegmentIndex);
-    /// Animated, the change is told before the marker moves; otherwise nobody is told.
+    /// Animated, the change is reported before the marker moves; otherwise nobody hears of it.
     void setSelectedIndex(std::size_t index, bool animated);
     /// Where the marker stands for an index, the rows lying as given. Indices that have no segment
     /// stand where 0 does.

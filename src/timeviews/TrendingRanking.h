@@ -1,6 +1,6 @@
 // The songs, and the artists, albums or genres, that were played most within a span of time.
 //
-// Queue: that of the context that is passed. Units: seconds. A play within a span lies strictly
+// Queue: that of the context that is passed. Units: seconds. A play within a span is strictly
 // between its ends, and counts the song's whole duration. Songs and groups that the media library
 // does not have are left out. A play without a song is not ranked.
 #pragma once
@@ -77,7 +77,7 @@ class TrendingRanking {
     static constexpr std::size_t mostCollections = 15;
 
     static TrendingSnapshot rank(NSManagedObjectContext& context, const TrendingRequest& request);
-    /// Whoever ranks again and again keeps the keys: only songs that have changed are read anew.
+    /// Whoever ranks again and again keeps the keys: only songs that have changed are read again.
     static TrendingSnapshot rank(NSManagedObjectContext& context, const TrendingRequest& request,
                                  TrendingKeys& keys);
 };

@@ -60,7 +60,7 @@ class FaultyDiskTest : public testing::TestWithParam<Disaster> {
         return environment->defaults->dateForKey(ScanDefaults::playbackHistoryScanDate);
     }
     fs::path keptStore() const { return kept.path() / "Nerinda.sqlite"; }
-    /// What the process leaves behind when it ends now. The index of the log is made anew.
+    /// What the process leaves behind when it ends now. The index of the log is made again.
     void keepFiles() {
         for (const char* const ending : {"", "-wal"}) {
             const fs::path file = environment->storeFile().string() + ending;
@@ -161,7 +161,7 @@ void FaultyDiskTest::expectLaterScanRecordsTheRest() {
     environment.reset();
 }
 
-TEST_P(FaultyDiskTest, aScanIsSavedWholeOrToldAndMadeUpForLater) {
+TEST_P(FaultyDiskTest, aScanIsSavedWholeOrReportedAndMadeUpForLater) {
     std::size_t failures = 0;
     std::set<std::string> places;
     for (std::size_t operations = 0;; ++operations) {

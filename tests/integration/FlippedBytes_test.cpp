@@ -32,7 +32,7 @@ struct Region {
     std::size_t end = 0;
 };
 
-/// Which pages a store has, and what lies where on them.
+/// Which pages a store has, and what is where on them.
 class StoreMap {
   public:
     explicit StoreMap(const fs::path& file) : bytes_(contentOfFile(file)) {

@@ -104,7 +104,7 @@ void TroubledDiskTest::scanWith(const std::string& trouble) {
         << "neither all of the scan nor nothing, or reported as done without being saved";
 }
 
-TEST_F(TroubledDiskTest, everyTroubleIsToldInOneLineAndNothingIsLost) {
+TEST_F(TroubledDiskTest, everyTroubleIsReportedInOneLineAndNothingIsLost) {
     const std::size_t wanted = numberFromEnvironment("TAVRION_TROUBLES", 24);
     for (const bool isNew : {true, false}) {
         const std::size_t places = course(isNew).size();

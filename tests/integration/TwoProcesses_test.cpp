@@ -1,5 +1,5 @@
-// Two scans of one data directory at once, and readers beside them: the second scan is told who is
-// at work, the readers see what was saved before or after, and nothing is lost.
+// Two scans of one data directory at once, and readers beside them: the second scan is informed who
+// is at work, the readers see what was saved before or after, and nothing is lost.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -9,7 +9,7 @@ using Runs = std::vector<NSAttributedString::Run>;
 
 const UIImage star = UIImage::systemImageNamed("star.fill");
 
-TEST(NSAttributedString, IsAListOfTextsAndPictures) {
+TEST(NSAttributedString, isAListOfTextsAndPictures) {
     NSAttributedString text("Song");
     text.appendString("\u2004");
     text.appendAttachment(star);
@@ -17,7 +17,7 @@ TEST(NSAttributedString, IsAListOfTextsAndPictures) {
     EXPECT_EQ(text.runs(), (Runs{"Song\u2004", star, " loud"}));
 }
 
-TEST(NSAttributedString, NeighbouringTextsAreOneAndEmptyOnesNone) {
+TEST(NSAttributedString, neighbouringTextsAreOneAndEmptyOnesNone) {
     NSAttributedString text("");
     EXPECT_TRUE(text.isEmpty());
     text.appendString("a");
@@ -30,14 +30,14 @@ TEST(NSAttributedString, NeighbouringTextsAreOneAndEmptyOnesNone) {
     EXPECT_EQ(text.runs(), (Runs{"abc", star}));
 }
 
-TEST(NSAttributedString, CanBeAppendedToItself) {
+TEST(NSAttributedString, canBeAppendedToItself) {
     NSAttributedString text("ab");
     text.appendAttachment(star);
     text.appendAttributedString(text);
     EXPECT_EQ(text.runs(), (Runs{"ab", star, "ab", star}));
 }
 
-TEST(NSAttributedString, WithoutItsPicturesOnlyTheWordsAreLeft) {
+TEST(NSAttributedString, withoutItsPicturesOnlyTheWordsAreLeft) {
     NSAttributedString property = NSAttributedString::attributedStringWithAttachment(star);
     property.appendString(" 12x");
     EXPECT_EQ(property.textWithoutAttachments(), "12x");

@@ -15,13 +15,13 @@ class RVAlertManagerTest : public testing::Test {
     Port<NSUserDefaults>::Plug plug_{*defaults_};
 };
 
-TEST_F(RVAlertManagerTest, ANumberThatWasNeverStoredIsZero) {
+TEST_F(RVAlertManagerTest, aNumberThatWasNeverStoredIsZero) {
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.sortType"), 0U);
     RVAlertManager::storeValue(3, "browse.groupType");
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.sortType"), 0U);
 }
 
-TEST_F(RVAlertManagerTest, AllNumbersStandInOneDictionary) {
+TEST_F(RVAlertManagerTest, allNumbersStandInOneDictionary) {
     RVAlertManager::storeValue(3, "browse.groupType");
     RVAlertManager::storeValue(5, "album.sortType");
     RVAlertManager::storeValue(1, "browse.reverse");
@@ -36,7 +36,7 @@ TEST_F(RVAlertManagerTest, AllNumbersStandInOneDictionary) {
     EXPECT_EQ(defaults_->dictionaryRepresentation(), all);
 }
 
-TEST_F(RVAlertManagerTest, AnyKindOfNumberIsRead) {
+TEST_F(RVAlertManagerTest, anyKindOfNumberIsRead) {
     defaults_->setObject(
         RVAlertManager::sortPreferencesKey,
         Value(Value::Dictionary{{"flag", true},
@@ -55,7 +55,7 @@ TEST_F(RVAlertManagerTest, AnyKindOfNumberIsRead) {
     EXPECT_EQ(RVAlertManager::storedValueForKey("real"), 4U);
 }
 
-TEST_F(RVAlertManagerTest, WhatIsNoDictionaryIsReplacedByOne) {
+TEST_F(RVAlertManagerTest, whatIsNoDictionaryIsReplacedByOne) {
     defaults_->setObject(RVAlertManager::sortPreferencesKey, "nonsense");
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.sortType"), 0U);
     RVAlertManager::storeValue(4, "browse.sortType");

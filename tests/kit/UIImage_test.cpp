@@ -7,7 +7,7 @@
 namespace tavrion {
 namespace {
 
-TEST(UIImage, ASymbolSaysItsNameItsSizeAndItsColour) {
+TEST(UIImage, aSymbolSaysItsNameItsSizeAndItsColour) {
     UIImageSymbolConfiguration configuration;
     configuration.scale = UIImageSymbolScale::small;
     const UIImage plain = UIImage::systemImageNamed("play.fill", configuration);
@@ -20,7 +20,7 @@ TEST(UIImage, ASymbolSaysItsNameItsSizeAndItsColour) {
     EXPECT_EQ(plain.tintColor(), std::nullopt);
 }
 
-TEST(UIImage, TwoAreEqualWhenTheyShowTheSame) {
+TEST(UIImage, twoAreEqualWhenTheyShowTheSame) {
     const UIImage image = UIImage::imageWithData(NSData{"bytes"});
     EXPECT_EQ(image, UIImage::imageWithData(NSData{"bytes"}));
     EXPECT_NE(image, UIImage::imageWithData(NSData{"others"}));
@@ -35,7 +35,7 @@ TEST(UIImage, TwoAreEqualWhenTheyShowTheSame) {
     EXPECT_EQ(UIImage::imageNamed("list").data(), nullptr);
 }
 
-TEST(UIImageExtended, APictureMadeOfAColourIsTransparentWhateverTheColour) {
+TEST(UIImageExtended, aPictureMadeOfAColourIsTransparentWhateverTheColour) {
     const UIImage image = Extended::imageWithColor({"musicColor"}, {30, 4});
     EXPECT_EQ(image.kind(), UIImage::Kind::transparent);
     EXPECT_EQ(image.tintColor(), std::nullopt);

@@ -20,7 +20,7 @@ std::vector<MPMediaItem> allSongs(MediaLibraryFixture& library) {
     return songs;
 }
 
-TEST(CollectionValues, AreThoseOfAllSongsTogether) {
+TEST(CollectionValues, areThoseOfAllSongsTogether) {
     MediaLibraryFixture library(
         {{.title = "a",
           .albumTitle = "A",
@@ -46,7 +46,7 @@ TEST(CollectionValues, AreThoseOfAllSongsTogether) {
     EXPECT_EQ(CollectionValues::distinctCount(songs, &MPMediaItem::persistentID), 3U);
 }
 
-TEST(CollectionValues, OfNoSongsAreNothing) {
+TEST(CollectionValues, ofNoSongsAreNothing) {
     EXPECT_EQ(CollectionValues::playCount({}), 0U);
     EXPECT_EQ(CollectionValues::secondsListened({}), 0.0);
     EXPECT_EQ(CollectionValues::latest({}, &MPMediaItem::dateAdded), std::nullopt);
@@ -54,7 +54,7 @@ TEST(CollectionValues, OfNoSongsAreNothing) {
     EXPECT_EQ(CollectionValues::distinctCount({}, &MPMediaItem::albumPersistentID), 0U);
 }
 
-TEST(CollectionValues, AYearOfZeroIsAYearAndNoIdentifierIsOneToo) {
+TEST(CollectionValues, aYearOfZeroIsAYearAndNoIdentifierIsOneToo) {
     MediaLibraryFixture library(std::vector<TestSong>{{.title = "a", .artist = ""}});
     EXPECT_EQ(CollectionValues::latestYear(allSongs(library)), 0U);
     EXPECT_EQ(

@@ -50,7 +50,7 @@ TEST_P(LibraryDays, everyDayIsTodayOnceAndYesterdayOnce) {
     }
 }
 
-TEST_P(LibraryDays, weekdaysAreToldForAWeekAndDatesBeyond) {
+TEST_P(LibraryDays, weekdaysAreReportedForAWeekAndDatesBeyond) {
     const std::vector<WalkedDay> days = GetParam().days(24, 12);
     for (const WalkedDay& today : days) {
         clock.set(today.noon());

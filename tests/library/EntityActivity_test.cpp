@@ -105,7 +105,7 @@ class EntityActivityTest : public testing::Test {
     ScreenAttachment attachment_;
 };
 
-TEST_F(EntityActivityTest, WithoutPlaysInTheThirtyDaysThereAreNoBars) {
+TEST_F(EntityActivityTest, withoutPlaysInTheThirtyDaysThereAreNoBars) {
     play(*sky_, firstDay - 10);
     play(*sea_, today + 100);
     const EntityActivity activity = activityOf(song("Sky"));
@@ -113,7 +113,7 @@ TEST_F(EntityActivityTest, WithoutPlaysInTheThirtyDaysThereAreNoBars) {
     EXPECT_EQ(activity.firstDay, RecordingEnvironment::at(firstDay));
 }
 
-TEST_F(EntityActivityTest, PlaysOfTwoSongsOnADayAddUpAndAreCutToWholeSeconds) {
+TEST_F(EntityActivityTest, playsOfTwoSongsOnADayAddUpAndAreCutToWholeSeconds) {
     play(*sky_, today + 100);
     play(*sea_, today + 200);
     const auto days = activityOf(band()).days;
@@ -124,7 +124,7 @@ TEST_F(EntityActivityTest, PlaysOfTwoSongsOnADayAddUpAndAreCutToWholeSeconds) {
     EXPECT_EQ(activityOf(song("Sea")).days->at(29), 50);
 }
 
-TEST_F(EntityActivityTest, APlayHalfAMinuteBeforeMidnightCountsForThatDay) {
+TEST_F(EntityActivityTest, aPlayHalfAMinuteBeforeMidnightCountsForThatDay) {
     play(*sky_, today - 30);
     play(*sea_, today + day - 30);
     const auto days = activityOf(band()).days;
@@ -132,14 +132,14 @@ TEST_F(EntityActivityTest, APlayHalfAMinuteBeforeMidnightCountsForThatDay) {
     EXPECT_EQ(days->at(29), 50);
 }
 
-TEST_F(EntityActivityTest, APlayAtTheFirstMidnightDoesNotCount) {
+TEST_F(EntityActivityTest, aPlayAtTheFirstMidnightDoesNotCount) {
     play(*sky_, firstDay);
     EXPECT_FALSE(activityOf(song("Sky")).days);
     play(*sky_, firstDay + 1);
     EXPECT_EQ(activityOf(song("Sky")).days->at(0), 100);
 }
 
-TEST_F(EntityActivityTest, ThePageIsBuiltAndThenItsChart) {
+TEST_F(EntityActivityTest, thePageIsBuiltAndThenItsChart) {
     play(*sky_, today + 1);
     environment_.saveMain();
     const auto page = made(band());
@@ -155,7 +155,7 @@ TEST_F(EntityActivityTest, ThePageIsBuiltAndThenItsChart) {
     EXPECT_EQ(screen_.pages[1]->lists.size(), 2U);
 }
 
-TEST_F(EntityActivityTest, AChartThatIsNotOnHandStaysEmpty) {
+TEST_F(EntityActivityTest, aChartThatIsNotOnHandStaysEmpty) {
     hasChart_ = false;
     const auto page = opened(band());
     EXPECT_EQ(screen_.pages.size(), 1U);
@@ -164,7 +164,7 @@ TEST_F(EntityActivityTest, AChartThatIsNotOnHandStaysEmpty) {
     EXPECT_FALSE(page->state()->activity);
 }
 
-TEST_F(EntityActivityTest, ASongHasNoSortButtonAndAFooterUnderItsChart) {
+TEST_F(EntityActivityTest, aSongHasNoSortButtonAndAFooterUnderItsChart) {
     const auto page = opened(song("Sky"));
     EXPECT_TRUE(page->state()->lists.empty());
     for (const EntitySection section : page->state()->sections()) {
@@ -176,7 +176,7 @@ TEST_F(EntityActivityTest, ASongHasNoSortButtonAndAFooterUnderItsChart) {
     EXPECT_TRUE(RVEntityCollectionViewController::hasActionButton(EntitySection::songs));
 }
 
-TEST_F(EntityActivityTest, TheMenuStoresAndReloadsOneList) {
+TEST_F(EntityActivityTest, theMenuStoresAndReloadsOneList) {
     const auto page = opened(band());
     UIMenu menu = page->sortMenuForButton(EntitySection::songs);
     ASSERT_EQ(menu.children.size(), 6U);
@@ -264,7 +264,7 @@ TEST_F(EntityActivityTest, rowsAndThePictureOfTheHeaderArriveOnTheMainQueue) {
     EXPECT_EQ(artwork->name(), "list");
 }
 
-TEST_F(EntityActivityTest, AScreenThatHasGoneIsShownNothing) {
+TEST_F(EntityActivityTest, aScreenThatHasGoneIsShownNothing) {
     const auto page = made(band());
     attachment_.detach();
     environment_.runUntilIdle();

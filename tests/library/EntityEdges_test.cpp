@@ -79,7 +79,7 @@ constexpr MPMediaGrouping genre = MPMediaGrouping::genre;
 constexpr MPMediaGrouping albumArtist = MPMediaGrouping::albumArtist;
 constexpr MPMediaGrouping playlist = MPMediaGrouping::playlist;
 
-TEST_F(EntityEdges, ASongHasNoLists) {
+TEST_F(EntityEdges, aSongHasNoLists) {
     publishAlbum();
     const EntityPage page = built(library_.song("Mole"));
     EXPECT_EQ(page.sections(),
@@ -89,7 +89,7 @@ TEST_F(EntityEdges, ASongHasNoLists) {
         EntityLists(library_.song("Mole")).reloadedList(EntitySection::songs, {}).rows.isEmpty());
 }
 
-TEST_F(EntityEdges, EachKindHasItsSectionsInTheirOrder) {
+TEST_F(EntityEdges, eachKindHasItsSectionsInTheirOrder) {
     publishAlbum();
     const auto lists = [](const MPMediaEntity& entity) {
         Sections sections = built(entity).sections();
@@ -104,14 +104,14 @@ TEST_F(EntityEdges, EachKindHasItsSectionsInTheirOrder) {
               (Sections{EntitySection::albums, EntitySection::songs}));
 }
 
-TEST_F(EntityEdges, AnAlbumInTrackOrderShowsTrackNumbersWhereOthersShowRanks) {
+TEST_F(EntityEdges, anAlbumInTrackOrderShowsTrackNumbersWhereOthersShowRanks) {
     publishAlbum();
     EXPECT_EQ(builtNames(first(album)), (Names{"Zebra", "Mole", "Apple"}));
     EXPECT_EQ(ranks(first(album)), (Names{"4", "7", "1"}));
     EXPECT_EQ(ranks(first(albumArtist)), (Names{"", "", ""}));
 }
 
-TEST_F(EntityEdges, AnAlbumByTimeListenedShowsRanks) {
+TEST_F(EntityEdges, anAlbumByTimeListenedShowsRanks) {
     publishAlbum();
     choose(EntitySection::songs, RVSortTypeTimeListened);
     EXPECT_EQ(builtNames(first(album)), (Names{"Mole", "Apple", "Zebra"}));
@@ -120,7 +120,7 @@ TEST_F(EntityEdges, AnAlbumByTimeListenedShowsRanks) {
     EXPECT_EQ(ranks(first(album)), (Names{"", "", ""}));
 }
 
-TEST_F(EntityEdges, AnAlbumReversedIsReadBackwardsUntilItIsReloaded) {
+TEST_F(EntityEdges, anAlbumReversedIsReadBackwardsUntilItIsReloaded) {
     publishAlbum();
     choose(EntitySection::songs, RVSortTypeAlphabetical, true);
     EXPECT_EQ(builtNames(first(album)), (Names{"Apple", "Mole", "Zebra"}));
@@ -147,7 +147,7 @@ TEST_F(EntityEdges, anAlbumsSongsOfEqualCountsStayInTrackOrder) {
               (Names{"Zebra", "Mole", "Apple"}));
 }
 
-TEST_F(EntityEdges, APlaylistKeepsItsOrderUntilItIsReloaded) {
+TEST_F(EntityEdges, aPlaylistKeepsItsOrderUntilItIsReloaded) {
     publishAlbum();
     const MPMediaEntity mix = first(MPMediaQuery::playlistsQuery(), playlist);
     EXPECT_EQ(builtNames(mix), (Names{"Mole", "Zebra", "Apple"}));
@@ -156,7 +156,7 @@ TEST_F(EntityEdges, APlaylistKeepsItsOrderUntilItIsReloaded) {
     EXPECT_EQ(ranks(mix), (Names{"", "", ""}));
 }
 
-TEST_F(EntityEdges, AnArtistsSongsComeByTitleAndReverseCountsOnlyWhenReloaded) {
+TEST_F(EntityEdges, anArtistsSongsComeByTitleAndReverseCountsOnlyWhenReloaded) {
     library_.publish({{.title = "10", .artist = "A"},
                       {.title = "\"b\"", .artist = "A"},
                       {.title = "Zed", .artist = "A", .sortTitle = "a"}});
@@ -168,7 +168,7 @@ TEST_F(EntityEdges, AnArtistsSongsComeByTitleAndReverseCountsOnlyWhenReloaded) {
               (Names{"Zed", "\"b\"", "10"}));
 }
 
-TEST_F(EntityEdges, EachKindOfListHasItsOwnSortForAllPages) {
+TEST_F(EntityEdges, eachKindOfListHasItsOwnSortForAllPages) {
     library_.publish({{.title = "a", .artist = "A", .albumTitle = "1", .playCount = 1},
                       {.title = "b", .artist = "A", .albumTitle = "2", .playCount = 5},
                       {.title = "c", .artist = "B", .albumTitle = "3", .playCount = 9}});
@@ -182,7 +182,7 @@ TEST_F(EntityEdges, EachKindOfListHasItsOwnSortForAllPages) {
     EXPECT_EQ(RVAlertManager::storedValueForKey("artist.reverse"), 1U);
 }
 
-TEST_F(EntityEdges, AGenresSplitLeavesItsFilterOnTheSongs) {
+TEST_F(EntityEdges, aGenresSplitLeavesItsFilterOnTheSongs) {
     library_.publish({{.title = "own", .artist = "A", .genre = "Rock"},
                       {.title = "track",
                        .artist = "B",
@@ -207,7 +207,7 @@ TEST_F(EntityEdges, AGenresSplitLeavesItsFilterOnTheSongs) {
     EXPECT_EQ(names(lists.reloadedList(EntitySection::songs, {}).rows.entities()), (Names{"own"}));
 }
 
-TEST_F(EntityEdges, AnEmptyListIsShownAtFirstAndLeavesThePageAsItIsLater) {
+TEST_F(EntityEdges, anEmptyListIsShownAtFirstAndLeavesThePageAsItIsLater) {
     library_.publish({}, {{.name = "Empty", .persistentID = 1}});
     const MPMediaEntity empty = first(MPMediaQuery::playlistsQuery(), playlist);
     EntityPage page = built(empty);
@@ -218,7 +218,7 @@ TEST_F(EntityEdges, AnEmptyListIsShownAtFirstAndLeavesThePageAsItIsLater) {
     EXPECT_TRUE(page.lists.empty());
 }
 
-TEST_F(EntityEdges, AReloadedListTakesThePlaceOfTheOldOneOrStandsAtTheEnd) {
+TEST_F(EntityEdges, aReloadedListTakesThePlaceOfTheOldOneOrStandsAtTheEnd) {
     publishAlbum();
     const MPMediaEntity song = library_.song("Mole");
     EntityPage page = built(first(albumArtist));
@@ -230,7 +230,7 @@ TEST_F(EntityEdges, AReloadedListTakesThePlaceOfTheOldOneOrStandsAtTheEnd) {
     EXPECT_EQ(page.lists.back().section, EntitySection::artists);
 }
 
-TEST_F(EntityEdges, TitlesOfSectionsAndSorts) {
+TEST_F(EntityEdges, titlesOfSectionsAndSorts) {
     publishAlbum();
     EXPECT_EQ(EntitySections::titleForSection(EntitySection::statistics), "");
     EXPECT_EQ(EntitySections::titleForSection(EntitySection::recentActivity), "Recent Activity");
@@ -248,13 +248,13 @@ TEST_F(EntityEdges, TitlesOfSectionsAndSorts) {
               "Alphabetical");
 }
 
-TEST_F(EntityEdges, ChoosingASortAgainTurnsItRound) {
+TEST_F(EntityEdges, choosingASortAgainTurnsItRound) {
     EXPECT_EQ(EntitySections::chosenSort({2, false}, 2), (EntitySort{2, true}));
     EXPECT_EQ(EntitySections::chosenSort({2, true}, 2), (EntitySort{2, false}));
     EXPECT_EQ(EntitySections::chosenSort({2, true}, 3), (EntitySort{3, false}));
 }
 
-TEST_F(EntityEdges, TheTopOfASongNamesItsAlbumArtist) {
+TEST_F(EntityEdges, theTopOfASongNamesItsAlbumArtist) {
     library_.publish({{.title = "Sky",
                        .artist = "Guest",
                        .albumArtist = "Band",
@@ -278,7 +278,7 @@ TEST_F(EntityEdges, TheTopOfASongNamesItsAlbumArtist) {
     EXPECT_FALSE(artist.linksToArtist);
 }
 
-TEST_F(EntityEdges, ASongOfACompilationLeadsToTheCompilationsArtist) {
+TEST_F(EntityEdges, aSongOfACompilationLeadsToTheCompilationsArtist) {
     library_.publish(
         {{.title = "a", .artist = "Guest", .albumArtist = "Various", .compilation = true},
          {.title = "b", .artist = "Other", .albumArtist = "Various", .compilation = true}});

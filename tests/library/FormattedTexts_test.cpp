@@ -79,7 +79,7 @@ class FormattedTexts : public testing::TestWithParam<const char*> {
     Port<NSUserDefaults>::Plug defaultsPlug_{*defaults_};
 };
 
-TEST_P(FormattedTexts, AreThoseOfTheTable) {
+TEST_P(FormattedTexts, areThoseOfTheTable) {
     for (const ExpectedText& row : test::expectedTexts("formatted-texts.tsv")) {
         EXPECT_EQ(text(row), row.inLocale(GetParam()))
             << "formatted-texts.tsv:" << row.line << " in " << GetParam();

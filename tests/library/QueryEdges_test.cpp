@@ -35,7 +35,7 @@ class QueryEdges : public testing::Test {
     MediaLibraryFixture library_;
 };
 
-TEST_F(QueryEdges, WithCompilationsSplitBothKindsOfArtistMixInOneList) {
+TEST_F(QueryEdges, withCompilationsSplitBothKindsOfArtistMixInOneList) {
     library_.publish({{.title = "1", .artist = "Carol", .albumArtist = "Carol", .albumTitle = "A"},
                       {.title = "2", .artist = "Alice", .albumArtist = "Alice", .albumTitle = "B"},
                       {.title = "3",
@@ -60,7 +60,7 @@ TEST_F(QueryEdges, WithCompilationsSplitBothKindsOfArtistMixInOneList) {
               (Names{"Carol", "Carol", "The Bobs", "Alice"}));
 }
 
-TEST_F(QueryEdges, WithoutTheSplitACompilationIsOneRowUnderItsAlbumArtist) {
+TEST_F(QueryEdges, withoutTheSplitACompilationIsOneRowUnderItsAlbumArtist) {
     library_.publish(
         {{.title = "1", .artist = "Bob", .albumArtist = "Various Artists", .compilation = true},
          {.title = "2", .artist = "Carol", .albumArtist = "Various Artists", .compilation = true},
@@ -70,7 +70,7 @@ TEST_F(QueryEdges, WithoutTheSplitACompilationIsOneRowUnderItsAlbumArtist) {
     EXPECT_EQ(found[1].collection()->count(), 2U);
 }
 
-TEST_F(QueryEdges, AlbumsKeepTheLibrarysOwnOrder) {
+TEST_F(QueryEdges, albumsKeepTheLibrarysOwnOrder) {
     // By the library's order a digit comes before a letter; a person would put it behind.
     library_.publish({{.title = "1", .albumTitle = "Zebra"},
                       {.title = "2", .albumTitle = "1999"},
@@ -88,7 +88,7 @@ TEST_F(QueryEdges, AlbumsKeepTheLibrarysOwnOrder) {
               Names(inLibraryOrder.rbegin(), inLibraryOrder.rend()));
 }
 
-TEST_F(QueryEdges, SongsReversedAreTheMirrorOfTheLibrarysOrder) {
+TEST_F(QueryEdges, songsReversedAreTheMirrorOfTheLibrarysOrder) {
     library_.publish({{.title = "same", .persistentID = 1},
                       {.title = "Zebra", .persistentID = 2},
                       {.title = "1999", .persistentID = 3},
@@ -99,7 +99,7 @@ TEST_F(QueryEdges, SongsReversedAreTheMirrorOfTheLibrarysOrder) {
               std::vector<MPMediaEntity>(forward.rbegin(), forward.rend()));
 }
 
-TEST_F(QueryEdges, SongsOfEqualPlayCountsKeepTheirOrderInBothDirections) {
+TEST_F(QueryEdges, songsOfEqualPlayCountsKeepTheirOrderInBothDirections) {
     library_.publish({{.title = "a", .playCount = 5},
                       {.title = "b", .playCount = 5},
                       {.title = "c", .playCount = 7},
@@ -108,7 +108,7 @@ TEST_F(QueryEdges, SongsOfEqualPlayCountsKeepTheirOrderInBothDirections) {
     EXPECT_EQ(titles(results(MPMediaGrouping::title, 1, true)), (Names{"a", "b", "d", "c"}));
 }
 
-TEST_F(QueryEdges, AGroupingThatIsNotOfferedStillSortsWhenItIsStored) {
+TEST_F(QueryEdges, aGroupingThatIsNotOfferedStillSortsWhenItIsStored) {
     library_.publish({{.title = "1", .artist = "One", .playCount = 1, .composer = "W1"},
                       {.title = "2", .artist = "Two", .playCount = 3, .composer = "W2"},
                       {.title = "3", .artist = "Three", .playCount = 2, .composer = "W3"}});
@@ -126,7 +126,7 @@ TEST_F(QueryEdges, AGroupingThatIsNotOfferedStillSortsWhenItIsStored) {
     EXPECT_EQ(titles(results(MPMediaGrouping::artist, 0)), (Names{"One", "Three", "Two"}));
 }
 
-TEST_F(QueryEdges, AnEmptyDictionaryOfChoicesMeansSongsInAlphabeticalOrder) {
+TEST_F(QueryEdges, anEmptyDictionaryOfChoicesMeansSongsInAlphabeticalOrder) {
     defaults_->setObject("com.oskelvane.Nerinda.sortPreferences", Value(Value::Dictionary()));
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.groupType"),
               static_cast<std::uint64_t>(MPMediaGrouping::title));

@@ -109,7 +109,7 @@ class Browse : public testing::Test {
     ScreenAttachment attachment_;
 };
 
-TEST_F(Browse, FirstLaunchShowsSongsInAlphabeticalOrderAndTheHintOnce) {
+TEST_F(Browse, firstLaunchShowsSongsInAlphabeticalOrderAndTheHintOnce) {
     publishThreeSongs();
     load();
     EXPECT_EQ(page().choices, (BrowseChoices{MPMediaGrouping::title, 0, false}));
@@ -126,7 +126,7 @@ TEST_F(Browse, FirstLaunchShowsSongsInAlphabeticalOrderAndTheHintOnce) {
     EXPECT_EQ(screen_.tooltips.size(), 1U);
 }
 
-TEST_F(Browse, TheHintWaitsForTheGroupingButton) {
+TEST_F(Browse, theHintWaitsForTheGroupingButton) {
     knowsGroupingButton_ = false;
     load();
     EXPECT_TRUE(screen_.tooltips.empty());
@@ -137,7 +137,7 @@ TEST_F(Browse, TheHintWaitsForTheGroupingButton) {
     EXPECT_EQ(screen_.tooltips.size(), 1U);
 }
 
-TEST_F(Browse, PlayCountShowsTheMostPlayedFirstWithRanks) {
+TEST_F(Browse, playCountShowsTheMostPlayedFirstWithRanks) {
     publishThreeSongs();
     load();
     EXPECT_EQ(rankAtIndex(0), std::nullopt);
@@ -150,7 +150,7 @@ TEST_F(Browse, PlayCountShowsTheMostPlayedFirstWithRanks) {
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.sortType"), RVSortTypePlayCount);
 }
 
-TEST_F(Browse, PlayCountAgainShowsTheLeastPlayedFirstWithRankOne) {
+TEST_F(Browse, playCountAgainShowsTheLeastPlayedFirstWithRankOne) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
@@ -163,7 +163,7 @@ TEST_F(Browse, PlayCountAgainShowsTheLeastPlayedFirstWithRankOne) {
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.reverse"), 1U);
 }
 
-TEST_F(Browse, AThirdSortTypeResetsReverse) {
+TEST_F(Browse, aThirdSortTypeResetsReverse) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
@@ -176,7 +176,7 @@ TEST_F(Browse, AThirdSortTypeResetsReverse) {
     EXPECT_EQ(titles(), (Names{"B", "A", "C"}));
 }
 
-TEST_F(Browse, LastPlayedShowsNoRanksAndTheDateAtTheRight) {
+TEST_F(Browse, lastPlayedShowsNoRanksAndTheDateAtTheRight) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypeLastPlayed);
@@ -186,7 +186,7 @@ TEST_F(Browse, LastPlayedShowsNoRanksAndTheDateAtTheRight) {
     EXPECT_EQ(propertyAt(2), "Feb 19, 2026");
 }
 
-TEST_F(Browse, SplittingCompilationsRefreshesArtistsAtOnceAndAlbumsNot) {
+TEST_F(Browse, splittingCompilationsRefreshesArtistsAtOnceAndAlbumsNot) {
     library_.publish(
         {{.title = "1", .artist = "Alice", .albumArtist = "Alice"},
          {.title = "2", .artist = "Carol", .albumArtist = "Various Artists", .compilation = true}});
@@ -204,7 +204,7 @@ TEST_F(Browse, SplittingCompilationsRefreshesArtistsAtOnceAndAlbumsNot) {
     EXPECT_EQ(titles(), (Names{"Alice", "Carol"}));
 }
 
-TEST_F(Browse, AnEmptyLibraryHasNoListUntilAGroupingIsChosen) {
+TEST_F(Browse, anEmptyLibraryHasNoListUntilAGroupingIsChosen) {
     load();
     EXPECT_FALSE(page().isLoading);
     EXPECT_FALSE(page().list);
@@ -215,7 +215,7 @@ TEST_F(Browse, AnEmptyLibraryHasNoListUntilAGroupingIsChosen) {
     EXPECT_EQ(RVAlertManager::storedValueForKey("browse.groupType"), 5U);
 }
 
-TEST_F(Browse, SortingKeepsTheTilesAndARebuildMakesThemAnew) {
+TEST_F(Browse, sortingKeepsTheTilesAndARebuildMakesThemAgain) {
     publishThreeSongs();
     load();
     const auto tiles = page().statistics;
@@ -226,7 +226,7 @@ TEST_F(Browse, SortingKeepsTheTilesAndARebuildMakesThemAnew) {
     EXPECT_NE(page().statistics, tiles);
 }
 
-TEST_F(Browse, TheGroupingsAreInTheMenusOrderAndKeepTheSort) {
+TEST_F(Browse, theGroupingsAreInTheMenusOrderAndKeepTheSort) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
@@ -251,7 +251,7 @@ TEST_F(Browse, TheGroupingsAreInTheMenusOrderAndKeepTheSort) {
     EXPECT_EQ(BrowseChoices::groupingForIndex(5), MPMediaGrouping::title);
 }
 
-TEST_F(Browse, AStoredGroupingThatIsNotOfferedIsTitledSongs) {
+TEST_F(Browse, aStoredGroupingThatIsNotOfferedIsTitledSongs) {
     library_.publish({{.title = "1", .artist = "One"}, {.title = "2", .artist = "Two"}});
     RVAlertManager::storeValue(2, "browse.groupType");
     RVAlertManager::storeValue(7, "browse.reverse");
@@ -261,7 +261,7 @@ TEST_F(Browse, AStoredGroupingThatIsNotOfferedIsTitledSongs) {
     EXPECT_EQ(page().groupingButtonTitle().textWithoutAttachments(), "Songs");
 }
 
-TEST_F(Browse, TheChoicesSurviveTheScreen) {
+TEST_F(Browse, theChoicesSurviveTheScreen) {
     publishThreeSongs();
     load();
     chooseGrouping(1);
@@ -270,7 +270,7 @@ TEST_F(Browse, TheChoicesSurviveTheScreen) {
     EXPECT_EQ(page().choices, (BrowseChoices{MPMediaGrouping::album, RVSortTypeDateAdded, false}));
 }
 
-TEST_F(Browse, TilesAndRowsArriveOnTheMainQueue) {
+TEST_F(Browse, tilesAndRowsArriveOnTheMainQueue) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
@@ -390,7 +390,7 @@ class BrowseWhileSearching : public Browse {
     }
 };
 
-TEST_F(BrowseWhileSearching, BeginningTakesTheStatisticsOffAndLeavesTheList) {
+TEST_F(BrowseWhileSearching, beginningTakesTheStatisticsOffAndLeavesTheList) {
     publishThreeSongs();
     load();
     begin();
@@ -401,7 +401,7 @@ TEST_F(BrowseWhileSearching, BeginningTakesTheStatisticsOffAndLeavesTheList) {
     EXPECT_EQ(page().layout, BrowseLayout::library);
 }
 
-TEST_F(BrowseWhileSearching, HitsStandInPlaceOfEverythingInALayoutThatIsSetAnew) {
+TEST_F(BrowseWhileSearching, hitsStandInPlaceOfEverythingInALayoutThatIsSetAgain) {
     publishThreeSongs();
     load();
     begin();
@@ -417,7 +417,7 @@ TEST_F(BrowseWhileSearching, HitsStandInPlaceOfEverythingInALayoutThatIsSetAnew)
     EXPECT_TRUE(screen_.wasAnimated);
 }
 
-TEST_F(BrowseWhileSearching, ATermOfBlanksOnlyAndAnEmptiedBarChangeNothingOnView) {
+TEST_F(BrowseWhileSearching, aTermOfBlanksOnlyAndAnEmptiedBarChangeNothingOnView) {
     publishThreeSongs();
     load();
     begin();
@@ -430,7 +430,7 @@ TEST_F(BrowseWhileSearching, ATermOfBlanksOnlyAndAnEmptiedBarChangeNothingOnView
     EXPECT_FALSE(page().search.empty());
 }
 
-TEST_F(BrowseWhileSearching, CancelBringsTheListBackInItsOldOrderWithFreshTiles) {
+TEST_F(BrowseWhileSearching, cancelBringsTheListBackInItsOldOrderWithFreshTiles) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
@@ -447,7 +447,7 @@ TEST_F(BrowseWhileSearching, CancelBringsTheListBackInItsOldOrderWithFreshTiles)
     EXPECT_TRUE(allResults(4)->entities.empty()) << "the hits are forgotten";
 }
 
-TEST_F(BrowseWhileSearching, AfterACancelAnEmptyLibraryHasItsSection) {
+TEST_F(BrowseWhileSearching, afterACancelAnEmptyLibraryHasItsSection) {
     load();
     EXPECT_FALSE(page().list);
     begin();
@@ -457,7 +457,7 @@ TEST_F(BrowseWhileSearching, AfterACancelAnEmptyLibraryHasItsSection) {
     EXPECT_TRUE(page().list->isEmpty());
 }
 
-TEST_F(BrowseWhileSearching, RowsHaveNoRankAndTheValueOfTheAlphabet) {
+TEST_F(BrowseWhileSearching, rowsHaveNoRankAndTheValueOfTheAlphabet) {
     publishThreeSongs();
     load();
     chooseSort(RVSortTypePlayCount);
@@ -472,7 +472,7 @@ TEST_F(BrowseWhileSearching, RowsHaveNoRankAndTheValueOfTheAlphabet) {
     EXPECT_EQ(valueOfRow(0), "7x");
 }
 
-TEST_F(BrowseWhileSearching, SeeAllHasEveryHitUnderTheTextAsTyped) {
+TEST_F(BrowseWhileSearching, seeAllHasEveryHitUnderTheTextAsTyped) {
     std::vector<TestSong> songs;
     for (int number = 1; number <= 7; ++number) {
         songs.push_back({.title = "Wave " + std::to_string(number)});
@@ -490,7 +490,7 @@ TEST_F(BrowseWhileSearching, SeeAllHasEveryHitUnderTheTextAsTyped) {
     ASSERT_NE(allResults(5), nullptr) << "an empty list is a list";
 }
 
-TEST_F(BrowseWhileSearching, TypingFastShowsTheLastTermAlone) {
+TEST_F(BrowseWhileSearching, typingFastShowsTheLastTermAlone) {
     publishThreeSongs();
     load();
     begin();
@@ -504,7 +504,7 @@ TEST_F(BrowseWhileSearching, TypingFastShowsTheLastTermAlone) {
     EXPECT_FALSE(page().list);
 }
 
-TEST_F(BrowseWhileSearching, AScreenThatGoesMeanwhileIsShownNothing) {
+TEST_F(BrowseWhileSearching, aScreenThatGoesMeanwhileIsShownNothing) {
     publishThreeSongs();
     load();
     controller_->searchBarTextDidBeginEditing();
@@ -568,7 +568,7 @@ TEST_F(BrowseWhileSearching, hitsThatComeLateDoNotCoverTheLibrary) {
     EXPECT_EQ(page().layout, BrowseLayout::library);
 }
 
-TEST_F(Browse, WorkOfAScreenThatHasGoneIsDropped) {
+TEST_F(Browse, workOfAScreenThatHasGoneIsDropped) {
     publishThreeSongs();
     load();
     const std::size_t before = screen_.pages.size();
@@ -585,7 +585,7 @@ Tile tileAt(std::uint64_t index) {
     return {tile->icon()->name(), tile->value(), tile->caption()};
 }
 
-TEST_F(Browse, TheEightTilesMixAllMediaAndMusic) {
+TEST_F(Browse, theEightTilesMixAllMediaAndMusic) {
     const NSDate start = Extended::startOfDay(daysAgo(30));
     library_.publish({{.title = "1",
                        .duration = 600,
@@ -618,13 +618,13 @@ TEST_F(Browse, TheEightTilesMixAllMediaAndMusic) {
     EXPECT_EQ(tileAt(3), (Tile{"stopwatch", "166h", "Time Listened"}));
 }
 
-TEST_F(Browse, RecentlyPlayedDoesNotKnowTheInstallation) {
+TEST_F(Browse, recentlyPlayedDoesNotKnowTheInstallation) {
     defaults_->setObject("com.oskelvane.Nerinda.installationDate", Value(daysAgo(1)));
     library_.publish({{.title = "1", .lastPlayed = daysAgo(20)}});
     EXPECT_EQ(tileAt(4)[1], "100%");
 }
 
-TEST_F(Browse, TheTilesOfAnEmptyLibraryAreNumbersOrWhatIsNone) {
+TEST_F(Browse, theTilesOfAnEmptyLibraryAreNumbersOrWhatIsNone) {
     EXPECT_EQ(tileAt(0)[1], "0");
     EXPECT_EQ(tileAt(3)[1], "0");
     EXPECT_EQ(tileAt(4)[1], "NaN%");

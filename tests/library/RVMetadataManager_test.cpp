@@ -59,7 +59,7 @@ class RVMetadataManagerTest : public testing::Test {
     MediaLibraryFixture library_;
 };
 
-TEST_F(RVMetadataManagerTest, NamesFallBackWhereTheLibraryHasNone) {
+TEST_F(RVMetadataManagerTest, namesFallBackWhereTheLibraryHasNone) {
     library_.publish({{.title = "", .artist = "", .albumTitle = "", .genre = ""}});
     const MPMediaItem song(library_.library().snapshot(), 0);
     EXPECT_EQ(Manager::titleForMediaItem(song), "Untitled");
@@ -72,7 +72,7 @@ TEST_F(RVMetadataManagerTest, NamesFallBackWhereTheLibraryHasNone) {
 }
 
 // An empty title shows "Untitled", an empty artist "Unknown", a playlist's empty name nothing.
-TEST_F(RVMetadataManagerTest, EmptyNamesOfASongAreReplacedAndThatOfAPlaylistIsNot) {
+TEST_F(RVMetadataManagerTest, emptyNamesOfASongAreReplacedAndThatOfAPlaylistIsNot) {
     library_.publish({{.title = "", .artist = ""}}, {{.name = "", .persistentID = 9}});
     const MPMediaItem song(library_.library().snapshot(), 0);
     EXPECT_EQ(title(song), plain("Untitled"));
@@ -80,7 +80,7 @@ TEST_F(RVMetadataManagerTest, EmptyNamesOfASongAreReplacedAndThatOfAPlaylistIsNo
     EXPECT_EQ(title(bare()), plain(""));
 }
 
-TEST_F(RVMetadataManagerTest, NamesAreTheLibrarysOwn) {
+TEST_F(RVMetadataManagerTest, namesAreTheLibrarysOwn) {
     library_.publish({{.title = "Tune",
                        .artist = "Singer",
                        .albumArtist = "Band",
@@ -94,7 +94,7 @@ TEST_F(RVMetadataManagerTest, NamesAreTheLibrarysOwn) {
     EXPECT_EQ(Manager::genreForMediaItem(song), "Folk");
 }
 
-TEST_F(RVMetadataManagerTest, AnExplicitSongIsMarkedWhereAFontIsGiven) {
+TEST_F(RVMetadataManagerTest, anExplicitSongIsMarkedWhereAFontIsGiven) {
     library_.publish({{.title = "Loud", .explicitContent = true}, {.title = "Quiet"}});
     const UIFont font{20};
     UIImageSymbolConfiguration configuration;
@@ -106,7 +106,7 @@ TEST_F(RVMetadataManagerTest, AnExplicitSongIsMarkedWhereAFontIsGiven) {
     EXPECT_EQ(title(song("Loud")), plain("Loud"));
 }
 
-TEST_F(RVMetadataManagerTest, TheTitleOfACollectionIsThatOfItsFirstSong) {
+TEST_F(RVMetadataManagerTest, theTitleOfACollectionIsThatOfItsFirstSong) {
     library_.publish({{.artist = "Singer",
                        .albumArtist = "Band",
                        .albumTitle = "Record",
@@ -123,7 +123,7 @@ TEST_F(RVMetadataManagerTest, TheTitleOfACollectionIsThatOfItsFirstSong) {
     EXPECT_EQ(title(MPMediaEntity()), std::nullopt);
 }
 
-TEST_F(RVMetadataManagerTest, CollectionsWithoutANameHaveOneToo) {
+TEST_F(RVMetadataManagerTest, collectionsWithoutANameHaveOneToo) {
     library_.publish({{.artist = "", .albumTitle = ""}});
     EXPECT_EQ(title(first(MPMediaGrouping::album)), plain("Untitled"));
     EXPECT_EQ(title(first(MPMediaGrouping::artist)), plain("Unknown"));
@@ -131,7 +131,7 @@ TEST_F(RVMetadataManagerTest, CollectionsWithoutANameHaveOneToo) {
     EXPECT_EQ(Manager::subtitleForMediaEntity(first(MPMediaGrouping::album)), "Unknown");
 }
 
-TEST_F(RVMetadataManagerTest, TheSubtitleDependsOnTheKind) {
+TEST_F(RVMetadataManagerTest, theSubtitleDependsOnTheKind) {
     library_.publish({{.title = "a", .artist = "Singer", .albumArtist = "Band", .composer = "W"},
                       {.title = "b", .artist = "Singer", .albumArtist = "Band", .composer = "W"}},
                      {{.name = "Mix", .persistentID = 9, .songs = {1, 2}},
@@ -153,7 +153,7 @@ TEST_F(RVMetadataManagerTest, TheSubtitleDependsOnTheKind) {
     EXPECT_EQ(subtitle(playlists[2]), "1 song");
 }
 
-TEST_F(RVMetadataManagerTest, AnArtistIsFromAsManyCompilationsAsItHasAlbums) {
+TEST_F(RVMetadataManagerTest, anArtistIsFromAsManyCompilationsAsItHasAlbums) {
     library_.publish({{.title = "a", .artist = "One", .albumTitle = "A"},
                       {.title = "b", .artist = "One", .albumTitle = "A"},
                       {.title = "c", .artist = "Two", .albumTitle = "B"},
@@ -164,7 +164,7 @@ TEST_F(RVMetadataManagerTest, AnArtistIsFromAsManyCompilationsAsItHasAlbums) {
     EXPECT_EQ(Manager::subtitleForMediaEntity(artists[1]), "From 2 compilations");
 }
 
-TEST_F(RVMetadataManagerTest, AlphabeticalListsShowWhatAKindIsKnownBy) {
+TEST_F(RVMetadataManagerTest, alphabeticalListsShowWhatAKindIsKnownBy) {
     library_.publish({{.title = "a", .albumArtist = "Band", .albumTitle = "A", .year = 1999},
                       {.title = "b", .albumArtist = "Band", .albumTitle = "A", .year = 2001},
                       {.title = "c", .albumArtist = "Band", .albumTitle = "B", .composer = "W"},
@@ -191,7 +191,7 @@ TEST_F(RVMetadataManagerTest, AlphabeticalListsShowWhatAKindIsKnownBy) {
     EXPECT_EQ(text(MPMediaEntity()), NSAttributedString("—"));
 }
 
-TEST_F(RVMetadataManagerTest, PlaysAreCountedWithTheirSymbol) {
+TEST_F(RVMetadataManagerTest, playsAreCountedWithTheirSymbol) {
     library_.publish({{.title = "a", .playCount = 12}, {.title = "b", .playCount = 30}},
                      {{.name = "Bare", .persistentID = 9}});
     EXPECT_EQ(property("a", RVSortTypePlayCount).runs(), (Runs{smallSymbol("play.fill"), " 12x"}));
@@ -202,7 +202,7 @@ TEST_F(RVMetadataManagerTest, PlaysAreCountedWithTheirSymbol) {
               withSymbol("play.fill", "—"));
 }
 
-TEST_F(RVMetadataManagerTest, TheLastPlayIsThatOfTheLatestSong) {
+TEST_F(RVMetadataManagerTest, theLastPlayIsThatOfTheLatestSong) {
     library_.publish({{.title = "a", .lastPlayed = instant("2024-01-05T12:00:00Z")},
                       {.title = "b", .lastPlayed = instant("2024-03-15T01:00:00Z")},
                       {.title = "c"}},
@@ -223,7 +223,7 @@ TEST_F(RVMetadataManagerTest, TheLastPlayIsThatOfTheLatestSong) {
     EXPECT_EQ(Manager::lastPlayedDateForMediaEntity(MPMediaEntity()), "—");
 }
 
-TEST_F(RVMetadataManagerTest, TheTimeListenedIsPlaysTimesLength) {
+TEST_F(RVMetadataManagerTest, theTimeListenedIsPlaysTimesLength) {
     library_.publish({{.title = "a", .duration = 200, .playCount = 3},
                       {.title = "b", .duration = 100.5, .playCount = 2},
                       {.title = "c", .duration = 1000}},
@@ -240,7 +240,7 @@ TEST_F(RVMetadataManagerTest, TheTimeListenedIsPlaysTimesLength) {
               withSymbol("stopwatch", "13m 21s"));
 }
 
-TEST_F(RVMetadataManagerTest, TheReferenceDateIsNoDateAdded) {
+TEST_F(RVMetadataManagerTest, theReferenceDateIsNoDateAdded) {
     library_.publish({{.title = "a", .added = instant("2024-01-05T12:00:00Z")},
                       {.title = "b", .added = NSDate()},
                       {.title = "c"},
@@ -257,13 +257,13 @@ TEST_F(RVMetadataManagerTest, TheReferenceDateIsNoDateAdded) {
     EXPECT_EQ(Manager::sortPropertyForMediaEntity(MPMediaEntity(), 4), withSymbol(symbol, "—"));
 }
 
-TEST_F(RVMetadataManagerTest, TheReferenceDateIsAReleaseDateAndAPlayLikeAnyOther) {
+TEST_F(RVMetadataManagerTest, theReferenceDateIsAReleaseDateAndAPlayLikeAnyOther) {
     library_.publish({{.title = "a", .lastPlayed = NSDate(), .released = NSDate()}});
     EXPECT_EQ(property("a", RVSortTypeReleaseDate), withSymbol("calendar", "Jan 1, 2001"));
     EXPECT_EQ(property("a", RVSortTypeLastPlayed), withSymbol("play.fill", "Jan 1, 2001"));
 }
 
-TEST_F(RVMetadataManagerTest, WithoutAReleaseDateTheYearIsShownEvenZero) {
+TEST_F(RVMetadataManagerTest, withoutAReleaseDateTheYearIsShownEvenZero) {
     library_.publish({{.title = "a", .released = instant("1999-09-09T12:00:00Z"), .year = 2010},
                       {.title = "b", .albumTitle = "B", .year = 2011},
                       {.title = "c", .albumTitle = "C"},
@@ -279,7 +279,7 @@ TEST_F(RVMetadataManagerTest, WithoutAReleaseDateTheYearIsShownEvenZero) {
     EXPECT_EQ(Manager::sortPropertyForMediaEntity(MPMediaEntity(), 5), withSymbol("calendar", "—"));
 }
 
-TEST_F(RVMetadataManagerTest, AnUnknownSortShowsTheMarkWithoutASymbol) {
+TEST_F(RVMetadataManagerTest, anUnknownSortShowsTheMarkWithoutASymbol) {
     library_.publish({{.title = "a", .playCount = 3}});
     for (const RVSortType type : {RVSortType{6}, RVSortType{99}, ~RVSortType{0}}) {
         EXPECT_EQ(property("a", type), NSAttributedString("—"));
@@ -288,7 +288,7 @@ TEST_F(RVMetadataManagerTest, AnUnknownSortShowsTheMarkWithoutASymbol) {
     }
 }
 
-TEST_F(RVMetadataManagerTest, OnlyPlaysAndTimeListenedAreRanked) {
+TEST_F(RVMetadataManagerTest, onlyPlaysAndTimeListenedAreRanked) {
     EXPECT_TRUE(Manager::sortTypeIsRanked(RVSortTypePlayCount));
     EXPECT_TRUE(Manager::sortTypeIsRanked(RVSortTypeTimeListened));
     for (const RVSortType type : {0U, 2U, 4U, 5U, 6U, 7U, 1000U}) {
@@ -297,7 +297,7 @@ TEST_F(RVMetadataManagerTest, OnlyPlaysAndTimeListenedAreRanked) {
     EXPECT_FALSE(Manager::sortTypeIsRanked(~RVSortType{0}));
 }
 
-TEST_F(RVMetadataManagerTest, TheMarksOfASongComeInTheirOrder) {
+TEST_F(RVMetadataManagerTest, theMarksOfASongComeInTheirOrder) {
     library_.publish({{.title = "all", .likedState = 2, .explicitContent = true},
                       {.title = "none", .likedState = 3, .cloud = true},
                       {.title = "liked", .likedState = 2, .cloud = true},
@@ -327,7 +327,7 @@ class PictureSource : public Source {
 };
 
 // A song with no artwork anywhere gets the picture "item", a collection the picture "list".
-TEST_F(RVMetadataManagerTest, WithoutArtworkASongAndACollectionHaveAPictureOfTheirKind) {
+TEST_F(RVMetadataManagerTest, withoutArtworkASongAndACollectionHaveAPictureOfTheirKind) {
     library_.publish({{.title = "a"}}, {{.name = "Bare", .persistentID = 9}});
     EXPECT_EQ(Manager::artworkForEntity(song("a")), UIImage::imageNamed("item"));
     EXPECT_EQ(Manager::artworkForEntity(first(MPMediaGrouping::album)),
@@ -342,7 +342,7 @@ TEST_F(RVMetadataManagerTest, WithoutArtworkASongAndACollectionHaveAPictureOfThe
               UIImage::imageNamed("list"));
 }
 
-TEST_F(RVMetadataManagerTest, APictureThatLiesOnDiskComesFirst) {
+TEST_F(RVMetadataManagerTest, aPictureThatIsOnDiskComesFirst) {
     library_.publish({{.title = "a"}});
     const auto source = std::make_shared<PictureSource>();
     source->picture = NSData{"asked for"};
@@ -356,7 +356,7 @@ TEST_F(RVMetadataManagerTest, APictureThatLiesOnDiskComesFirst) {
     EXPECT_EQ(Manager::artworkForEntity(first(MPMediaGrouping::album)), ready);
 }
 
-TEST_F(RVMetadataManagerTest, APictureCanBeGivenASize) {
+TEST_F(RVMetadataManagerTest, aPictureCanBeGivenASize) {
     EXPECT_EQ(Manager::imageWithImage(UIImage::imageNamed("list"), {30, 40}),
               UIImage::imageNamed("list").imageOfSize({30, 40}));
 }

@@ -60,7 +60,7 @@ class RVQueryManagerResults : public testing::Test {
     MediaLibraryFixture library_;
 };
 
-TEST_F(RVQueryManagerResults, SongsAreSortedBySixThings) {
+TEST_F(RVQueryManagerResults, songsAreSortedBySixThings) {
     library_.publish({{.title = "a",
                        .duration = 10,
                        .playCount = 5,
@@ -88,7 +88,7 @@ TEST_F(RVQueryManagerResults, SongsAreSortedBySixThings) {
     EXPECT_EQ(list(songs, RVSortTypeReleaseDate), (Names{"b", "a", "c"}));
 }
 
-TEST_F(RVQueryManagerResults, ReverseTurnsEachSortRound) {
+TEST_F(RVQueryManagerResults, reverseTurnsEachSortRound) {
     library_.publish({{.title = "a",
                        .duration = 10,
                        .playCount = 5,
@@ -115,7 +115,7 @@ TEST_F(RVQueryManagerResults, ReverseTurnsEachSortRound) {
     EXPECT_EQ(list(songs, RVSortTypeReleaseDate, true), (Names{"b", "c", "a"}));
 }
 
-TEST_F(RVQueryManagerResults, WhatHasNoValueIsSmallerThanAnyValue) {
+TEST_F(RVQueryManagerResults, whatHasNoValueIsSmallerThanAnyValue) {
     library_.publish(
         {{.title = "a", .albumTitle = "A"},
          {.title = "b",
@@ -138,7 +138,7 @@ TEST_F(RVQueryManagerResults, WhatHasNoValueIsSmallerThanAnyValue) {
     }
 }
 
-TEST_F(RVQueryManagerResults, CollectionsAreSortedByWhatTheirSongsComeToTogether) {
+TEST_F(RVQueryManagerResults, collectionsAreSortedByWhatTheirSongsComeToTogether) {
     library_.publish(
         {{.title = "1",
           .albumTitle = "A",
@@ -171,7 +171,7 @@ TEST_F(RVQueryManagerResults, CollectionsAreSortedByWhatTheirSongsComeToTogether
     EXPECT_EQ(list(albums, RVSortTypeReleaseDate, true), (Names{"C", "A", "B"}));
 }
 
-TEST_F(RVQueryManagerResults, EachGroupingHasItsCollections) {
+TEST_F(RVQueryManagerResults, eachGroupingHasItsCollections) {
     library_.publish({{.title = "1",
                        .artist = "S2",
                        .albumArtist = "B2",
@@ -200,7 +200,7 @@ TEST_F(RVQueryManagerResults, EachGroupingHasItsCollections) {
     }
 }
 
-TEST_F(RVQueryManagerResults, PlaylistsAreSortedByNameAsAPersonWould) {
+TEST_F(RVQueryManagerResults, playlistsAreSortedByNameAsAPersonWould) {
     library_.publish({}, {{.name = "99 Luftballons", .persistentID = 1},
                           {.name = "zebra", .persistentID = 2},
                           {.name = "\"Apples\"", .persistentID = 3},
@@ -218,7 +218,7 @@ TEST_F(RVQueryManagerResults, PlaylistsAreSortedByNameAsAPersonWould) {
     EXPECT_EQ(sorted(true), (Names{"99 Luftballons", "!!!", "zebra", "Banana", "\"Apples\""}));
 }
 
-TEST_F(RVQueryManagerResults, NamesThatReadAlikeStayInTheirOrder) {
+TEST_F(RVQueryManagerResults, namesThatReadAlikeStayInTheirOrder) {
     library_.publish({}, {{.name = "Mix", .persistentID = 1},
                           {.name = "\"Mix\"", .persistentID = 2},
                           {.name = "Mix!", .persistentID = 3}});
@@ -231,7 +231,7 @@ TEST_F(RVQueryManagerResults, NamesThatReadAlikeStayInTheirOrder) {
     }
 }
 
-TEST_F(RVQueryManagerResults, HiddenPlaylistsAndFoldersNeverAppear) {
+TEST_F(RVQueryManagerResults, hiddenPlaylistsAndFoldersNeverAppear) {
     library_.publish(
         {{.title = "a"}},
         {{.name = "Shown", .persistentID = 10, .songs = {1}},
@@ -243,7 +243,7 @@ TEST_F(RVQueryManagerResults, HiddenPlaylistsAndFoldersNeverAppear) {
     }
 }
 
-TEST_F(RVQueryManagerResults, AlbumArtistsAreSortedByTheirSortNames) {
+TEST_F(RVQueryManagerResults, albumArtistsAreSortedByTheirSortNames) {
     library_.publish({{.title = "1", .albumArtist = "The Zebras", .sortAlbumArtist = "Zebras"},
                       {.title = "2", .albumArtist = "Adele"},
                       {.title = "3", .albumArtist = "The Beat", .sortAlbumArtist = "Beat"},
@@ -252,7 +252,7 @@ TEST_F(RVQueryManagerResults, AlbumArtistsAreSortedByTheirSortNames) {
     EXPECT_EQ(list(albumArtists, 0, true), (Names{"10cc", "The Zebras", "The Beat", "Adele"}));
 }
 
-TEST_F(RVQueryManagerResults, AnUnknownSortLeavesTheQuerysOrderWhateverTheDirection) {
+TEST_F(RVQueryManagerResults, anUnknownSortLeavesTheQuerysOrderWhateverTheDirection) {
     library_.publish({{.title = "b", .albumTitle = "B", .playCount = 1},
                       {.title = "a", .albumTitle = "A", .playCount = 2}},
                      {{.name = "P2", .persistentID = 10, .songs = {1}},
@@ -266,7 +266,7 @@ TEST_F(RVQueryManagerResults, AnUnknownSortLeavesTheQuerysOrderWhateverTheDirect
     }
 }
 
-TEST_F(RVQueryManagerResults, WithoutAQueryTheUsersMusicIsTaken) {
+TEST_F(RVQueryManagerResults, withoutAQueryTheUsersMusicIsTaken) {
     library_.publish({{.title = "song", .albumTitle = "A"},
                       {.title = "talk", .albumTitle = "B", .mediaType = MediaType::podcast},
                       {.title = "heard", .albumTitle = "C", .inLibrary = false}});
@@ -277,7 +277,7 @@ TEST_F(RVQueryManagerResults, WithoutAQueryTheUsersMusicIsTaken) {
               (Names{"song", "talk"}));
 }
 
-TEST_F(RVQueryManagerResults, TheQueryKeepsTheGroupingAndTheFilters) {
+TEST_F(RVQueryManagerResults, theQueryKeepsTheGroupingAndTheFilters) {
     library_.publish({{.title = "a"}}, {{.name = "P", .persistentID = 10}});
     MPMediaQuery query = MPMediaQuery::songsQuery();
     RVQueryManager::resultsForQuery(&query, songs, 0, false);
@@ -300,7 +300,7 @@ TEST_F(RVQueryManagerResults, TheQueryKeepsTheGroupingAndTheFilters) {
     EXPECT_EQ(split.filterPredicates(), (std::vector{without("isCompilation")}));
 }
 
-TEST_F(RVQueryManagerResults, ASongThatAPlaylistHoldsTwiceKeepsItsFirstPlace) {
+TEST_F(RVQueryManagerResults, aSongThatAPlaylistHoldsTwiceKeepsItsFirstPlace) {
     library_.publish({{.title = "a", .playCount = 1, .persistentID = 1},
                       {.title = "b", .playCount = 1, .persistentID = 2}},
                      {{.name = "P", .persistentID = 10, .songs = {2, 1, 2, 1}}});
@@ -337,7 +337,7 @@ TEST_F(RVQueryManagerResults, anAlbumsSongsKeepTheAlbumsOrderForTiesInEverySort)
     EXPECT_EQ(ordered(99, true), (Names{"c", "d", "a", "b"}));
 }
 
-TEST_F(RVQueryManagerResults, AnEmptyLibraryGivesAnEmptyList) {
+TEST_F(RVQueryManagerResults, anEmptyLibraryGivesAnEmptyList) {
     for (std::int64_t group = 0; group <= 6; ++group) {
         for (RVSortType sort = 0; sort <= 6; ++sort) {
             EXPECT_TRUE(RVQueryManager::resultsForQuery(nullptr, MPMediaGrouping{group}, sort, true)
@@ -346,7 +346,7 @@ TEST_F(RVQueryManagerResults, AnEmptyLibraryGivesAnEmptyList) {
     }
 }
 
-TEST_F(RVQueryManagerResults, TheSecondQueryOfASplitIsForMusicAlone) {
+TEST_F(RVQueryManagerResults, theSecondQueryOfASplitIsForMusicAlone) {
     library_.publish(
         {{.title = "1", .albumArtist = "Band"},
          {.title = "2", .artist = "Guest", .albumArtist = "Various", .compilation = true},
@@ -426,7 +426,7 @@ std::optional<double> value(const MPMediaEntity& entity, RVSortType sort) {
     return found;
 }
 
-TEST_F(RVQueryManagerResults, AllSortsOfAllGroupingsAreStable) {
+TEST_F(RVQueryManagerResults, allSortsOfAllGroupingsAreStable) {
     std::vector<TestPlaylist> lists;
     for (std::uint64_t i = 0; i < 12; ++i) {
         lists.push_back({.name = "list", .persistentID = 1000 + i, .songs = {1 + i, 20 + i % 3}});

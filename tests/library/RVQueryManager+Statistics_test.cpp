@@ -78,11 +78,11 @@ class Statistics : public testing::Test {
     MediaLibraryFixture library_;
 };
 
-TEST_F(Statistics, OfNothingAreNone) {
+TEST_F(Statistics, ofNothingAreNone) {
     EXPECT_EQ(RVQueryManager::statsForMediaEntity(MPMediaEntity()), std::nullopt);
 }
 
-TEST_F(Statistics, OfASongAreFiveTilesWithoutAShare) {
+TEST_F(Statistics, ofASongAreFiveTilesWithoutAShare) {
     library_.publish({{.title = "Song",
                        .duration = 90,
                        .playCount = 1234,
@@ -103,7 +103,7 @@ TEST_F(Statistics, OfASongAreFiveTilesWithoutAShare) {
     }));
 }
 
-TEST_F(Statistics, OfAnAlbumSayHowMuchOfItIsThere) {
+TEST_F(Statistics, ofAnAlbumSayHowMuchOfItIsThere) {
     std::vector<TestSong> songs(3, {.playCount = 1, .added = daysAgo(20), .trackCount = 12});
     library_.publish(songs);
     const auto tiles = statsOfFirst(MPMediaGrouping::album);
@@ -113,25 +113,25 @@ TEST_F(Statistics, OfAnAlbumSayHowMuchOfItIsThere) {
     EXPECT_EQ(valueOf(tiles, "In Library"), "25%");
 }
 
-TEST_F(Statistics, OfAnAlbumWithMoreSongsThanItClaimsSayThatItIsWhole) {
+TEST_F(Statistics, ofAnAlbumWithMoreSongsThanItClaimsSayThatItIsWhole) {
     library_.publish(std::vector<TestSong>(14, {.trackCount = 12}));
     EXPECT_EQ(valueOf(statsOfFirst(MPMediaGrouping::album), "In Library"), "100%");
 }
 
-TEST_F(Statistics, OfAnAlbumWithoutATrackCountAreSix) {
+TEST_F(Statistics, ofAnAlbumWithoutATrackCountAreSix) {
     library_.publish(std::vector<TestSong>(3, {.trackCount = 0}));
     EXPECT_EQ(captions(statsOfFirst(MPMediaGrouping::album)),
               (Lines{"Plays", "Minutes Played", "% of All Plays", "Skips", "Year", "Date Added"}));
 }
 
-TEST_F(Statistics, OfASongWithoutAReleaseDateGiveItsYear) {
+TEST_F(Statistics, ofASongWithoutAReleaseDateGiveItsYear) {
     library_.publish({{.title = "Old", .year = 1999}, {.title = "Unknown", .year = 0}});
     EXPECT_EQ(valueOf(statsOfSong("Old"), "Year"), "1999");
     EXPECT_EQ(valueOf(statsOfSong("Old"), "Release Date"), "(none)");
     EXPECT_EQ(valueOf(statsOfSong("Unknown"), "Year"), "0");
 }
 
-TEST_F(Statistics, OfAComposerAreNone) {
+TEST_F(Statistics, ofAComposerAreNone) {
     library_.publish({{.title = "1", .composer = "Clara"}});
     MPMediaQuery query = MPMediaQuery::songsQuery();
     query.setGroupingType(MPMediaGrouping::composer);
@@ -139,7 +139,7 @@ TEST_F(Statistics, OfAComposerAreNone) {
     EXPECT_EQ(RVQueryManager::statsForMediaEntity(query.collections().front()), std::nullopt);
 }
 
-TEST_F(Statistics, OfASongAddedAtTheReferenceDateHaveNoDateAdded) {
+TEST_F(Statistics, ofASongAddedAtTheReferenceDateHaveNoDateAdded) {
     library_.publish(
         {{.title = "Synced", .added = NSDate::dateWithTimeIntervalSinceReferenceDate(0)},
          {.title = "Never"},
@@ -149,7 +149,7 @@ TEST_F(Statistics, OfASongAddedAtTheReferenceDateHaveNoDateAdded) {
     EXPECT_EQ(valueOf(statsOfSong("Second"), "Date Added"), "Jan 1, 2001");
 }
 
-TEST_F(Statistics, OfArtistsAndGenresAreEight) {
+TEST_F(Statistics, ofArtistsAndGenresAreEight) {
     library_.publish(
         {{.title = "1",
           .albumTitle = "A",
@@ -184,7 +184,7 @@ TEST_F(Statistics, OfArtistsAndGenresAreEight) {
     }
 }
 
-TEST_F(Statistics, OfAPlaylistCountASongAsOftenAsItIsThere) {
+TEST_F(Statistics, ofAPlaylistCountASongAsOftenAsItIsThere) {
     library_.publish({{.title = "1", .playCount = 2, .explicitContent = true, .trackCount = 9},
                       {.title = "2", .playCount = 4}},
                      {{.name = "Mix", .persistentID = 9, .songs = {1, 1, 2}}});
@@ -197,7 +197,7 @@ TEST_F(Statistics, OfAPlaylistCountASongAsOftenAsItIsThere) {
     EXPECT_EQ(valueOf(tiles, "Explicit"), "66.7%");
 }
 
-TEST_F(Statistics, OfALibraryWithoutPlaysShowWhatTheFormatterMakesOfNothing) {
+TEST_F(Statistics, ofALibraryWithoutPlaysShowWhatTheFormatterMakesOfNothing) {
     library_.publish({{.title = "1"}}, {{.name = "Empty", .persistentID = 9}});
     EXPECT_EQ(valueOf(statsOfFirst(MPMediaGrouping::album), "% of All Plays"), "NaN%");
     const auto empty = statsOfFirst(MPMediaGrouping::playlist);
@@ -206,7 +206,7 @@ TEST_F(Statistics, OfALibraryWithoutPlaysShowWhatTheFormatterMakesOfNothing) {
     EXPECT_EQ(valueOf(empty, "Plays"), "0");
 }
 
-TEST_F(Statistics, TheShareIsOfAllMedia) {
+TEST_F(Statistics, theShareIsOfAllMedia) {
     library_.publish({{.title = "1", .playCount = 1},
                       {.title = "Talk",
                        .artist = "Host",
@@ -216,7 +216,7 @@ TEST_F(Statistics, TheShareIsOfAllMedia) {
     EXPECT_EQ(valueOf(statsOfFirst(MPMediaGrouping::genre), "% of All Plays"), "25%");
 }
 
-TEST_F(Statistics, PlayedRecentlyBeginsThirtyDaysAgoAtTheStartOfTheDay) {
+TEST_F(Statistics, playedRecentlyBeginsThirtyDaysAgoAtTheStartOfTheDay) {
     const NSDate start = Extended::startOfDay(daysAgo(30));
     library_.publish({{.title = "at the start", .lastPlayed = start},
                       {.title = "behind it", .lastPlayed = start.dateByAddingTimeInterval(0.001)},
@@ -225,7 +225,7 @@ TEST_F(Statistics, PlayedRecentlyBeginsThirtyDaysAgoAtTheStartOfTheDay) {
     EXPECT_EQ(valueOf(statsOfFirst(MPMediaGrouping::genre), "Played Recently"), "50%");
 }
 
-TEST_F(Statistics, PlayedRecentlyMeasuresFromAYoungInstallation) {
+TEST_F(Statistics, playedRecentlyMeasuresFromAYoungInstallation) {
     library_.publish({{.title = "before", .lastPlayed = daysAgo(8)},
                       {.title = "at it", .lastPlayed = daysAgo(7)},
                       {.title = "after", .lastPlayed = daysAgo(6)},
@@ -236,7 +236,7 @@ TEST_F(Statistics, PlayedRecentlyMeasuresFromAYoungInstallation) {
     EXPECT_EQ(valueOf(statsOfFirst(MPMediaGrouping::genre), "Played Recently"), "75%");
 }
 
-TEST_F(Statistics, DateAddedIsTheFirstAndTheReleaseDateTheLast) {
+TEST_F(Statistics, dateAddedIsTheFirstAndTheReleaseDateTheLast) {
     library_.publish({{.title = "1", .added = daysAgo(40), .released = daysAgo(400)},
                       {.title = "2", .added = daysAgo(60), .released = daysAgo(300), .year = 2030},
                       {.title = "3"}});
@@ -245,14 +245,14 @@ TEST_F(Statistics, DateAddedIsTheFirstAndTheReleaseDateTheLast) {
     EXPECT_EQ(valueOf(tiles, "Release Date"), "Jun 4, 2025");
 }
 
-TEST_F(Statistics, MinutesKeepTheirCaptionWhenTheyAreAClockTime) {
+TEST_F(Statistics, minutesKeepTheirCaptionWhenTheyAreAClockTime) {
     library_.publish({{.title = "1", .duration = 100, .playCount = 40}});
     EXPECT_EQ(valueOf(statsOfSong("1"), "Minutes Played"), "66");
     defaults_->setObject("TimeListenedFormatExpanded", true);
     EXPECT_EQ(valueOf(statsOfSong("1"), "Minutes Played"), "1:06:40");
 }
 
-TEST_F(Statistics, OfAnArtistOfCompilationsAreThoseOfHisCompilationSongs) {
+TEST_F(Statistics, ofAnArtistOfCompilationsAreThoseOfHisCompilationSongs) {
     library_.publish({{.title = "1", .artist = "Carol", .albumArtist = "Carol", .playCount = 5},
                       {.title = "2",
                        .artist = "Carol",
@@ -270,7 +270,7 @@ TEST_F(Statistics, OfAnArtistOfCompilationsAreThoseOfHisCompilationSongs) {
     EXPECT_EQ(valueOf(RVQueryManager::statsForMediaEntity(found[1]), "Favorited"), "1");
 }
 
-TEST_F(Statistics, TwoTilesThatSayTheSameAreTwo) {
+TEST_F(Statistics, twoTilesThatSayTheSameAreTwo) {
     library_.publish({{.title = "1"}});
     const auto once = statsOfSong("1");
     const auto again = statsOfSong("1");

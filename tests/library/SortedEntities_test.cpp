@@ -17,7 +17,7 @@ NSDate at(double seconds) {
     return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
 }
 
-TEST(SortedEntities, AKeyIsOrderedAsItsNumber) {
+TEST(SortedEntities, aKeyIsOrderedAsItsNumber) {
     const double infinity = std::numeric_limits<double>::infinity();
     const double numbers[] = {-infinity, -1e300, -2.5, -1e-300, 0, 1e-300, 1, 2.5, 1e300, infinity};
     for (std::size_t i = 1; i < std::size(numbers); ++i) {
@@ -27,21 +27,21 @@ TEST(SortedEntities, AKeyIsOrderedAsItsNumber) {
     EXPECT_LT(keyOf(std::uint64_t{1} << 62U), keyOf(~std::uint64_t{0}));
 }
 
-TEST(SortedEntities, AnAbsentDateIsSmallerThanAnyDate) {
+TEST(SortedEntities, anAbsentDateIsSmallerThanAnyDate) {
     const std::optional<NSDate> absent;
     EXPECT_LT(keyOf(absent), keyOf(std::optional(at(-std::numeric_limits<double>::infinity()))));
     EXPECT_LT(keyOf(absent), keyOf(std::optional(NSDate::distantPast())));
     EXPECT_LT(keyOf(std::optional(at(-1))), keyOf(std::optional(at(0))));
 }
 
-TEST(SortedEntities, EqualKeysKeepTheirPlacesInBothDirections) {
+TEST(SortedEntities, equalKeysKeepTheirPlacesInBothDirections) {
     const std::vector<Key> keys{5, 7, 5, 0, 7, 5};
     EXPECT_EQ(SortedEntities::order(keys, true), (Places{3, 0, 2, 5, 1, 4}));
     EXPECT_EQ(SortedEntities::order(keys, false), (Places{1, 4, 0, 2, 5, 3}));
     EXPECT_TRUE(SortedEntities::order({}, true).empty());
 }
 
-TEST(SortedEntities, NamesAreOrderedAsAPersonWouldOrderThem) {
+TEST(SortedEntities, namesAreOrderedAsAPersonWouldOrderThem) {
     Regional region(NSTimeZone(), "en_US");
     const Port<Regional>::Plug plug(region);
     const std::vector<std::optional<std::string>> names{"zebra",     "10", std::nullopt, "Apple",

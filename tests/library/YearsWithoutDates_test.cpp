@@ -36,19 +36,19 @@ class YearsWithoutDates : public testing::Test {
                                   {.title = "No wave", .albumTitle = "Sand"}}};
 };
 
-TEST_F(YearsWithoutDates, AFoundAlbumShowsItsYear) {
+TEST_F(YearsWithoutDates, aFoundAlbumShowsItsYear) {
     EXPECT_EQ(valueOf(albumOf("sea"), RVSortTypeAlphabetical), "1969");
     EXPECT_EQ(valueOf(albumOf("shore"), RVSortTypeAlphabetical), "1999");
     EXPECT_EQ(valueOf(albumOf("sand"), RVSortTypeAlphabetical), "0") << "the year itself";
 }
 
-TEST_F(YearsWithoutDates, AFoundSongShowsItsAlbum) {
+TEST_F(YearsWithoutDates, aFoundSongShowsItsAlbum) {
     const FoundEntities songs = LibrarySearch().results("old wave").songs;
     ASSERT_EQ(songs.size(), 1U);
     EXPECT_EQ(valueOf(songs[0], RVSortTypeAlphabetical), "Sea");
 }
 
-TEST_F(YearsWithoutDates, ASongsPageTellsTheYearInPlaceOfTheReleaseDate) {
+TEST_F(YearsWithoutDates, aSongsPageTellsTheYearInPlaceOfTheReleaseDate) {
     Names captions;
     Names values;
     const auto statistics = RVQueryManager::statsForMediaEntity(library_.song("New wave"));
@@ -65,7 +65,7 @@ TEST_F(YearsWithoutDates, ASongsPageTellsTheYearInPlaceOfTheReleaseDate) {
     EXPECT_EQ(values[static_cast<std::size_t>(added - captions.begin())], "—");
 }
 
-TEST_F(YearsWithoutDates, ReleaseDatesSortByTheYearAndPutSongsWithoutOneLast) {
+TEST_F(YearsWithoutDates, releaseDatesSortByTheYearAndPutSongsWithoutOneLast) {
     Names titles;
     for (const MPMediaEntity& song : RVQueryManager::resultsForQuery(
              nullptr, MPMediaGrouping::title, RVSortTypeReleaseDate, false)) {

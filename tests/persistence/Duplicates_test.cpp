@@ -349,14 +349,14 @@ TEST_F(DuplicatesTest, theMainSaveLooksAgainWhenAnotherRecordHasChangedSince) {
     });
     environment.runUntilIdle();
     ASSERT_EQ(environment.plays().size(), 2U);
-    // The change of a date alone is no insert; the play that was inserted is told again with the
-    // main save.
+    // The change of a date alone is no insert; the play that was inserted is reported again with
+    // the main save.
     early.setEventDate(at(200));
     environment.saveMain();
     EXPECT_EQ(environment.plays().size(), 1U);
 }
 
-TEST_F(DuplicatesTest, theMainSaveLooksAtWhatNoChildHasTold) {
+TEST_F(DuplicatesTest, theMainSaveLooksAtWhatNoChildHasReported) {
     PlaybackHistory song = environment.makeHistory("Song", 180);
     environment.saveMain();
     const auto context = environment.data->privateContext();

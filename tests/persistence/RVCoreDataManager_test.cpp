@@ -247,7 +247,7 @@ TEST_F(DataManagerTest, aFailedMainSaveEndsTheProcess) {
     EXPECT_TRUE(environment.failures.dataFailures.empty());
 }
 
-TEST_F(DataManagerTest, anyOtherFailedSaveIsToldOnTheMainQueue) {
+TEST_F(DataManagerTest, anyOtherFailedSaveIsReportedOnTheMainQueue) {
     RVCoreDataManager::handle_CoreDataFailure({"no room", "detail"});
     environment.runUntilIdle();
     ASSERT_EQ(environment.failures.dataFailures.size(), 1U);

@@ -1,4 +1,4 @@
-// How many plays of how many songs lie between two dates, and how long they lasted.
+// How many plays of how many songs are between two dates, and how long they lasted.
 
 #include "recording/PlayTotals.h"
 
@@ -41,7 +41,7 @@ TEST_F(PlayTotalsTest, songsCountOnceAndTheirDurationsOnceAPlay) {
     EXPECT_EQ(totals.seconds, 420.5);
 }
 
-TEST_F(PlayTotalsTest, bothEndsLieOutside) {
+TEST_F(PlayTotalsTest, bothEndsAreOutside) {
     PlaybackHistory song = environment.makeHistory("Song", 180);
     environment.makePlay(song, 10);
     environment.makePlay(song, 20);

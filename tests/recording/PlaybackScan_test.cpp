@@ -217,7 +217,7 @@ TEST_F(PlaybackScanTest, aChangedSkipCountAloneWaitsForTheNextPlay) {
 TEST_F(PlaybackScanTest, aNegativeSpanWalksBackFromTheStart) {
     publish(10, noon - 9000);
     ASSERT_TRUE(environment.scan());
-    // Plays that arrive late from elsewhere: their last date lies before the previous scan.
+    // Plays that arrive late from elsewhere: their last date is before the previous scan.
     scanLater(12, noon - 1000);
     EXPECT_EQ(environment.plays(), (std::vector<RecordedPlay>{{noon - 9000, false, "Song"},
                                                               {noon - 1000, false, "Song"},

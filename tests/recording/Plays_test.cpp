@@ -85,7 +85,7 @@ TEST_F(PlaysTest, comeByDateAndEqualDatesByTheirRecords) {
     EXPECT_EQ(Plays::countOfSong(*version, song.objectID().counter), 5U);
 }
 
-TEST_F(PlaysTest, bothEndsLieOutsideOnEveryWay) {
+TEST_F(PlaysTest, bothEndsAreOutsideOnEveryWay) {
     PlaybackHistory song = environment.makeHistory("Song", 100);
     PlaybackHistory other = environment.makeHistory("Other", 100);
     const RecordCounter start = play(other, 10);

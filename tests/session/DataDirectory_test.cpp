@@ -51,7 +51,7 @@ TEST_F(DataDirectoryTest, aNewOneIsForTheUserAlone) {
     EXPECT_GE(files, 5U);
 }
 
-TEST_F(DataDirectoryTest, anOpenOneIsClosedAndTheUserIsTold) {
+TEST_F(DataDirectoryTest, anOpenOneIsClosedAndTheUserIsReported) {
     makeOpenDirectory();
     {
         const auto session = opened();

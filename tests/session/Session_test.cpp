@@ -119,7 +119,7 @@ TEST_F(SessionTest, withoutAPlayerCommandsDoNothing) {
     EXPECT_FALSE(std::filesystem::exists(session->directory().sampleLibrary()));
 }
 
-TEST_F(SessionTest, aChangedLocaleOrdersTheLibraryAnew) {
+TEST_F(SessionTest, aChangedLocaleOrdersTheLibraryAgain) {
     writeExport({"Zebra", "Ära"});
     setEnvironment("LC_COLLATE", "de_DE.UTF-8");
     const auto session = opened();

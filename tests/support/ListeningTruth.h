@@ -2,7 +2,7 @@
 // the program must have recorded of it.
 //
 // Queue: the test's thread. Instants are seconds since 2001-01-01 UTC. Time goes on in rounds, each
-// with a scan at its end. Every play has an instant of its own: the last plays of a round lie prime
+// with a scan at its end. Every play has an instant of its own: the last plays of a round are prime
 // numbers of seconds behind its beginning, so that no share of one span is a share of another.
 #pragma once
 

@@ -1,7 +1,7 @@
-// Where the real libraries lie that some tests read.
+// Where the real libraries are that some tests read.
 //
 // They are not part of the source tree: the environment variable TAVRION_REAL_DATA names their
-// directory, or else they lie beside the source tree. Without them such a test is skipped and says
+// directory, or else they are beside the source tree. Without them such a test is skipped and says
 // so.
 #pragma once
 

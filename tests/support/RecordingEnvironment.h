@@ -1,6 +1,6 @@
 // Everything that recording stands on, plugged for one test: a clock, a zone, defaults in memory, a
 // library that the test makes up, a store in a directory of its own, and presenters that note what
-// they are told.
+// they hear.
 //
 // Queue: the test's thread is the main queue.
 #pragma once

@@ -221,7 +221,7 @@ TEST_F(DateRangesTest, theOtherSideHasOtherLimits) {
     EXPECT_EQ(drawer->datePicker().minimumDate, iso("2026-03-10T00:00:00Z"));
 }
 
-TEST_F(DateRangesTest, theChangeIsToldOnceWhenTheDrawerCloses) {
+TEST_F(DateRangesTest, theChangeIsReportedOnceWhenTheDrawerCloses) {
     defaults().setObject(key, 1);
     const auto drawer = opened();
     choose(*drawer, 2);
@@ -231,7 +231,7 @@ TEST_F(DateRangesTest, theChangeIsToldOnceWhenTheDrawerCloses) {
     EXPECT_EQ(posted, 1);
 }
 
-TEST_F(DateRangesTest, whatIsAsBeforeIsNotTold) {
+TEST_F(DateRangesTest, whatIsAsBeforeIsNotReported) {
     defaults().setObject(key, 1);
     const auto drawer = opened();
     choose(*drawer, 2);

@@ -277,7 +277,7 @@ TEST_P(HistoryOfZones, aDayHasOneSectionOneTitleAndOneBar) {
     for (const HistoryBar& bar : bars) {
         const std::size_t section = bars.size() - bar.x;
         titles.insert(screen->state()->titleForHeaderInSection(section).value_or(""));
-        // The bounds of a range lie outside of it.
+        // The bounds of a range are outside of it.
         EXPECT_EQ(list.numberOfItemsInSection(section), 3U);
         EXPECT_EQ(bar.y, 300);
         EXPECT_EQ(list.sectionIdentifier(section), Value(Extended::endOfDay(*bar.data)));
@@ -316,7 +316,8 @@ TEST_P(HistoryOfZones, aMonthHasItsDaysAndItsBarOneMore) {
         }
         // The first of January after the present year is not shown.
         const std::size_t daysOfBar = days + (month < 12 ? 1 : 0);
-        const HistoryBar bar = screen->state()->statCell.chart->bars[static_cast<std::size_t>(month - 1)];
+        const HistoryBar bar =
+            screen->state()->statCell.chart->bars[static_cast<std::size_t>(month - 1)];
         EXPECT_EQ(bar.y, 300.0 * static_cast<double>(daysOfBar)) << month;
         choose(bar);
         EXPECT_EQ(screen->snapshot().numberOfItemsInSection(1), 3 * days) << month;

@@ -1,4 +1,4 @@
-// A History screen over records that a test makes up, and a window that notes what it is told.
+// A History screen over records that a test makes up, and a window that notes what it hears.
 //
 // Queue: the test's thread is the main queue.
 #pragma once

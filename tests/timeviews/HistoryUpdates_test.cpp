@@ -58,7 +58,7 @@ TEST_F(HistoryUpdatesTest, aThousandPlaysShowNoProgressAndOneMoreDoes) {
     EXPECT_THAT(told, ElementsAre("RVHistoryUpdateDidBegin", "RVHistoryUpdateDidEnd"));
 }
 
-TEST_F(HistoryUpdatesTest, progressIsToldOnceADayFromTheNewestOn) {
+TEST_F(HistoryUpdatesTest, progressIsReportedOnceADayFromTheNewestOn) {
     choosePreset(DateRangePreset::pastWeek);
     PlaybackHistory one = song("One");
     play(one, "2026-03-12T10:00:00Z");

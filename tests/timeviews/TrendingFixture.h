@@ -1,5 +1,5 @@
 // A Trending screen over songs and plays that a test makes up, and a window and a player that note
-// what they are told.
+// what they hear.
 //
 // Queue: the test's thread is the main queue.
 #pragma once

@@ -55,7 +55,7 @@ TEST_F(TrendingKeysTest, allLevelsShareTheNumbersAndAnAbsentTextIsNone) {
     EXPECT_LT(keys.number(0, 1, TrendingLevel::artist), keys.end());
 }
 
-TEST_F(TrendingKeysTest, whatChangedIsReadAnewAndTheRestKeepsItsNumber) {
+TEST_F(TrendingKeysTest, whatChangedIsReadAgainAndTheRestKeepsItsNumber) {
     PlaybackHistory first = song("One", "A", "Pop");
     // More than one leaf holds.
     for (std::size_t i = 0; i < TableVersion::largestLeaf; ++i) {

@@ -39,7 +39,7 @@ class TrendingScreenTest : public TrendingFixture {
         }
         return titles;
     }
-    /// What the window was told since the last call.
+    /// What the window has heard since the last call.
     std::vector<std::string> told() { return std::exchange(window.told, {}); }
 };
 
@@ -81,7 +81,7 @@ TEST_F(TrendingScreenTest, theWordsAboutPullingShowOnceInALife) {
     environment.runUntilIdle();
 }
 
-TEST_F(TrendingScreenTest, theNotificationOfTheRangeRanksAnew) {
+TEST_F(TrendingScreenTest, theNotificationOfTheRangeRanksAgain) {
     song("One", 2);
     load();
     store(2000, 3000);
@@ -300,7 +300,7 @@ TEST_F(TrendingScreenTest, theGroupingSwitchSaysTheWordOfItsNumber) {
     EXPECT_EQ(title(), titled("", "square.split.1x2"));
 }
 
-TEST_F(TrendingScreenTest, theGroupingMenuStoresItsNumberAndRanksAnew) {
+TEST_F(TrendingScreenTest, theGroupingMenuStoresItsNumberAndRanksAgain) {
     song("One", 2, "A", "First", "Rock");
     update();
     const UIMenu menu = screen->groupingMenuForButton();

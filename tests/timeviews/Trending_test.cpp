@@ -187,7 +187,7 @@ TEST_F(TrendingTest, progressOfBothPasses) {
                                    FloatNear(0.6F, 1e-6F), FloatNear(0.8F, 1e-6F)));
 }
 
-TEST_F(TrendingTest, whereNobodyListensNothingIsTold) {
+TEST_F(TrendingTest, whereNobodyListensNothingIsReported) {
     for (int i = 0; i < 200; ++i) {
         song("Song " + std::to_string(i), 1);
     }

@@ -65,7 +65,7 @@ class ArrowsTest(unittest.TestCase):
         for lower, upper in zip(floors, floors[1:]):
             with self.subTest(lower=lower):
                 self.assert_finds({f"{lower}/Low.h": f'\n#include "{upper}/High.h"\n', f"{upper}/High.h": ""},
-                                  (f"{lower}/Low.h:2", "lies above"))
+                                  (f"{lower}/Low.h:2", "is above"))
 
     def test_an_upward_or_sideways_arrow_between_rooms_of_the_platform(self):
         pairs = [("foundation", "dispatch"), ("dispatch", "sqlite"), ("sqlite", "coredata"), ("coredata", "cloudkit"),
@@ -75,7 +75,7 @@ class ArrowsTest(unittest.TestCase):
             with self.subTest(lower=lower, upper=upper):
                 self.assert_finds(
                     {f"platform/{lower}/Low.h": f'#include "platform/{upper}/High.h"\n', f"platform/{upper}/High.h": ""},
-                    (f"platform/{lower}/Low.h:1", f"platform/{upper} does not lie below platform/{lower}"))
+                    (f"platform/{lower}/Low.h:1", f"platform/{upper} is not below platform/{lower}"))
 
     def test_only_those_who_choose_a_library_name_its_source(self):
         for folder in ("recording", "library", "shell"):
@@ -136,7 +136,7 @@ class ArrowsTest(unittest.TestCase):
             "shell/A.h": "",
             "shell/screens/Page.qml": "",
             "kit/screens/Cell.qml": 'import QtQuick\nimport "../../shell/screens"\nimport Tavrion.Shell\n',
-        }, ("kit/screens/Cell.qml:2", "lies above"), ("kit/screens/Cell.qml:3", "lies above"))
+        }, ("kit/screens/Cell.qml:2", "is above"), ("kit/screens/Cell.qml:3", "is above"))
 
     def test_a_qml_import_of_a_folder_that_is_not_there(self):
         self.assert_finds({"kit/A.h": "", "kit/screens/Cell.qml": 'import "../nothing"\n'},
@@ -172,7 +172,7 @@ class ArrowsTest(unittest.TestCase):
 
     def test_an_angled_include_of_an_own_file_is_an_arrow_too(self):
         self.assert_finds({"recording/A.h": "#include <persistence/B.h>\n", "persistence/B.h": ""},
-                          ("recording/A.h:1", "lies above"))
+                          ("recording/A.h:1", "is above"))
 
     def test_a_floor_or_room_without_a_place_is_found(self):
         self.assert_finds({"attic/A.h": '#include "recording/B.h"\n', "recording/B.h": ""},
@@ -189,7 +189,7 @@ class ArrowsTest(unittest.TestCase):
         for opener in ("// see */screens/* and src/*", 'const char* pattern = "src/*";', "// it's \"half open"):
             with self.subTest(opener=opener):
                 self.assert_finds({"recording/A.cpp": f'{opener}\n#include "persistence/B.h"\n/* end */\n',
-                                   "persistence/B.h": ""}, ("recording/A.cpp:2", "lies above"))
+                                   "persistence/B.h": ""}, ("recording/A.cpp:2", "is above"))
 
     def test_a_tree_without_sources_is_an_error(self):
         result = run_on({"recording/notes.txt": ""})

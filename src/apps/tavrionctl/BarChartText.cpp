@@ -40,7 +40,7 @@ std::size_t gutterOf(const BarChartText& chart) {
     return displayWidth(chart.amount(mostOf(chart.values, 0))) + 2;
 }
 
-/// The part of the chart that is seen, and where it lies.
+/// The part of the chart that is seen, and where it is.
 class Drawing {
   public:
     Drawing(const BarChartText& chart, std::size_t width, const TerminalAbilities& abilities)

@@ -17,7 +17,7 @@ struct BarChartText {
     std::vector<double> values;
     /// What stands below a bar; asked for few of them.
     std::function<std::string(std::size_t bar)> label;
-    /// How a value is told, for the highest bar.
+    /// How a value is shown, for the highest bar.
     std::function<std::string(double value)> amount;
     /// The bar that stands out; absent where all are alike.
     std::optional<std::size_t> chosen;

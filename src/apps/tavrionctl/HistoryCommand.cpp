@@ -100,7 +100,7 @@ void giveHint(Session& session) {
     hint.presented();
 }
 
-/// A bar that cannot be chosen is told and leaves the page as it is.
+/// A bar that cannot be chosen is reported and leaves the page as it is.
 Outcome chooseBar(std::int64_t bar, HistoryPage& page, Session& session,
                   NSManagedObjectContext& context) {
     if (!page.statCell.chart) {

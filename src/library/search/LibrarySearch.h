@@ -26,7 +26,7 @@ struct SearchResults {
     FoundEntities playlists;
 };
 
-/// What a section of hits goes by. Made anew for each search; two of them are never the same
+/// What a section of hits goes by. Made again for each search; two of them are never the same
 /// section, so they compare by identity, as pointers.
 struct RVSearchSectionIdentifier {
     std::string title;
@@ -62,7 +62,7 @@ class LibrarySearch {
   private:
     const std::shared_ptr<const SearchIndex>& currentIndex();
 
-    /// Made anew when the library, the locale or the setting for compilations is another.
+    /// Made again when the library, the locale or the setting for compilations is another.
     std::shared_ptr<const SearchIndex> index_;
 };
 

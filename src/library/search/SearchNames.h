@@ -2,7 +2,7 @@
 // alphabet is, and which names can be the term itself, is worked out once and not for every
 // keystroke.
 //
-// Queue: any; immutable. Who owns: the texts lie in the snapshot of the songs, which outlives this.
+// Queue: any; immutable. Who owns: the texts are in the snapshot of the songs, which outlives this.
 // Absent names are empty ones. Everything is of the locale in which the names were taken in.
 #pragma once
 

@@ -44,7 +44,7 @@ class TableFolding {
   private:
     using Position = std::vector<RecordCounter>::const_iterator;
 
-    /// How many of the sorted `records` from `next` on lie before `bound` (0 is no bound).
+    /// How many of the sorted `records` from `next` on are before `bound` (0 is no bound).
     static std::size_t countBefore(Position next, Position end, RecordCounter bound) {
         return static_cast<std::size_t>((bound == 0 ? end : std::lower_bound(next, end, bound)) -
                                         next);

@@ -102,7 +102,7 @@ void EntityChanges::noteKeys(const NSEntityDescription& entity, RecordCounter re
             continue;
         }
         if (index.properties.size() > 1 && !row) {
-            // The other properties of the key lie below; such a record is a candidate for every key
+            // The other properties of the key are below; such a record is a candidate for every key
             // (see candidates()).
             keys_[i].table.add(0, record);
             continue;

@@ -1,6 +1,6 @@
 // The values of one property for a run of records, side by side.
 //
-// Queue: appended to by its maker alone, then shared and immutable. Texts lie in one block of
+// Queue: appended to by its maker alone, then shared and immutable. Texts are in one block of
 // bytes. In reals() an absent date is not a number, so that a comparison with a range leaves it out
 // by itself.
 #pragma once

@@ -1,7 +1,7 @@
 // What a save tells: which records it inserted, changed and deleted.
 //
 // Queue: made on any queue, posted on the saved context's. A record that was inserted and changed
-// counts as inserted; one that was inserted and deleted in the same save is not told.
+// counts as inserted; one that was inserted and deleted in the same save is not reported.
 #pragma once
 
 #include "platform/coredata/NSPersistentStore.h"

@@ -36,7 +36,7 @@ class IndexRun {
     /// How many entries come before `entry`.
     std::size_t rankOf(const Entry& entry) const;
 
-    /// A stretch of entries that lie side by side.
+    /// A stretch of entries that are side by side.
     struct Stretch {
         const std::uint64_t* keys = nullptr;
         const RecordCounter* records = nullptr;

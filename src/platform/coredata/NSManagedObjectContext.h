@@ -126,7 +126,7 @@ class NSManagedObjectContext : public std::enable_shared_from_this<NSManagedObje
     Result<NSPersistentStore::Commits> saveToStore(const std::function<void()>& waitForMore)
         TAVRION_EXCLUDES(saveMutex_);
     NSPersistentStore::Unsaved unsaved();
-    /// `commits` are now a part of `basis`, which lies below.
+    /// `commits` are now a part of `basis`, which is below.
     void settleWithout(const NSPersistentStore::Commits& commits, Version basis);
 
     Result<std::vector<NSManagedObjectID>> fetchIDs(const NSFetchRequest& request);

@@ -31,7 +31,7 @@ struct StoreFormat {
     std::string programName;
     /// SQL that takes a file from version i + 1 to version i + 2; one entry less than `version`.
     std::vector<std::string> steps = {};
-    /// The folder beside the file where its safety copies lie; empty when there is none.
+    /// The folder beside the file where its safety copies are; empty when there is none.
     std::string safetyCopies = {};
 };
 
@@ -70,7 +70,7 @@ class NSPersistentStore {
     };
     /// Writes changes in one transaction. When they are written, `all` is asked for everything that
     /// this transaction shall hold: these changes and those that came after them meanwhile. When
-    /// `before` is still what is saved, `after` becomes it without being worked out anew. `adopt`
+    /// `before` is still what is saved, `after` becomes it without being worked out again. `adopt`
     /// gets the new saved version in the same moment in which version() begins to give it; neither
     /// may call back.
     Result<void> write(
@@ -97,7 +97,7 @@ class NSPersistentStore {
     /// After the reading: nothing is written to the file.
     void letGoOfFile();
     /// Why the store can't be used, after it was read and looked through; its file is closed as it
-    /// lies there.
+    /// is there.
     NSError refuse(const Result<void>& loaded, const std::optional<std::string>& damage);
     Result<void> loadEntity(EntityIndex entity,
                             std::vector<std::shared_ptr<const TableVersion>>& tables)

@@ -1,4 +1,4 @@
-// On which day of the calendar an instant lies, for whoever asks about many instants that lie close
+// On which day of the calendar an instant is, for whoever asks about many instants that are close
 // together.
 //
 // Queue: one at a time; remembers the stretch of time that it looked at last. Units: seconds since
@@ -43,7 +43,7 @@ struct CalendarDay {
 };
 
 /// The days from that of the interval's start on which begin before its end, in order. Days that a
-/// zone left out are not there. Only days of the years 1 to 9999 are told.
+/// zone left out are not there. Only days of the years 1 to 9999 are known.
 std::vector<CalendarDay> calendarDaysOf(const NSDateInterval& interval, const NSTimeZone& zone);
 
 }  // namespace tavrion

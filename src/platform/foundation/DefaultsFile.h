@@ -1,4 +1,4 @@
-// The file of the user defaults: which version of it lies there, its values, the lock of its
+// The file of the user defaults: which version of it is there, its values, the lock of its
 // writers, and how it is replaced.
 //
 // Queue: any. Stateless but for the file itself. Foundation's own, not for other rooms. Errors name

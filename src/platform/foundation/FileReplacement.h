@@ -1,6 +1,6 @@
 // Puts a new file in the place of an old one, whole or not at all.
 //
-// Queue: any; one object on one thread. What is written lies beside the file, under its name with
+// Queue: any; one object on one thread. What is written is beside the file, under its name with
 // ".new" behind it, until finish() has brought it to the disk and renamed it. Several writers of
 // one file, in this process or in others, come one after the other; what a killed one left behind
 // is written over. A replacement that goes without finish() leaves nothing, and the old file as it

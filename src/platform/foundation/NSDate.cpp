@@ -18,7 +18,7 @@ constexpr absl::CivilSecond firstTime(1, 1, 1);
 constexpr absl::CivilSecond lastTime(9999, 12, 31, 23, 59, 59);
 
 /// The greatest count of milliseconds whose instant is not after `seconds`. An instant that was
-/// read from a text with milliseconds is the double nearest to them, which may lie a little below:
+/// read from a text with milliseconds is the double nearest to them, which may be a little below:
 /// comparing the doubles, instead of cutting the product, gives the same milliseconds back.
 std::int64_t millisecondsRoundedDown(double seconds) {
     const double earliest = static_cast<double>(firstTime - referenceTime);

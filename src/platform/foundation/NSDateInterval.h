@@ -1,6 +1,6 @@
 // A span of time from one instant to another, both included.
 //
-// Queue: any; a value. The end never lies before the start: whoever makes one of dates that may
+// Queue: any; a value. The end is never before the start: whoever makes one of dates that may
 // stand the wrong way round asks first.
 #pragma once
 

@@ -22,11 +22,11 @@ bool isHexadecimal(char c) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-/// Counts the forks that lie behind this process.
+/// Counts the forks that are behind this process.
 std::atomic<unsigned> forks{0};
 
 /// Random numbers of the kernel, fetched for several identifiers at a time. After a fork the child
-/// fetches anew, so that the two processes never give the same identifier.
+/// fetches again, so that the two processes never give the same identifier.
 class RandomBytes {
   public:
     std::array<unsigned char, 16> next() {

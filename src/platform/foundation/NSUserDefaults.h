@@ -75,8 +75,8 @@ class NSUserDefaults {
     Result<void> synchronize();
 
     /// Tells `observer` of every change of `key`, on `queue`, or on the writer's queue when `queue`
-    /// is null. A change made by another process is told when this process first notices it. The
-    /// changes of two writers at once may be told in either order.
+    /// is null. A change made by another process is reported when this process first notices it.
+    /// The changes of two writers at once may be reported in either order.
     [[nodiscard]] Observation addObserver(const std::string& key, Executor* queue,
                                           Observer observer);
 

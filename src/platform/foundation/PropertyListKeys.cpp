@@ -10,7 +10,7 @@ namespace {
 constexpr std::string_view binaryMagic = "bplist00";
 constexpr std::size_t trailerBytes = 32;
 
-/// A binary list: objects, a table of where they lie, and a trailer that says where the table is.
+/// A binary list: objects, a table of where they are, and a trailer that says where the table is.
 /// Whatever points out of the list reads as nothing.
 class BinaryList {
   public:

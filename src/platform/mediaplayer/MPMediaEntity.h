@@ -34,7 +34,7 @@ class MPMediaEntity {
     /// 0 when there is none.
     std::uint64_t persistentID() const;
     Value valueForKey(std::string_view key) const;
-    /// The bytes of the best picture that lies ready on disk (private keys "artworkCatalog" and
+    /// The bytes of the best picture that is ready on disk (private keys "artworkCatalog" and
     /// "bestImageFromDisk"). Reads the disk: not on the main queue.
     std::optional<NSData> bestImageFromDisk() const;
     /// The bytes of the picture of the song, or of the one that stands for a collection. Reads the

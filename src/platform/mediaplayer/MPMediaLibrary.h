@@ -62,7 +62,7 @@ class MPMediaLibrary {
     MPMediaLibraryAuthorizationStatus status_ TAVRION_GUARDED_BY(mutex_) =
         MPMediaLibraryAuthorizationStatus::notDetermined;
     std::shared_ptr<Source> source_ TAVRION_GUARDED_BY(mutex_);
-    /// They are told that there is a change, and ask for what they need.
+    /// They are informed that there is a change, and ask for what they need.
     struct Change {};
     ObserverList<Change> observers_;
 };

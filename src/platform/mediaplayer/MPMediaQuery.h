@@ -1,7 +1,7 @@
 // Finds songs and collections of the media library by filters, grouped and ordered.
 //
 // Queue: any; a value that one owner changes. Each items() and collections() reads the library's
-// current snapshot anew. Songs come in library order. Albums come by album title, artists,
+// current snapshot again. Songs come in library order. Albums come by album title, artists,
 // composers and genres by name, songs within an album by disc and track, playlists and their songs
 // in their own order. Songs that the user played but did not add come only with the key
 // "shouldIncludeNonLibraryEntities".

@@ -1,7 +1,7 @@
 // A library's songs and playlists at one moment, immutable.
 //
 // Queue: any; shared by std::shared_ptr<const MediaSnapshot>, never changed. MediaSnapshotBuilder
-// makes one. Songs are plain records of one size over one text blob, so that a snapshot can lie in
+// makes one. Songs are plain records of one size over one text blob, so that a snapshot can be in
 // a mapped file as it is. They stand in library order: by the collation of the sort title or else
 // the title, then by the text, then by the persistent identifier. A position is the song's place in
 // that order. Units: durations in seconds, sizes in bytes. Absent: a text without

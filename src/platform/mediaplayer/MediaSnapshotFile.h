@@ -1,4 +1,4 @@
-// A snapshot as a file that is mapped back as it lies, so that a command need not read a whole
+// A snapshot as a file that is mapped back as it is, so that a command need not read a whole
 // library again.
 //
 // Queue: any; stateless. The file is of one machine and one build of the program: another layout,

@@ -55,7 +55,7 @@ class Source {
     /// The bytes of a song's picture (PNG, JPEG), wherever the player keeps it; absent when there
     /// is none or it cannot be read. From any queue but the main one.
     virtual std::optional<NSData> artwork(std::uint64_t persistentID) const;
-    /// The same of a song (grouping title) or a collection, but only of pictures that lie ready on
+    /// The same of a song (grouping title) or a collection, but only of pictures that are ready on
     /// disk.
     virtual std::optional<NSData> bestImageFromDisk(MPMediaGrouping grouping,
                                                     std::uint64_t persistentID) const;

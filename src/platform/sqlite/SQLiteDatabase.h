@@ -44,7 +44,7 @@ class SQLiteStatement {
     ~SQLiteStatement();
 
     /// Binding ends a reading that is under way. A failure, such as a parameter that is not there,
-    /// is told by the next step().
+    /// is reported by the next step().
     void bindNull(int parameter);
     void bindInteger(int parameter, std::int64_t value);
     /// NaN becomes NULL.
@@ -53,7 +53,7 @@ class SQLiteStatement {
     void bindText(int parameter, std::string_view value);
     void bindBlob(int parameter, std::string_view value);
     /// The same without a copy: the bytes stay until the statement is stepped to its end or bound
-    /// anew.
+    /// again.
     void bindTextInPlace(int parameter, std::string_view value);
     void bindBlobInPlace(int parameter, std::string_view value);
 
@@ -131,7 +131,7 @@ class SQLiteDatabase {
     /// what they wrote is safe in the log, and nobody need wait for more. Does nothing while the
     /// log is short. What can't be brought over now stays in the log.
     void shortenLog();
-    /// Closing then leaves the write-ahead log as it lies there, and writes nothing into the file.
+    /// Closing then leaves the write-ahead log as it is there, and writes nothing into the file.
     void leaveLogWhenClosing();
     const std::filesystem::path& file() const { return file_; }
 

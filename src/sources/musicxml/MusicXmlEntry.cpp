@@ -128,7 +128,7 @@ MediaType MusicXmlEntry::mediaType() const {
     return isOtherVideo ? MediaType::video : MediaType::music;
 }
 
-/// Very old exports have no identifiers: such a song is known by where it lies, or else by what it
+/// Very old exports have no identifiers: such a song is known by where it is, or else by what it
 /// is called.
 std::uint64_t MusicXmlEntry::persistentIDOfSong() const {
     if (const std::uint64_t own = persistentID(MusicXmlKey::persistentID)) {

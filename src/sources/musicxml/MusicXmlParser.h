@@ -31,7 +31,7 @@ class MusicXmlParser {
     /// The end of the input: the library, or what was wrong.
     Result<std::shared_ptr<const MediaSnapshot>> finish();
 
-    /// Reads a whole file that lies in memory.
+    /// Reads a whole file that is in memory.
     static Result<std::shared_ptr<const MediaSnapshot>> parse(std::string_view bytes,
                                                               std::string name);
 

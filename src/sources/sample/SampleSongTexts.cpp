@@ -48,7 +48,7 @@ std::optional<std::string_view> viewOf(const std::optional<std::string>& text) {
 }
 
 std::optional<NSDate> releaseDateOf(const SampleAlbum& album) {
-    // Noon of Greenwich lies on the same day nearly everywhere.
+    // Noon of Greenwich is on the same day nearly everywhere.
     return album.releaseDay
                ? std::optional(SampleCalendar::instantOfDay(*album.releaseDay, noonOfGreenwich))
                : std::nullopt;

@@ -1,8 +1,8 @@
 // The file of the sample library's state.
 //
 // Queue: any; several processes too, whose changes come one after the other. A missing file is an
-// empty state. A file that cannot be read as one is told in one line and stays as it is, also when
-// something is to be changed. It is replaced whole or not at all.
+// empty state. A file that cannot be read as one is reported in one line and stays as it is, also
+// when something is to be changed. It is replaced whole or not at all.
 #pragma once
 
 #include <filesystem>

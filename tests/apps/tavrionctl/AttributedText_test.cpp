@@ -27,25 +27,25 @@ NSAttributedString explicitTitle(const char* title) {
     return made;
 }
 
-TEST(AttributedText, ASymbolIsASignWhereSignsAreShown) {
+TEST(AttributedText, aSymbolIsASignWhereSignsAreShown) {
     EXPECT_EQ(printed(withSymbol("play.fill", "12x"), signsOnly), "▶ 12x");
     EXPECT_EQ(printed(withSymbol("stopwatch", "10 min"), signsOnly), "⏱ 10 min");
     EXPECT_EQ(printed(explicitTitle("Loud"), signsOnly), "Loud\u2004Ⓔ");
 }
 
-TEST(AttributedText, AColouredSymbolIsGreyWhereColoursAreShown) {
+TEST(AttributedText, aColouredSymbolIsGreyWhereColoursAreShown) {
     EXPECT_EQ(printed(explicitTitle("Loud"), everything), "Loud\u2004\033[2mⒺ\033[0m");
     EXPECT_EQ(printed(withSymbol("play.fill", "12x"), everything), "▶ 12x");
 }
 
-TEST(AttributedText, WithoutSignsASymbolIsALetterOrLeftOutWithItsBlank) {
+TEST(AttributedText, withoutSignsASymbolIsALetterOrLeftOutWithItsBlank) {
     EXPECT_EQ(printed(withSymbol("play.fill", "12x"), nothing), "12x");
     EXPECT_EQ(printed(withSymbol("star.fill", "yes"), nothing), "* yes");
     EXPECT_EQ(printed(explicitTitle("Loud"), nothing), "Loud\u2004E");
     EXPECT_EQ(printed(NSAttributedString(" plain "), nothing), " plain ");
 }
 
-TEST(AttributedText, APictureThatIsNoSignIsLeftOut) {
+TEST(AttributedText, aPictureThatIsNoSignIsLeftOut) {
     EXPECT_EQ(printed(withSymbol("no.such.symbol", "text"), signsOnly), "text");
     NSAttributedString picture =
         NSAttributedString::attributedStringWithAttachment(UIImage::imageNamed("star.fill"));
@@ -53,13 +53,13 @@ TEST(AttributedText, APictureThatIsNoSignIsLeftOut) {
     EXPECT_EQ(printed(picture, signsOnly), "text");
 }
 
-TEST(AttributedText, IsFilledToItsColumns) {
+TEST(AttributedText, isFilledToItsColumns) {
     EXPECT_EQ(fitted(withSymbol("play.fill", "12x"), 8, signsOnly), "▶ 12x   ");
     EXPECT_EQ(fitted(explicitTitle("日本"), 8, everything), "日本\u2004\033[2mⒺ\033[0m  ");
     EXPECT_EQ(fitted(NSAttributedString(), 3, signsOnly), "   ");
 }
 
-TEST(AttributedText, IsCutToItsColumns) {
+TEST(AttributedText, isCutToItsColumns) {
     EXPECT_EQ(fitted(withSymbol("play.fill", "123456x"), 6, signsOnly), "▶ 123…");
     EXPECT_EQ(fitted(withSymbol("star.fill", "123456x"), 6, nothing), "* 123.");
     EXPECT_EQ(fitted(explicitTitle("A longer title"), 6, everything), "A lon…");
@@ -69,7 +69,7 @@ TEST(AttributedText, IsCutToItsColumns) {
     EXPECT_EQ(fitted(NSAttributedString("ab\tc\x7F"), 5, signsOnly), "ab c ");
 }
 
-TEST(AttributedText, WhatCanBeShownIsToldByTheEnvironment) {
+TEST(AttributedText, whatCanBeShownIsToldByTheEnvironment) {
     const auto shows = [](const char* locale, const char* terminal, bool isTerminal) {
         const auto abilities = TerminalAbilities::fromValues(locale, terminal, isTerminal);
         return std::pair(abilities.showsSymbols, abilities.showsColors);
@@ -85,7 +85,7 @@ TEST(AttributedText, WhatCanBeShownIsToldByTheEnvironment) {
     EXPECT_EQ(shows(nullptr, "xterm", false), std::pair(false, false));
 }
 
-TEST(TextTable, CellsAreAlignedByTheirColumns) {
+TEST(TextTable, cellsAreAlignedByTheirColumns) {
     EXPECT_EQ(fitted("Größe", 7), "Größe  ");
     EXPECT_EQ(fitted("日本", 6), "日本  ");
     EXPECT_EQ(fitted("日本語", 5), "日本…");

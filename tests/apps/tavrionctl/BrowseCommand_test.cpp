@@ -120,7 +120,7 @@ const std::vector<Track> fourTracks{{"Été", "Zoé", "Ça va", 3, 1999, false},
                                     {"日本の歌", "Ärzte", "日本", 3, 2001, false},
                                     {"Apple", "10cc", "Ça va", 0, 0, false}};
 
-TEST_F(BrowseCommandTest, ListsSongsWithRanksAndValues) {
+TEST_F(BrowseCommandTest, listsSongsWithRanksAndValues) {
     use(fourTracks);
     const json list = run("--json browse --sort play-count").value();
     ASSERT_EQ(list["items"].size(), 4U);
@@ -136,13 +136,13 @@ TEST_F(BrowseCommandTest, ListsSongsWithRanksAndValues) {
     EXPECT_TRUE(plain["items"][0]["rank"].is_null());
 }
 
-TEST_F(BrowseCommandTest, ArtistsOfPunctuationAndDigitsComeLast) {
+TEST_F(BrowseCommandTest, artistsOfPunctuationAndDigitsComeLast) {
     use(fourTracks);
     EXPECT_EQ(titles("--group artists"), (Names{"Ärzte", "Zoé", "!!!", "10cc"}));
     EXPECT_EQ(titles("--group artists --reverse"), (Names{"10cc", "!!!", "Zoé", "Ärzte"}));
 }
 
-TEST_F(BrowseCommandTest, YearsStandForMissingReleaseDates) {
+TEST_F(BrowseCommandTest, yearsStandForMissingReleaseDates) {
     use(fourTracks);
     const json items = run("--json browse --sort release-date").value()["items"];
     Names values;
@@ -152,7 +152,7 @@ TEST_F(BrowseCommandTest, YearsStandForMissingReleaseDates) {
     EXPECT_EQ(values, (Names{"2001", "1999", "0", "0"}));
 }
 
-TEST_F(BrowseCommandTest, AThousandPlaylistsAreListedByName) {
+TEST_F(BrowseCommandTest, aThousandPlaylistsAreListedByName) {
     use(fourTracks, 1000);
     const Names found = titles("--group playlists");
     ASSERT_EQ(found.size(), 1000U);
@@ -160,7 +160,7 @@ TEST_F(BrowseCommandTest, AThousandPlaylistsAreListedByName) {
     EXPECT_EQ(found[999], "List 1000");
 }
 
-TEST_F(BrowseCommandTest, TextIsAlignedByTheColumnsThatItTakes) {
+TEST_F(BrowseCommandTest, textIsAlignedByTheColumnsThatItTakes) {
     use(fourTracks);
     const Names lines = linesOf(run("browse --sort play-count").out);
     ASSERT_EQ(lines.size(), 5U);
@@ -172,25 +172,25 @@ TEST_F(BrowseCommandTest, TextIsAlignedByTheColumnsThatItTakes) {
     }
 }
 
-TEST_F(BrowseCommandTest, WhereNoSymbolsCanBeShownThereAreNone) {
+TEST_F(BrowseCommandTest, whereNoSymbolsCanBeShownThereAreNone) {
     use(fourTracks);
     const Names lines = linesOf(run("browse --sort time-listened --reverse", "C").out);
     EXPECT_EQ(lines.at(0), "Songs   Time Listened");
     EXPECT_EQ(lines.at(1), "1  Apple       10cc   0 min");
 }
 
-TEST_F(BrowseCommandTest, ALineBreakInANameBreaksNoLine) {
+TEST_F(BrowseCommandTest, aLineBreakInANameBreaksNoLine) {
     use({{"A\nB", "C\nD", "E\nF"}});
     EXPECT_EQ(linesOf(run("browse").out), (Names{"⊟ Songs   △ Alphabetical", "A B  C D  E F"}));
 }
 
-TEST_F(BrowseCommandTest, ALongTitleIsCut) {
+TEST_F(BrowseCommandTest, aLongTitleIsCut) {
     use({{std::string(100, 'x'), "A", "B"}});
     const Names lines = linesOf(run("browse").out);
     EXPECT_EQ(lines.at(1), std::string(39, 'x') + "…  A  B");
 }
 
-TEST_F(BrowseCommandTest, TakesTheStoredChoicesAndStoresNone) {
+TEST_F(BrowseCommandTest, takesTheStoredChoicesAndStoresNone) {
     use(fourTracks);
     const std::string preferences = "com.oskelvane.Nerinda.sortPreferences";
     ASSERT_EQ(run("defaults write " + preferences +
@@ -207,7 +207,7 @@ TEST_F(BrowseCommandTest, TakesTheStoredChoicesAndStoresNone) {
     EXPECT_EQ(run("--json defaults read").value(), before);
 }
 
-TEST_F(BrowseCommandTest, TheTilesAreEight) {
+TEST_F(BrowseCommandTest, theTilesAreEight) {
     use(fourTracks);
     const json tiles = run("--json browse --tiles").value();
     ASSERT_EQ(tiles.size(), 8U);
@@ -222,7 +222,7 @@ TEST_F(BrowseCommandTest, TheTilesAreEight) {
     EXPECT_EQ(lines[6], "⤓  100%  Downloaded");
 }
 
-TEST_F(BrowseCommandTest, AnUnknownGroupOrSortSaysWhichThereAre) {
+TEST_F(BrowseCommandTest, anUnknownGroupOrSortSaysWhichThereAre) {
     use(fourTracks);
     const CommandRun group = run("browse --group composers");
     EXPECT_EQ(group.status, 2);
@@ -237,14 +237,14 @@ TEST_F(BrowseCommandTest, AnUnknownGroupOrSortSaysWhichThereAre) {
     EXPECT_EQ(run("browse --tiles --group songs").status, 2);
 }
 
-TEST_F(BrowseCommandTest, WithoutALibraryItSaysHowToChooseOne) {
+TEST_F(BrowseCommandTest, withoutALibraryItSaysHowToChooseOne) {
     const CommandRun result = run("browse");
     EXPECT_NE(result.status, 0);
     EXPECT_NE(result.err.find("library use"), std::string::npos) << result.err;
     EXPECT_EQ(linesOf(result.err).size(), 1U);
 }
 
-TEST_F(BrowseCommandTest, AnEmptyLibraryIsAnEmptyList) {
+TEST_F(BrowseCommandTest, anEmptyLibraryIsAnEmptyList) {
     use(std::vector<Track>());
     EXPECT_EQ(run("--json browse").value(), (json{{"items", json::array()}}));
     const CommandRun text = run("browse --group genres");
@@ -253,7 +253,7 @@ TEST_F(BrowseCommandTest, AnEmptyLibraryIsAnEmptyList) {
     EXPECT_EQ(text.err, "The library has none.\n");
 }
 
-TEST_F(BrowseCommandTest, EveryRealLibraryGivesEveryList) {
+TEST_F(BrowseCommandTest, everyRealLibraryGivesEveryList) {
     TAVRION_SKIP_WITHOUT_REAL_DATA();
     for (const auto& file :
          std::filesystem::directory_iterator(*realDataDirectory() / "music-xml")) {

@@ -165,7 +165,7 @@ TEST_F(HistoryCommandTest, aBarOfADayListsTheDay) {
     EXPECT_EQ(day["seconds"], day["bars"][9]["seconds"]);
 }
 
-TEST_F(HistoryCommandTest, aBarThatCannotBeChosenIsToldAndChangesNothing) {
+TEST_F(HistoryCommandTest, aBarThatCannotBeChosenIsReportedAndChangesNothing) {
     const std::vector<std::string> range{"--range", "past-week"};
     runHistory(range);
     const ProgramEnd empty = runHistory({"--range", "past-week", "--bar", "0"});

@@ -76,7 +76,7 @@ TEST_F(HistoryTextTest, everythingFitsIntoTerminalsOfAllWidths) {
     }
 }
 
-TEST_F(HistoryTextTest, daysThatHaveNoRoomAreTold) {
+TEST_F(HistoryTextTest, daysThatHaveNoRoomAreReported) {
     EXPECT_THAT(lines(page(45), 40),
                 Contains("The last 32 of 45 days; a wider terminal shows more."));
     EXPECT_THAT(lines(page(45), 80), Not(Contains(HasSubstr("wider terminal"))));

@@ -55,7 +55,7 @@ NSDate instant(const std::string& text) {
     return dateFromIsoText(text).value();
 }
 
-TEST_F(SampleLibraryTest, IsChosenByItsNumberOfSongs) {
+TEST_F(SampleLibraryTest, isChosenByItsNumberOfSongs) {
     const std::string now = "2026-03-01T12:00:00Z";
     EXPECT_EQ(value(now, {"library", "use", "sample", "200"}),
               (json{{"kind", "sample"},
@@ -76,7 +76,7 @@ TEST_F(SampleLibraryTest, IsChosenByItsNumberOfSongs) {
     EXPECT_NE(text.out.find("3000 songs"), std::string::npos) << text.told();
 }
 
-TEST_F(SampleLibraryTest, ABadNumberIsToldAndTheChosenLibraryStays) {
+TEST_F(SampleLibraryTest, aBadNumberIsReportedAndTheChosenLibraryStays) {
     value("", {"library", "use", "sample", "20"});
     for (const char* const wrong : {"0", "many", "2000001", "1.5", "20 "}) {
         expectOneLine(run("", {"library", "use", "sample", wrong}), "1 to 2000000");
@@ -84,7 +84,7 @@ TEST_F(SampleLibraryTest, ABadNumberIsToldAndTheChosenLibraryStays) {
     EXPECT_EQ(value("", {"library", "status"})["location"], "20");
 }
 
-TEST_F(SampleLibraryTest, AFileOfThatNameIsNotTakenForTheNumber) {
+TEST_F(SampleLibraryTest, aFileOfThatNameIsNotTakenForTheNumber) {
     const std::filesystem::path before = std::filesystem::current_path();
     std::ofstream(folder.path() / "30") << "x";
     std::filesystem::current_path(folder.path());
@@ -93,7 +93,7 @@ TEST_F(SampleLibraryTest, AFileOfThatNameIsNotTakenForTheNumber) {
     EXPECT_EQ(used["location"], "30");
 }
 
-TEST_F(SampleLibraryTest, TheClockAloneMovesTheCountsAndNothingIsKept) {
+TEST_F(SampleLibraryTest, theClockAloneMovesTheCountsAndNothingIsKept) {
     value("", {"library", "use", "sample", "300"});
     const json first = value("2026-03-01T12:00:00Z", {"library", "songs"});
     const json later = value("2026-03-04T12:00:00Z", {"library", "songs"});
@@ -148,7 +148,7 @@ class Expectation {
     NSDate last_ = NSDate::distantPast();
 };
 
-TEST_F(SampleLibraryTest, AScanRecordsWhatWasTrulyHeard) {
+TEST_F(SampleLibraryTest, aScanRecordsWhatWasTrulyHeard) {
     Expectation expectation(500);
     std::vector<std::string> instants;
     for (int day = 14; day < 24; ++day) {
@@ -173,7 +173,7 @@ TEST_F(SampleLibraryTest, AScanRecordsWhatWasTrulyHeard) {
     EXPECT_EQ(value("", {"histories"}).size(), histories);
 }
 
-TEST_F(SampleLibraryTest, ASongsLatestPlayIsTheListenersOwn) {
+TEST_F(SampleLibraryTest, aSongsLatestPlayIsTheListenersOwn) {
     const std::string now = "2026-03-15T20:15:00Z";
     value(now, {"library", "use", "sample", "200"});
     value(now, {"scan", "--since", "all"});
@@ -193,7 +193,7 @@ TEST_F(SampleLibraryTest, ASongsLatestPlayIsTheListenersOwn) {
     }
 }
 
-TEST_F(SampleLibraryTest, WhatTheUserChangedIsThereInTheNextProcess) {
+TEST_F(SampleLibraryTest, whatTheUserChangedIsThereInTheNextProcess) {
     const std::string now = "2026-03-15T03:00:00Z";
     value(now, {"library", "use", "sample", "200"});
     const json before = value(now, {"library", "songs"})[0];
@@ -216,7 +216,7 @@ TEST_F(SampleLibraryTest, WhatTheUserChangedIsThereInTheNextProcess) {
     EXPECT_EQ(value(later, {"library", "status"})["playlists"], 10);
 }
 
-TEST_F(SampleLibraryTest, ABrokenFileOfTheUsersChangesIsToldAndStays) {
+TEST_F(SampleLibraryTest, aBrokenFileOfTheUsersChangesIsReportedAndStays) {
     value("", {"library", "use", "sample", "20"});
     std::ofstream(stateFile()) << "{]";
     std::filesystem::permissions(stateFile(), std::filesystem::perms::owner_read);

@@ -322,7 +322,7 @@ TEST_F(SearchEntityTest, realLibrariesAreSearchedAndShown) {
         const CommandRun used =
             run("--quiet library use music-xml '" + entry.path().string() + "'");
         if (used.status != 0) {
-            continue;  // some are broken on purpose, and that is told elsewhere
+            continue;  // some are broken on purpose, and that is reported elsewhere
         }
         ++files;
         const CommandRun found = run("--json search a");

@@ -247,7 +247,7 @@ TEST_F(TavrionctlTest, withoutALibraryAScanSaysHowToChooseOne) {
     EXPECT_EQ(run("--json histories").value(), json::array());
 }
 
-TEST_F(TavrionctlTest, aBrokenExportIsToldWithItsLineAndTheChosenLibraryStays) {
+TEST_F(TavrionctlTest, aBrokenExportIsReportedWithItsLineAndTheChosenLibraryStays) {
     writeExport({{1, "One", 1, "2026-02-28T10:00:00Z"}});
     useExport();
     const std::filesystem::path broken = directory / "broken.xml";
@@ -293,7 +293,7 @@ TEST_F(TavrionctlTest, forgettingTheLibraryKeepsTheRecords) {
     EXPECT_EQ(run("--json plays").value().size(), 1U);
 }
 
-TEST_F(TavrionctlTest, aStoreThatIsNotOursIsToldInOneLineAndStaysAsItIs) {
+TEST_F(TavrionctlTest, aStoreThatIsNotOursIsReportedInOneLineAndStaysAsItIs) {
     makeDataDirectory();
     const std::filesystem::path store = data() / "Nerinda.sqlite";
     writeData("Nerinda.sqlite", std::string(3000, 'x'));
@@ -306,7 +306,7 @@ TEST_F(TavrionctlTest, aStoreThatIsNotOursIsToldInOneLineAndStaysAsItIs) {
     EXPECT_EQ(contentOf(store), std::string(3000, 'x'));
 }
 
-TEST_F(TavrionctlTest, aNewerOrTruncatedStoreIsToldInOneLineAndStaysAsItIs) {
+TEST_F(TavrionctlTest, aNewerOrTruncatedStoreIsReportedInOneLineAndStaysAsItIs) {
     writeExport({{1, "One", 1, "2026-02-28T10:00:00Z"}});
     useExport();
     run("--quiet --now 2026-03-01T12:00:00Z scan --since all");
@@ -487,7 +487,7 @@ TEST_F(TavrionctlTest, songsOfOneIdentifierAreCountedAndNamed) {
     EXPECT_EQ(run("--json histories").value().size(), 2U);
 }
 
-TEST_F(TavrionctlTest, aDirectoryThatOthersCouldLookIntoIsClosedAndTheUserIsTold) {
+TEST_F(TavrionctlTest, aDirectoryThatOthersCouldLookIntoIsClosedAndTheUserIsReported) {
     writeExport({{1, "One", 1, "2026-02-28T10:00:00Z"}});
     useExport();
     using std::filesystem::perms;

@@ -118,7 +118,7 @@ class LibrarySearchTest : public testing::Test {
 class LibrarySearchInLocale : public LibrarySearchTest,
                               public testing::WithParamInterface<const char*> {};
 
-TEST_P(LibrarySearchInLocale, FindsWhatThePlainSearchFindsInItsOrder) {
+TEST_P(LibrarySearchInLocale, findsWhatThePlainSearchFindsInItsOrder) {
     Regional region{*NSTimeZone::timeZoneWithName("UTC"), GetParam()};
     const Port<Regional>::Plug regionPlug{region};
     MediaLibraryFixture library;
@@ -137,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(Locales, LibrarySearchInLocale,
                          testing::Values("en_US", "de_DE", "tr_TR", "ja_JP", "ar_EG", "da_DK",
                                          "sv_SE"));
 
-TEST_F(LibrarySearchTest, AListLongEnoughForEverySortIsInOrder) {
+TEST_F(LibrarySearchTest, aListLongEnoughForEverySortIsInOrder) {
     RandomLibrary random(5);
     std::vector<TestSong> songs;
     for (unsigned number = 0; number < 3000; ++number) {
@@ -151,7 +151,7 @@ TEST_F(LibrarySearchTest, AListLongEnoughForEverySortIsInOrder) {
     }
 }
 
-TEST_F(LibrarySearchTest, AnotherLibraryIsFoundInWithoutBeingTold) {
+TEST_F(LibrarySearchTest, anotherLibraryIsFoundInWithoutBeingReported) {
     MediaLibraryFixture library({{.title = "wave"}});
     LibrarySearch search;
     EXPECT_EQ(search.results("wave").songs.size(), 1U);
@@ -159,7 +159,7 @@ TEST_F(LibrarySearchTest, AnotherLibraryIsFoundInWithoutBeingTold) {
     EXPECT_EQ(search.results("wave").songs.size(), 2U);
 }
 
-TEST_F(LibrarySearchTest, HitsOutliveTheirLibrary) {
+TEST_F(LibrarySearchTest, hitsOutliveTheirLibrary) {
     MediaLibraryFixture library({{.title = "wave", .artist = "Sea", .albumTitle = "Water"}});
     LibrarySearch search;
     const SearchResults found = search.results("wave");
@@ -169,7 +169,7 @@ TEST_F(LibrarySearchTest, HitsOutliveTheirLibrary) {
     EXPECT_EQ(artists.artists[0].collection()->count(), 1U);
 }
 
-TEST_F(LibrarySearchTest, AFoundAlbumKnowsTheQueryThatFoundIt) {
+TEST_F(LibrarySearchTest, aFoundAlbumKnowsTheQueryThatFoundIt) {
     MediaLibraryFixture library({{.title = "a", .artist = "Wave", .albumTitle = "Sea"},
                                  {.title = "b", .artist = "Wave", .albumTitle = "Wave"}});
     const FoundEntities albums = LibrarySearch().results("wave").albums;
@@ -184,7 +184,7 @@ TEST_F(LibrarySearchTest, AFoundAlbumKnowsTheQueryThatFoundIt) {
 // Numbers of one value in several scripts, with zeros in front of some: their names are put in
 // order by zeros where both have these in plain digits and by width elsewhere, and that goes in
 // circles.
-TEST_F(LibrarySearchTest, NamesThatTheAlphabetPutsInNoOrderAreMergedAsTheyCome) {
+TEST_F(LibrarySearchTest, namesThatTheAlphabetPutsInNoOrderAreMergedAsTheyCome) {
     const std::vector<std::string> numbers{"1", "01", "001", "１", "０１", "١", "٠١"};
     RandomLibrary random(2);
     std::vector<TestSong> songs;

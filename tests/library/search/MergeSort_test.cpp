@@ -10,7 +10,7 @@ namespace {
 constexpr auto before = NSComparisonResult::ascending;
 constexpr auto after = NSComparisonResult::descending;
 
-TEST(MergeSort, AConsistentComparisonGivesAStableSort) {
+TEST(MergeSort, aConsistentComparisonGivesAStableSort) {
     std::mt19937 random(5);
     for (std::size_t size = 0; size < 70; ++size) {
         std::vector<std::pair<unsigned, std::size_t>> values;
@@ -31,7 +31,7 @@ TEST(MergeSort, AConsistentComparisonGivesAStableSort) {
     }
 }
 
-TEST(MergeSort, AComparisonThatContradictsItselfLosesNothing) {
+TEST(MergeSort, aComparisonThatContradictsItselfLosesNothing) {
     std::mt19937 random(6);
     for (std::size_t size = 0; size < 200; ++size) {
         std::vector<std::size_t> values(size);
@@ -45,12 +45,12 @@ TEST(MergeSort, AComparisonThatContradictsItselfLosesNothing) {
     }
 }
 
-TEST(MergeSort, WhereTheLeftAlwaysWinsTheOrderStays) {
+TEST(MergeSort, whereTheLeftAlwaysWinsTheOrderStays) {
     const std::vector<int> values{3, 1, 2, 5, 4};
     EXPECT_EQ(mergeSorted(values, [](int, int) { return before; }), values);
 }
 
-TEST(MergeSort, TheLeftValueIsTheEarlierOne) {
+TEST(MergeSort, theLeftValueIsTheEarlierOne) {
     std::vector<int> values{0, 1, 2, 3, 4, 5, 6};
     mergeSorted(values, [](int left, int right) {
         EXPECT_LT(left, right);

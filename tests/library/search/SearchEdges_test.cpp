@@ -46,7 +46,7 @@ class SearchEdges : public testing::Test {
     LibrarySearch search_;
 };
 
-TEST_F(SearchEdges, TwoWordsFindATitleWithBothInAnyOrderButOnlyWholeNamesElsewhere) {
+TEST_F(SearchEdges, twoWordsFindATitleWithBothInAnyOrderButOnlyWholeNamesElsewhere) {
     library_.publish({{.title = "Blue and Green",
                        .artist = "Green Blue Band",
                        .albumArtist = "Green Blue Band",
@@ -64,19 +64,19 @@ TEST_F(SearchEdges, TwoWordsFindATitleWithBothInAnyOrderButOnlyWholeNamesElsewhe
     EXPECT_EQ(titles(results.playlists), (Names{"my BLUE GREEN list"}));
 }
 
-TEST_F(SearchEdges, ASongByAMatchingAlbumArtistIsFoundWhateverItsTitle) {
+TEST_F(SearchEdges, aSongByAMatchingAlbumArtistIsFoundWhateverItsTitle) {
     library_.publish({{.title = "Nothing in common", .artist = "Guest", .albumArtist = "The Waves"},
                       {.title = "Neither", .artist = "The Waves", .albumArtist = "Various"}});
     EXPECT_EQ(titles(found("waves").songs), (Names{"Nothing in common"}));
 }
 
-TEST_F(SearchEdges, ASongOnAMatchingAlbumIsFoundWhateverItsTitle) {
+TEST_F(SearchEdges, aSongOnAMatchingAlbumIsFoundWhateverItsTitle) {
     library_.publish({{.title = "Nothing in common", .albumTitle = "Making Waves"},
                       {.title = "Neither", .albumTitle = "Calm"}});
     EXPECT_EQ(titles(found("waves").songs), (Names{"Nothing in common"}));
 }
 
-TEST_F(SearchEdges, FiveHitsShowNoButton) {
+TEST_F(SearchEdges, fiveHitsShowNoButton) {
     publishNumbered(5);
     const SearchSnapshot snapshot = searchSnapshotOf(found("wave"));
     ASSERT_EQ(sections(snapshot), (Names{"Songs"}));
@@ -84,7 +84,7 @@ TEST_F(SearchEdges, FiveHitsShowNoButton) {
     EXPECT_TRUE(headerOfSection(*snapshot[0].identifier).isButtonHidden);
 }
 
-TEST_F(SearchEdges, SixHitsShowFiveRowsAndAButtonWithSix) {
+TEST_F(SearchEdges, sixHitsShowFiveRowsAndAButtonWithSix) {
     publishNumbered(6);
     const SearchResults results = found("wave");
     const SearchSnapshot snapshot = searchSnapshotOf(results);
@@ -99,7 +99,7 @@ TEST_F(SearchEdges, SixHitsShowFiveRowsAndAButtonWithSix) {
     EXPECT_EQ(resultsForTag(results, header.buttonTag)->size(), 6U);
 }
 
-TEST_F(SearchEdges, SectionsStandInTheirOrderEachWithItsTag) {
+TEST_F(SearchEdges, sectionsStandInTheirOrderEachWithItsTag) {
     library_.publish({{.title = "wave", .artist = "wave", .albumTitle = "wave"}},
                      {{.name = "wave", .persistentID = 1}});
     const SearchResults results = found("wave");
@@ -117,18 +117,18 @@ TEST_F(SearchEdges, SectionsStandInTheirOrderEachWithItsTag) {
     EXPECT_EQ(resultsForTag(results, 6), nullptr);
 }
 
-TEST_F(SearchEdges, WithoutHitsThereIsNoSection) {
+TEST_F(SearchEdges, withoutHitsThereIsNoSection) {
     publishNumbered(3);
     EXPECT_TRUE(searchSnapshotOf(found("nowhere")).empty());
 }
 
-TEST_F(SearchEdges, TwoSearchesHaveDifferentSections) {
+TEST_F(SearchEdges, twoSearchesHaveDifferentSections) {
     publishNumbered(1);
     EXPECT_NE(searchSnapshotOf(found("wave"))[0].identifier,
               searchSnapshotOf(found("wave"))[0].identifier);
 }
 
-TEST_F(SearchEdges, AnAlbumThatMatchesBothWaysIsListedOnce) {
+TEST_F(SearchEdges, anAlbumThatMatchesBothWaysIsListedOnce) {
     library_.publish({{.title = "a", .artist = "Wave", .albumTitle = "Wave"},
                       {.title = "b", .artist = "Wave", .albumTitle = "Calm"},
                       {.title = "c", .artist = "Sea", .albumTitle = "wave two"}});
@@ -137,7 +137,7 @@ TEST_F(SearchEdges, AnAlbumThatMatchesBothWaysIsListedOnce) {
     EXPECT_EQ(titles(results.songs), (Names{"a", "b", "c"}));
 }
 
-TEST_F(SearchEdges, AccentsAndCaseDoNotMatterForFinding) {
+TEST_F(SearchEdges, accentsAndCaseDoNotMatterForFinding) {
     library_.publish({{.title = "Mañana", .artist = "Björk", .albumTitle = "ÉTOILE"}},
                      {{.name = "Ça va", .persistentID = 1}});
     EXPECT_EQ(titles(found("MANANA").songs), (Names{"Mañana"}));
@@ -146,7 +146,7 @@ TEST_F(SearchEdges, AccentsAndCaseDoNotMatterForFinding) {
     EXPECT_EQ(titles(found("ca").playlists), (Names{"Ça va"}));
 }
 
-TEST_F(SearchEdges, SongsWithoutATitleAndAnArtistOfSignsAreFound) {
+TEST_F(SearchEdges, songsWithoutATitleAndAnArtistOfSignsAreFound) {
     library_.publish({{.title = "", .artist = "!!!", .albumTitle = "Thr!!!er"},
                       {.title = "Plain", .artist = "", .albumTitle = ""}});
     const SearchResults results = found("!!!");
@@ -155,13 +155,13 @@ TEST_F(SearchEdges, SongsWithoutATitleAndAnArtistOfSignsAreFound) {
     EXPECT_EQ(titles(results.songs), (Names{"Untitled"}));
 }
 
-TEST_F(SearchEdges, HiddenPlaylistsAndFoldersAreFoundToo) {
+TEST_F(SearchEdges, hiddenPlaylistsAndFoldersAreFoundToo) {
     library_.publish({}, {{.name = "wave folder", .persistentID = 1, .folder = true},
                           {.name = "wave hidden", .persistentID = 2, .hidden = true}});
     EXPECT_EQ(titles(found("wave").playlists), (Names{"wave folder", "wave hidden"}));
 }
 
-TEST_F(SearchEdges, AThousandPlaylistsAreRankedAndCounted) {
+TEST_F(SearchEdges, aThousandPlaylistsAreRankedAndCounted) {
     std::vector<TestPlaylist> playlists;
     for (std::uint64_t i = 1; i <= 1000; ++i) {
         playlists.push_back({.name = fmt::format("Mix {}", 1001 - i), .persistentID = i});

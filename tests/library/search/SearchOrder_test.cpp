@@ -34,7 +34,7 @@ Hits randomHits(std::mt19937& random, unsigned count, unsigned ranks,
     return hits;
 }
 
-TEST(SearchOrder, OfAnyHitsIsThatOfTheMergeSort) {
+TEST(SearchOrder, ofAnyHitsIsThatOfTheMergeSort) {
     std::mt19937 random(3);
     for (const unsigned count : {0U, 1U, 2U, 3U, 5U, 17U, 511U, 512U, 1000U, 4097U, 20000U}) {
         for (const unsigned ranks : {1U, 7U, 3000U, 5'000'000U}) {
@@ -47,7 +47,7 @@ TEST(SearchOrder, OfAnyHitsIsThatOfTheMergeSort) {
     }
 }
 
-TEST(SearchOrder, HitsThatAreTheSameKeepTheirOrder) {
+TEST(SearchOrder, hitsThatAreTheSameKeepTheirOrder) {
     Hits hits(3000, RankedHit{0, 5, 4});
     for (std::uint32_t place = 0; place < hits.size(); ++place) {
         hits[place].place = place;

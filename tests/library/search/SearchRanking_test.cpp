@@ -42,7 +42,7 @@ class SearchRankingTest : public testing::Test {
     MediaLibraryFixture library_;
 };
 
-TEST_F(SearchRankingTest, ExactIgnoresCaseAndTheOthersDoNot) {
+TEST_F(SearchRankingTest, exactIgnoresCaseAndTheOthersDoNot) {
     EXPECT_EQ(searchFlags("Air", "Air"), exactFlag | prefixFlag | containsFlag);
     EXPECT_EQ(searchFlags("AIR", "air"), exactFlag);
     EXPECT_EQ(searchFlags("Airbag", "Air"), prefixFlag | containsFlag);
@@ -52,39 +52,39 @@ TEST_F(SearchRankingTest, ExactIgnoresCaseAndTheOthersDoNot) {
     EXPECT_EQ(searchFlags("", ""), 0);
 }
 
-TEST_F(SearchRankingTest, AccentsMakeADifference) {
+TEST_F(SearchRankingTest, accentsMakeADifference) {
     EXPECT_EQ(searchFlags("Café", "cafe"), 0);
     EXPECT_EQ(searchFlags("CAFÉ", "café"), exactFlag);
     EXPECT_EQ(searchFlags("cafe\u0301", "Café"), exactFlag);
 }
 
-TEST_F(SearchRankingTest, ThoseWithAFlagThatOthersLackGoFirst) {
+TEST_F(SearchRankingTest, thoseWithAFlagThatOthersLackGoFirst) {
     EXPECT_EQ(ranked({"On Air", "Airbag", "Nothing", "Air"}, "Air"),
               (Names{"Air", "Airbag", "On Air", "Nothing"}));
 }
 
-TEST_F(SearchRankingTest, AmongEqualsTheAlphabetDecides) {
+TEST_F(SearchRankingTest, amongEqualsTheAlphabetDecides) {
     EXPECT_EQ(ranked({"Airship 10", "99 Airs", "Airship 9", "\"Airbag\"", "(Airs)"}, "x"),
               (Names{"\"Airbag\"", "(Airs)", "Airship 9", "Airship 10", "99 Airs"}));
 }
 
-TEST_F(SearchRankingTest, APairWithoutAnAgreedOrderStaysAsItComes) {
+TEST_F(SearchRankingTest, aPairWithoutAnAgreedOrderStaysAsItComes) {
     // One wins by its start, the other by being the whole but for capitals.
     EXPECT_EQ(ranked({"air mail", "AIR"}, "air"), (Names{"air mail", "AIR"}));
     EXPECT_EQ(ranked({"AIR", "air mail"}, "air"), (Names{"AIR", "air mail"}));
 }
 
-TEST_F(SearchRankingTest, TypingWithTheLibrarysCapitalsRanksBetter) {
+TEST_F(SearchRankingTest, typingWithTheLibrarysCapitalsRanksBetter) {
     const Names titles{"Blue", "A Green Day", "Green Blue"};
     EXPECT_EQ(ranked(titles, "Green"), (Names{"Green Blue", "A Green Day", "Blue"}));
     EXPECT_EQ(ranked(titles, "green"), (Names{"A Green Day", "Blue", "Green Blue"}));
 }
 
-TEST_F(SearchRankingTest, WithoutATermTheOrderStays) {
+TEST_F(SearchRankingTest, withoutATermTheOrderStays) {
     EXPECT_EQ(ranked({"c", "a", "b"}, ""), (Names{"c", "a", "b"}));
 }
 
-TEST_F(SearchRankingTest, AnyListEqualsTheComparisonTakenAtItsWord) {
+TEST_F(SearchRankingTest, anyListEqualsTheComparisonTakenAtItsWord) {
     const auto compare = [](std::string_view term) {
         return [term](const std::string& a, const std::string& b) {
             const unsigned left = searchFlags(a, term);
@@ -115,7 +115,7 @@ TEST_F(SearchRankingTest, AnyListEqualsTheComparisonTakenAtItsWord) {
     }
 }
 
-TEST_F(SearchRankingTest, APlaylistIsAskedForItsOwnName) {
+TEST_F(SearchRankingTest, aPlaylistIsAskedForItsOwnName) {
     library_.publish({{.title = "x"}}, {{.name = "zebra", .persistentID = 1, .songs = {1}},
                                         {.name = "apple", .persistentID = 2}});
     std::vector<MPMediaEntity> playlists;
@@ -127,7 +127,7 @@ TEST_F(SearchRankingTest, APlaylistIsAskedForItsOwnName) {
     EXPECT_EQ(stringOfEntity(found[1], "name"), "zebra");
 }
 
-TEST_F(SearchRankingTest, SplitCompilationsAreRankedByTheirTracksArtist) {
+TEST_F(SearchRankingTest, splitCompilationsAreRankedByTheirTracksArtist) {
     library_.publish(
         {{.title = "a", .artist = "Zed", .albumArtist = "Various", .compilation = true},
          {.title = "b", .artist = "Yes", .albumArtist = "Yes"}});
@@ -139,7 +139,7 @@ TEST_F(SearchRankingTest, SplitCompilationsAreRankedByTheirTracksArtist) {
     EXPECT_EQ(sortedResults(songs, "artistSearchKey", "Zed").front(), songs[0]);
 }
 
-TEST_F(SearchRankingTest, ThePartsOfATermAreFoundInAnyOrder) {
+TEST_F(SearchRankingTest, thePartsOfATermAreFoundInAnyOrder) {
     EXPECT_TRUE(stringContainsSubstringsOfString("Étude in Blue", "BLUE etude"));
     EXPECT_FALSE(stringContainsSubstringsOfString("Étude in Blue", "blue etudes"));
     EXPECT_TRUE(stringContainsSubstringsOfString("One\u3000Two", "two\u3000one"));
@@ -147,12 +147,12 @@ TEST_F(SearchRankingTest, ThePartsOfATermAreFoundInAnyOrder) {
     EXPECT_FALSE(stringContainsSubstringsOfString("a", ""));
 }
 
-TEST_F(SearchRankingTest, TwoBlanksInARowHaveAnEmptyPartThatNothingContains) {
+TEST_F(SearchRankingTest, twoBlanksInARowHaveAnEmptyPartThatNothingContains) {
     EXPECT_EQ(partsOfTerm("a  b"), (std::vector<std::string_view>{"a", "", "b"}));
     EXPECT_FALSE(stringContainsSubstringsOfString("a b", "a  b"));
 }
 
-TEST_F(SearchRankingTest, ThePredicateReadsTheSongThatStandsForTheEntity) {
+TEST_F(SearchRankingTest, thePredicateReadsTheSongThatStandsForTheEntity) {
     library_.publish({{.title = "Étude in Blue"}, {.title = ""}});
     const EntityTest hasWords = substringPredicateForKeyPath("title", "blue etude");
     EXPECT_TRUE(hasWords(library_.song("Étude in Blue")));
@@ -162,7 +162,7 @@ TEST_F(SearchRankingTest, ThePredicateReadsTheSongThatStandsForTheEntity) {
     EXPECT_FALSE(substringPredicateForKeyPath("genre", "blue")(library_.song("Étude in Blue")));
 }
 
-TEST_F(SearchRankingTest, WhatStandsAroundATermIsCutOff) {
+TEST_F(SearchRankingTest, whatStandsAroundATermIsCutOff) {
     EXPECT_EQ(trimmedTerm(" \t\u00A0a b\u2003\n"), "a b");
     EXPECT_EQ(trimmedTerm(" \n\u3000"), "");
 }

@@ -48,7 +48,7 @@ TEST_F(FetchTest, datesSortBothWaysAndTiesKeepIdentifierOrder) {
     EXPECT_NE(first.objectID(), tie.objectID());
 }
 
-TEST_F(FetchTest, theBoundsOfADateRangeLieOutside) {
+TEST_F(FetchTest, theBoundsOfADateRangeAreOutside) {
     for (const double second : {-5.0, 0.0, 1.0, 2.0, 3.0}) {
         Play::insert(*main, second);
     }

@@ -80,7 +80,7 @@ TEST_F(StoreTest, aTruncatedStoreIsRefusedWhereverItWasCut) {
     }
 }
 
-TEST_F(StoreTest, aPageOfGarbageIsToldAsDamage) {
+TEST_F(StoreTest, aPageOfGarbageIsReportedAsDamage) {
     fillAndClose(2000);
     std::string damaged = bytes();
     ASSERT_GT(damaged.size(), 5U * 4096U);
@@ -98,7 +98,7 @@ TEST_F(StoreTest, aDirectoryInItsPlaceIsRefused) {
     EXPECT_NE(opened.error().localizedDescription.find("not a file"), std::string::npos);
 }
 
-TEST_F(StoreTest, aMissingDirectoryIsToldInOneLine) {
+TEST_F(StoreTest, aMissingDirectoryIsReportedInOneLine) {
     const auto opened =
         NSPersistentStore::open(directory / "none" / "store.sqlite", testModel(), testFormat());
     ASSERT_FALSE(opened);

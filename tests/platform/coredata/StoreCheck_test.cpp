@@ -1,4 +1,5 @@
-// What is wrong with a store is found before it is used, told with what to do, and left as it lies.
+// What is wrong with a store is found before it is used, reported with what to do, and left as it
+// is.
 
 #include "platform/coredata/StoreCheck.h"
 

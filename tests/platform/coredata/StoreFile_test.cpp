@@ -74,7 +74,7 @@ TEST_F(NewStoreTest, itKeepsALog) {
     EXPECT_EQ(mode.value().text(0), "wal");
 }
 
-TEST_F(NewStoreTest, aFolderThatCantBeWrittenIsToldWithWhatToDo) {
+TEST_F(NewStoreTest, aFolderThatCantBeWrittenIsReportedWithWhatToDo) {
     const auto opened =
         NSPersistentStore::open(directory / "none" / "store.sqlite", testModel(), testFormat());
     ASSERT_FALSE(opened);

@@ -19,7 +19,7 @@ using ::testing::IsEmpty;
 
 class DispatchActivityTest : public test::DispatchTest {};
 
-TEST_F(DispatchActivityTest, CountsWorkFromTheCallUntilItHasRun) {
+TEST_F(DispatchActivityTest, countsWorkFromTheCallUntilItHasRun) {
     const auto queue = DispatchQueue::serial("counted");
     std::latch go(1);
     queue->async([&] { go.wait(); });
@@ -30,7 +30,7 @@ TEST_F(DispatchActivityTest, CountsWorkFromTheCallUntilItHasRun) {
     EXPECT_EQ(DispatchActivity::count(), 0U);
 }
 
-TEST_F(DispatchActivityTest, CountsInlineWork) {
+TEST_F(DispatchActivityTest, countsInlineWork) {
     std::size_t inSerial = 0;
     std::size_t inConcurrent = 0;
     DispatchQueue::serial("inline")->sync([&] { inSerial = DispatchActivity::count(); });
@@ -40,7 +40,7 @@ TEST_F(DispatchActivityTest, CountsInlineWork) {
     EXPECT_EQ(DispatchActivity::count(), 0U);
 }
 
-TEST_F(DispatchActivityTest, BegunOnlyGrows) {
+TEST_F(DispatchActivityTest, begunOnlyGrows) {
     const auto before = DispatchActivity::begun();
     DispatchActivity::begin();
     EXPECT_EQ(DispatchActivity::begun(), before + 1);
@@ -48,7 +48,7 @@ TEST_F(DispatchActivityTest, BegunOnlyGrows) {
     EXPECT_EQ(DispatchActivity::begun(), before + 1);
 }
 
-TEST_F(DispatchActivityTest, TellsTheListenerWhatIsLeft) {
+TEST_F(DispatchActivityTest, tellsTheListenerWhatIsLeft) {
     std::vector<std::size_t> left;
     {
         const DispatchActivity::EndListener listener(
@@ -64,7 +64,7 @@ TEST_F(DispatchActivityTest, TellsTheListenerWhatIsLeft) {
     EXPECT_THAT(left, ElementsAre(1U, 0U));
 }
 
-TEST_F(DispatchActivityTest, ListenersComeAndGoInAnyOrder) {
+TEST_F(DispatchActivityTest, listenersComeAndGoInAnyOrder) {
     int first = 0;
     int second = 0;
     auto one = std::make_unique<DispatchActivity::EndListener>([&](std::size_t) { ++first; });

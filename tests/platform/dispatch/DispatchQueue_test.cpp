@@ -40,7 +40,7 @@ class DispatchQueueTest : public test::DispatchTest {
     }
 };
 
-TEST_F(DispatchQueueTest, SerialRunsInTheOrderOfTheCalls) {
+TEST_F(DispatchQueueTest, serialRunsInTheOrderOfTheCalls) {
     std::vector<int> order;
     for (int i = 0; i < 1000; ++i) {
         queue->async([&order, i] { order.push_back(i); });
@@ -52,7 +52,7 @@ TEST_F(DispatchQueueTest, SerialRunsInTheOrderOfTheCalls) {
     EXPECT_EQ(seen, expected);
 }
 
-TEST_F(DispatchQueueTest, SerialRunsOnePieceAtATime) {
+TEST_F(DispatchQueueTest, serialRunsOnePieceAtATime) {
     constexpr int callers = 6;
     constexpr int pieces = 300;
     std::atomic<int> inside{0};
@@ -77,14 +77,14 @@ TEST_F(DispatchQueueTest, SerialRunsOnePieceAtATime) {
     EXPECT_EQ(total, callers * pieces);
 }
 
-TEST_F(DispatchQueueTest, SyncRunsOnTheCallersThread) {
+TEST_F(DispatchQueueTest, syncRunsOnTheCallersThread) {
     std::thread::id ranOn;
     queue->async([] {});
     queue->sync([&] { ranOn = std::this_thread::get_id(); });
     EXPECT_EQ(ranOn, std::this_thread::get_id());
 }
 
-TEST_F(DispatchQueueTest, SyncRunsAfterWhatWasQueuedBefore) {
+TEST_F(DispatchQueueTest, syncRunsAfterWhatWasQueuedBefore) {
     std::vector<std::string> order;
     std::latch go(1);
     queue->async([&] {
@@ -101,13 +101,13 @@ TEST_F(DispatchQueueTest, SyncRunsAfterWhatWasQueuedBefore) {
     EXPECT_THAT(order, ElementsAre("first", "second", "sync", "later"));
 }
 
-TEST_F(DispatchQueueTest, SyncHasTheIdleQueueForItself) {
+TEST_F(DispatchQueueTest, syncHasTheIdleQueueForItself) {
     bool alone = false;
     queue->sync([&] { alone = laterWorkWaits(); });
     EXPECT_TRUE(alone);
 }
 
-TEST_F(DispatchQueueTest, SyncThatWasLetInHasTheQueueForItself) {
+TEST_F(DispatchQueueTest, syncThatWasLetInHasTheQueueForItself) {
     for (int i = 0; i < 20; ++i) {
         std::latch go(1);
         queue->async([&] { go.wait(); });
@@ -125,7 +125,7 @@ TEST_F(DispatchQueueTest, SyncThatWasLetInHasTheQueueForItself) {
     }
 }
 
-TEST_F(DispatchQueueTest, SyncGetsItsTurnBeforeWorkQueuedLater) {
+TEST_F(DispatchQueueTest, syncGetsItsTurnBeforeWorkQueuedLater) {
     // The work queues itself again until the caller has been let in, which never happens when
     // later work goes first.
     std::atomic<bool> letIn{false};
@@ -140,7 +140,7 @@ TEST_F(DispatchQueueTest, SyncGetsItsTurnBeforeWorkQueuedLater) {
     EXPECT_TRUE(letIn);
 }
 
-TEST_F(DispatchQueueTest, SyncAsTheQueueItselfRunsAtOnce) {
+TEST_F(DispatchQueueTest, syncAsTheQueueItselfRunsAtOnce) {
     std::vector<std::string> order;
     queue->sync([&] {
         queue->async([&] { order.push_back("queued"); });
@@ -151,14 +151,14 @@ TEST_F(DispatchQueueTest, SyncAsTheQueueItselfRunsAtOnce) {
     EXPECT_THAT(order, ElementsAre("inner", "outer", "queued"));
 }
 
-TEST_F(DispatchQueueTest, SyncBackToAnOuterQueueRunsAtOnce) {
+TEST_F(DispatchQueueTest, syncBackToAnOuterQueueRunsAtOnce) {
     bool ran = false;
     queue->async([&] { other->sync([&] { queue->sync([&] { ran = true; }); }); });
     mainQueue->runUntilIdle();
     EXPECT_TRUE(ran);
 }
 
-TEST_F(DispatchQueueTest, IsCurrentSeesAllQueuesTheCallerRunsAs) {
+TEST_F(DispatchQueueTest, isCurrentSeesAllQueuesTheCallerRunsAs) {
     EXPECT_FALSE(queue->isCurrent());
     queue->sync([&] {
         EXPECT_TRUE(queue->isCurrent());
@@ -173,7 +173,7 @@ TEST_F(DispatchQueueTest, IsCurrentSeesAllQueuesTheCallerRunsAs) {
     EXPECT_FALSE(queue->isCurrent());
 }
 
-TEST_F(DispatchQueueTest, IsCurrentHoldsInQueuedWorkOnly) {
+TEST_F(DispatchQueueTest, isCurrentHoldsInQueuedWorkOnly) {
     bool asQueue = false;
     bool asOther = true;
     queue->async([&] {
@@ -185,7 +185,7 @@ TEST_F(DispatchQueueTest, IsCurrentHoldsInQueuedWorkOnly) {
     EXPECT_FALSE(asOther);
 }
 
-TEST_F(DispatchQueueTest, AsyncFromInsideRunsAfterwards) {
+TEST_F(DispatchQueueTest, asyncFromInsideRunsAfterwards) {
     std::vector<std::string> order;
     queue->async([&] {
         queue->async([&] { order.push_back("inner"); });
@@ -195,7 +195,7 @@ TEST_F(DispatchQueueTest, AsyncFromInsideRunsAfterwards) {
     EXPECT_THAT(order, ElementsAre("outer", "inner"));
 }
 
-TEST_F(DispatchQueueTest, QueuesThatWaitForOthersDoNotStarveThem) {
+TEST_F(DispatchQueueTest, queuesThatWaitForOthersDoNotStarveThem) {
     constexpr std::size_t count = 40;
     std::vector<std::shared_ptr<DispatchQueue>> queues;
     for (std::size_t i = 0; i <= count; ++i) {
@@ -214,7 +214,7 @@ TEST_F(DispatchQueueTest, QueuesThatWaitForOthersDoNotStarveThem) {
     EXPECT_EQ(served, count);
 }
 
-TEST_F(DispatchQueueTest, WorkKeepsItsQueueAlive) {
+TEST_F(DispatchQueueTest, workKeepsItsQueueAlive) {
     std::latch go(1);
     std::vector<int> order;
     queue->async([&] { go.wait(); });
@@ -227,7 +227,7 @@ TEST_F(DispatchQueueTest, WorkKeepsItsQueueAlive) {
     EXPECT_THAT(order, ElementsAre(0, 1, 2));
 }
 
-TEST_F(DispatchQueueTest, SyncWorkMayDropTheLastHandle) {
+TEST_F(DispatchQueueTest, syncWorkMayDropTheLastHandle) {
     bool ran = false;
     queue->sync([&] {
         queue.reset();
@@ -238,7 +238,7 @@ TEST_F(DispatchQueueTest, SyncWorkMayDropTheLastHandle) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(DispatchQueueTest, WorkIsDestroyedAsTheQueueBeforeTheNext) {
+TEST_F(DispatchQueueTest, workIsDestroyedAsTheQueueBeforeTheNext) {
     std::vector<std::string> order;
     std::latch go(1);
     queue->async([&] { go.wait(); });
@@ -254,7 +254,7 @@ TEST_F(DispatchQueueTest, WorkIsDestroyedAsTheQueueBeforeTheNext) {
     EXPECT_THAT(order, ElementsAre("destroyed as the queue", "next"));
 }
 
-TEST_F(DispatchQueueTest, WhatSyncWorkThrowsReachesTheCallerAndTheQueueGoesOn) {
+TEST_F(DispatchQueueTest, whatSyncWorkThrowsReachesTheCallerAndTheQueueGoesOn) {
     EXPECT_THROW(queue->sync([] { throw std::runtime_error("refused"); }), std::runtime_error);
     bool ran = false;
     queue->async([&] { ran = true; });
@@ -262,7 +262,7 @@ TEST_F(DispatchQueueTest, WhatSyncWorkThrowsReachesTheCallerAndTheQueueGoesOn) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(DispatchQueueTest, ConcurrentRunsInParallel) {
+TEST_F(DispatchQueueTest, concurrentRunsInParallel) {
     const auto concurrent = DispatchQueue::concurrent("parallel");
     std::latch together(8);
     std::atomic<int> ran{0};
@@ -276,7 +276,7 @@ TEST_F(DispatchQueueTest, ConcurrentRunsInParallel) {
     EXPECT_EQ(ran, 8);
 }
 
-TEST_F(DispatchQueueTest, ConcurrentRunsNoMoreThanItsBound) {
+TEST_F(DispatchQueueTest, concurrentRunsNoMoreThanItsBound) {
     const auto concurrent = DispatchQueue::concurrent("bounded");
     constexpr int bound = static_cast<int>(DispatchQueue::maxConcurrentWorkCount);
     std::latch full(bound);
@@ -301,7 +301,7 @@ TEST_F(DispatchQueueTest, ConcurrentRunsNoMoreThanItsBound) {
     EXPECT_EQ(begun, 2 * bound);
 }
 
-TEST_F(DispatchQueueTest, ConcurrentWorkRunsAsItsQueue) {
+TEST_F(DispatchQueueTest, concurrentWorkRunsAsItsQueue) {
     const auto concurrent = DispatchQueue::concurrent("current");
     bool queued = false;
     bool inLine = false;
@@ -318,7 +318,7 @@ TEST_F(DispatchQueueTest, ConcurrentWorkRunsAsItsQueue) {
     EXPECT_FALSE(concurrent->isCurrent());
 }
 
-TEST_F(DispatchQueueTest, ConcurrentWorkKeepsItsQueueAlive) {
+TEST_F(DispatchQueueTest, concurrentWorkKeepsItsQueueAlive) {
     auto concurrent = DispatchQueue::concurrent("dropped");
     std::latch go(1);
     std::atomic<int> ran{0};
@@ -334,12 +334,12 @@ TEST_F(DispatchQueueTest, ConcurrentWorkKeepsItsQueueAlive) {
     EXPECT_EQ(ran, 4);
 }
 
-TEST_F(DispatchQueueTest, KeepsItsLabel) {
+TEST_F(DispatchQueueTest, keepsItsLabel) {
     EXPECT_EQ(queue->label(), "first");
     EXPECT_EQ(DispatchQueue::concurrent("many")->label(), "many");
 }
 
-TEST(DispatchQueueDeathTest, AssertCurrentEndsTheProcessElsewhere) {
+TEST(DispatchQueueDeathTest, assertCurrentEndsTheProcessElsewhere) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto queue = DispatchQueue::serial("asserted");
     queue->sync([&] { queue->assertCurrent(); });

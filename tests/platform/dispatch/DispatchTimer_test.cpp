@@ -49,14 +49,14 @@ class HandingOverTest : public test::DispatchTest {
     DispatchTimer timer = timers.schedule(0, executor, [] {});
 };
 
-TEST_F(HandingOverTest, CancellingWaitsForItsEnd) {
+TEST_F(HandingOverTest, cancellingWaitsForItsEnd) {
     began.wait();
     go.count_down();
     timer.cancel();
     EXPECT_TRUE(ended);
 }
 
-TEST_F(HandingOverTest, TheServiceStillAwaitsTheTimer) {
+TEST_F(HandingOverTest, theServiceStillAwaitsTheTimer) {
     began.wait();
     EXPECT_TRUE(timers.isAwaiting());
     go.count_down();
@@ -65,14 +65,14 @@ TEST_F(HandingOverTest, TheServiceStillAwaitsTheTimer) {
     EXPECT_TRUE(ended);
 }
 
-TEST_F(HandingOverTest, FireNextWaitsForItsEnd) {
+TEST_F(HandingOverTest, fireNextWaitsForItsEnd) {
     began.wait();
     go.count_down();
     timers.fireNext(true);
     EXPECT_TRUE(ended);
 }
 
-TEST(DispatchTimerTest, TheQueueMayCancelTheTimerThatItIsHanded) {
+TEST(DispatchTimerTest, theQueueMayCancelTheTimerThatItIsHanded) {
     TimerService timers(true);
     DispatchTimer timer;
     HookedExecutor executor([&] { timer.cancel(); });
@@ -81,7 +81,7 @@ TEST(DispatchTimerTest, TheQueueMayCancelTheTimerThatItIsHanded) {
     EXPECT_FALSE(timers.isAwaiting());
 }
 
-TEST(DispatchTimerTest, MovingLeavesAnEmptyOneBehind) {
+TEST(DispatchTimerTest, movingLeavesAnEmptyOneBehind) {
     TimerService timers(true);
     HookedExecutor executor([] {});
     auto first = timers.schedule(0, executor, [] {});

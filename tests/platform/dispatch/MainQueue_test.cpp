@@ -23,7 +23,7 @@ using ::testing::ElementsAre;
 
 class MainQueueTest : public test::DispatchTest {};
 
-TEST_F(MainQueueTest, RunsQueuedWorkInOrderOnItsThread) {
+TEST_F(MainQueueTest, runsQueuedWorkInOrderOnItsThread) {
     std::vector<int> order;
     std::vector<bool> onMainThread;
     for (int i = 0; i < 3; ++i) {
@@ -38,7 +38,7 @@ TEST_F(MainQueueTest, RunsQueuedWorkInOrderOnItsThread) {
     EXPECT_THAT(onMainThread, ElementsAre(true, true, true));
 }
 
-TEST_F(MainQueueTest, RunPendingRunsWhatTheWorkQueues) {
+TEST_F(MainQueueTest, runPendingRunsWhatTheWorkQueues) {
     int ran = 0;
     mainQueue->async([&] {
         ++ran;
@@ -49,7 +49,7 @@ TEST_F(MainQueueTest, RunPendingRunsWhatTheWorkQueues) {
     EXPECT_EQ(mainQueue->runPending(), 0U);
 }
 
-TEST_F(MainQueueTest, RunUntilIdleFollowsWorkThatHopsBetweenQueues) {
+TEST_F(MainQueueTest, runUntilIdleFollowsWorkThatHopsBetweenQueues) {
     const auto serial = DispatchQueue::serial("serial");
     const auto concurrent = DispatchQueue::concurrent("concurrent");
     int rounds = 0;
@@ -64,7 +64,7 @@ TEST_F(MainQueueTest, RunUntilIdleFollowsWorkThatHopsBetweenQueues) {
     EXPECT_EQ(rounds, 200);
 }
 
-TEST_F(MainQueueTest, RunUntilIdleWaitsForOtherQueuesThatNeverComeBack) {
+TEST_F(MainQueueTest, runUntilIdleWaitsForOtherQueuesThatNeverComeBack) {
     const auto serial = DispatchQueue::serial("serial");
     std::atomic<int> ran{0};
     for (int i = 0; i < 100; ++i) {
@@ -74,7 +74,7 @@ TEST_F(MainQueueTest, RunUntilIdleWaitsForOtherQueuesThatNeverComeBack) {
     EXPECT_EQ(ran, 100);
 }
 
-TEST_F(MainQueueTest, SyncFromAnotherThreadWaitsForTheRunLoop) {
+TEST_F(MainQueueTest, syncFromAnotherThreadWaitsForTheRunLoop) {
     std::thread::id ranOn;
     std::atomic<bool> returned{false};
     std::thread caller([&] {
@@ -87,7 +87,7 @@ TEST_F(MainQueueTest, SyncFromAnotherThreadWaitsForTheRunLoop) {
     EXPECT_EQ(ranOn, std::this_thread::get_id());
 }
 
-TEST_F(MainQueueTest, SyncFromAQueueWaitsForTheRunLoop) {
+TEST_F(MainQueueTest, syncFromAQueueWaitsForTheRunLoop) {
     std::vector<std::string> order;
     const auto queue = DispatchQueue::serial("caller");
     queue->async([&] {
@@ -98,13 +98,13 @@ TEST_F(MainQueueTest, SyncFromAQueueWaitsForTheRunLoop) {
     EXPECT_THAT(order, ElementsAre("main", "queue"));
 }
 
-TEST_F(MainQueueTest, SyncFromTheMainThreadRunsAtOnce) {
+TEST_F(MainQueueTest, syncFromTheMainThreadRunsAtOnce) {
     bool ran = false;
     mainQueue->sync([&] { ran = true; });
     EXPECT_TRUE(ran);
 }
 
-TEST_F(MainQueueTest, WhatSyncWorkThrowsReachesTheCaller) {
+TEST_F(MainQueueTest, whatSyncWorkThrowsReachesTheCaller) {
     std::string caught;
     DispatchQueue::serial("caller")->async([&] {
         try {
@@ -117,7 +117,7 @@ TEST_F(MainQueueTest, WhatSyncWorkThrowsReachesTheCaller) {
     EXPECT_EQ(caught, "refused");
 }
 
-TEST_F(MainQueueTest, RunUntilStopsAtTheConditionAndLeavesTheRest) {
+TEST_F(MainQueueTest, runUntilStopsAtTheConditionAndLeavesTheRest) {
     int ran = 0;
     for (int i = 0; i < 5; ++i) {
         mainQueue->async([&] { ++ran; });
@@ -127,7 +127,7 @@ TEST_F(MainQueueTest, RunUntilStopsAtTheConditionAndLeavesTheRest) {
     EXPECT_EQ(mainQueue->runPending(), 3U);
 }
 
-TEST_F(MainQueueTest, RunUntilSeesWorkOfAnotherQueueWhileMoreIsRunning) {
+TEST_F(MainQueueTest, runUntilSeesWorkOfAnotherQueueWhileMoreIsRunning) {
     const auto busy = DispatchQueue::serial("busy");
     const auto quick = DispatchQueue::serial("quick");
     std::latch stop(1);
@@ -139,7 +139,7 @@ TEST_F(MainQueueTest, RunUntilSeesWorkOfAnotherQueueWhileMoreIsRunning) {
     mainQueue->runUntilIdle();
 }
 
-TEST_F(MainQueueTest, CallsTheWakeFunctionOnTheCallersThread) {
+TEST_F(MainQueueTest, callsTheWakeFunctionOnTheCallersThread) {
     std::vector<std::thread::id> wokenOn;
     mainQueue->setWakeFunction([&] { wokenOn.push_back(std::this_thread::get_id()); });
     mainQueue->async([] {});
@@ -154,7 +154,7 @@ TEST_F(MainQueueTest, CallsTheWakeFunctionOnTheCallersThread) {
     EXPECT_EQ(mainQueue->runPending(), 1U);
 }
 
-TEST_F(MainQueueTest, OnlyTheMainThreadIsCurrent) {
+TEST_F(MainQueueTest, onlyTheMainThreadIsCurrent) {
     EXPECT_TRUE(mainQueue->isCurrent());
     bool onWorker = true;
     DispatchQueue::serial("elsewhere")->async([&] { onWorker = mainQueue->isCurrent(); });
@@ -162,7 +162,7 @@ TEST_F(MainQueueTest, OnlyTheMainThreadIsCurrent) {
     EXPECT_FALSE(onWorker);
 }
 
-TEST_F(MainQueueTest, KeepsTheLongestTurn) {
+TEST_F(MainQueueTest, keepsTheLongestTurn) {
     mainQueue->async([] {
         const auto start = std::chrono::steady_clock::now();
         while (std::chrono::steady_clock::now() - start < std::chrono::milliseconds(2)) {
@@ -173,7 +173,7 @@ TEST_F(MainQueueTest, KeepsTheLongestTurn) {
     EXPECT_GE(mainQueue->longestTurn(), 0.002);
 }
 
-TEST_F(MainQueueTest, MayEndAsSoonAsItsWorkHasRun) {
+TEST_F(MainQueueTest, mayEndAsSoonAsItsWorkHasRun) {
     for (int i = 0; i < 200; ++i) {
         mainQueue = nullptr;
         mainQueue = MainQueue::make();
@@ -187,7 +187,7 @@ TEST_F(MainQueueTest, MayEndAsSoonAsItsWorkHasRun) {
     mainQueue = MainQueue::make();
 }
 
-TEST_F(MainQueueTest, HearsOfOtherQueuesAlsoWhenAnotherMainQueueHasGone) {
+TEST_F(MainQueueTest, hearsOfOtherQueuesAlsoWhenAnotherMainQueueHasGone) {
     MainQueue::make().reset();
     const auto queue = DispatchQueue::serial("elsewhere");
     for (int i = 0; i < 100; ++i) {
@@ -203,7 +203,7 @@ TEST_F(MainQueueTest, HearsOfOtherQueuesAlsoWhenAnotherMainQueueHasGone) {
     }
 }
 
-TEST_F(MainQueueTest, RunUntilGoesOnWatchingWhenAnInnerOneHasEnded) {
+TEST_F(MainQueueTest, runUntilGoesOnWatchingWhenAnInnerOneHasEnded) {
     const auto busy = DispatchQueue::serial("busy");
     const auto quick = DispatchQueue::serial("quick");
     std::latch stop(1);
@@ -224,7 +224,7 @@ TEST_F(MainQueueTest, RunUntilGoesOnWatchingWhenAnInnerOneHasEnded) {
     EXPECT_TRUE(done);
 }
 
-TEST_F(MainQueueTest, DroppedWorkMayQueueMoreAsItGoes) {
+TEST_F(MainQueueTest, droppedWorkMayQueueMoreAsItGoes) {
     int left = 4;
     std::function<std::shared_ptr<int>()> makeOwned = [&, queue = mainQueue.get()] {
         return std::shared_ptr<int>(new int(left), [&, queue](const int* value) {
@@ -240,7 +240,7 @@ TEST_F(MainQueueTest, DroppedWorkMayQueueMoreAsItGoes) {
     mainQueue = MainQueue::make();
 }
 
-TEST_F(MainQueueTest, DropsWorkThatNeverRan) {
+TEST_F(MainQueueTest, dropsWorkThatNeverRan) {
     auto owned = std::make_shared<int>(1);
     const std::weak_ptr<int> watched = owned;
     mainQueue->async([owned = std::move(owned)] {});
@@ -249,7 +249,7 @@ TEST_F(MainQueueTest, DropsWorkThatNeverRan) {
     mainQueue = MainQueue::make();
 }
 
-TEST(MainQueueDeathTest, RunsOnItsThreadOnly) {
+TEST(MainQueueDeathTest, runsOnItsThreadOnly) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto mainQueue = MainQueue::make();
     EXPECT_DEATH(std::thread([&] { mainQueue->runPending(); }).join(),

@@ -33,7 +33,7 @@ class NSOperationQueueTest : public test::DispatchTest {
     NSOperationQueue operations;
 };
 
-TEST_F(NSOperationQueueTest, OneAtATimeKeepsTheOrder) {
+TEST_F(NSOperationQueueTest, oneAtATimeKeepsTheOrder) {
     operations.setMaxConcurrentOperationCount(1);
     std::vector<int> order;
     for (int i = 0; i < 500; ++i) {
@@ -45,7 +45,7 @@ TEST_F(NSOperationQueueTest, OneAtATimeKeepsTheOrder) {
     EXPECT_EQ(order, expected);
 }
 
-TEST_F(NSOperationQueueTest, WithoutABoundOperationsRunInParallel) {
+TEST_F(NSOperationQueueTest, withoutABoundOperationsRunInParallel) {
     std::latch together(6);
     for (int i = 0; i < 6; ++i) {
         operations.addOperation(operationOf([&] { together.arrive_and_wait(); }));
@@ -54,7 +54,7 @@ TEST_F(NSOperationQueueTest, WithoutABoundOperationsRunInParallel) {
     EXPECT_TRUE(together.try_wait());
 }
 
-TEST_F(NSOperationQueueTest, RunsNoMoreThanItsBoundAndNoFewer) {
+TEST_F(NSOperationQueueTest, runsNoMoreThanItsBoundAndNoFewer) {
     operations.setMaxConcurrentOperationCount(2);
     std::latch pair(2);
     std::atomic<int> inside{0};
@@ -75,7 +75,7 @@ TEST_F(NSOperationQueueTest, RunsNoMoreThanItsBoundAndNoFewer) {
     EXPECT_EQ(ran, 50);
 }
 
-TEST_F(NSOperationQueueTest, ARaisedBoundStartsWaitingOperations) {
+TEST_F(NSOperationQueueTest, aRaisedBoundStartsWaitingOperations) {
     operations.setMaxConcurrentOperationCount(1);
     std::latch together(2);
     operations.addOperation(operationOf([&] { together.arrive_and_wait(); }));
@@ -85,7 +85,7 @@ TEST_F(NSOperationQueueTest, ARaisedBoundStartsWaitingOperations) {
     EXPECT_TRUE(together.try_wait());
 }
 
-TEST_F(NSOperationQueueTest, CountsOperationsThatWaitOrRun) {
+TEST_F(NSOperationQueueTest, countsOperationsThatWaitOrRun) {
     operations.setMaxConcurrentOperationCount(1);
     EXPECT_EQ(operations.operationCount(), 0U);
     std::latch began(1);
@@ -104,7 +104,7 @@ TEST_F(NSOperationQueueTest, CountsOperationsThatWaitOrRun) {
     EXPECT_EQ(operations.operationCount(), 0U);
 }
 
-TEST_F(NSOperationQueueTest, RunsTheBlocksOfAnOperationInOrder) {
+TEST_F(NSOperationQueueTest, runsTheBlocksOfAnOperationInOrder) {
     std::vector<std::string> order;
     const auto operation = std::make_shared<NSBlockOperation>();
     operation->addExecutionBlock([&] { order.push_back("first"); });
@@ -115,7 +115,7 @@ TEST_F(NSOperationQueueTest, RunsTheBlocksOfAnOperationInOrder) {
     EXPECT_FALSE(operation->isCancelled());
 }
 
-TEST_F(NSOperationQueueTest, ACancelledOperationRunsNothing) {
+TEST_F(NSOperationQueueTest, aCancelledOperationRunsNothing) {
     NSOperationQueue onMain(*mainQueue);
     std::vector<std::string> order;
     const auto operation = operationOf([&] { order.push_back("cancelled"); });
@@ -128,7 +128,7 @@ TEST_F(NSOperationQueueTest, ACancelledOperationRunsNothing) {
     EXPECT_EQ(onMain.operationCount(), 0U);
 }
 
-TEST_F(NSOperationQueueTest, CancelledWhileItRunsItBeginsNoFurtherBlock) {
+TEST_F(NSOperationQueueTest, cancelledWhileItRunsItBeginsNoFurtherBlock) {
     std::vector<std::string> order;
     const auto operation = std::make_shared<NSBlockOperation>();
     operation->addExecutionBlock([&, running = operation.get()] {
@@ -141,7 +141,7 @@ TEST_F(NSOperationQueueTest, CancelledWhileItRunsItBeginsNoFurtherBlock) {
     EXPECT_THAT(order, ElementsAre("first"));
 }
 
-TEST_F(NSOperationQueueTest, AnOperationIsGoneOnceItRan) {
+TEST_F(NSOperationQueueTest, anOperationIsGoneOnceItRan) {
     NSOperationQueue onMain(*mainQueue);
     auto operation = operationOf([] {});
     const std::weak_ptr<NSBlockOperation> watched = operation;
@@ -151,7 +151,7 @@ TEST_F(NSOperationQueueTest, AnOperationIsGoneOnceItRan) {
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(NSOperationQueueTest, AnOperationThatIsNotCountedIsGone) {
+TEST_F(NSOperationQueueTest, anOperationThatIsNotCountedIsGone) {
     for (int i = 0; i < 200; ++i) {
         auto operation = operationOf([] {});
         const std::weak_ptr<NSBlockOperation> watched = operation;
@@ -163,7 +163,7 @@ TEST_F(NSOperationQueueTest, AnOperationThatIsNotCountedIsGone) {
     }
 }
 
-TEST_F(NSOperationQueueTest, AnOperationThatItsBlockOwnsIsGoneOnceItRan) {
+TEST_F(NSOperationQueueTest, anOperationThatItsBlockOwnsIsGoneOnceItRan) {
     auto operation = std::make_shared<NSBlockOperation>();
     const std::weak_ptr<NSBlockOperation> watched = operation;
     operation->addExecutionBlock([operation] { EXPECT_FALSE(operation->isCancelled()); });
@@ -172,7 +172,7 @@ TEST_F(NSOperationQueueTest, AnOperationThatItsBlockOwnsIsGoneOnceItRan) {
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(NSOperationQueueTest, RunsOnTheUnderlyingQueueInOrder) {
+TEST_F(NSOperationQueueTest, runsOnTheUnderlyingQueueInOrder) {
     const auto queue = DispatchQueue::serial("underlying");
     NSOperationQueue onQueue(*queue);
     onQueue.setMaxConcurrentOperationCount(3);
@@ -206,7 +206,7 @@ class HookedExecutor final : public Executor {
     std::vector<Work> taken;
 };
 
-TEST_F(NSOperationQueueTest, AnOperationAddedMeanwhileDoesNotOvertake) {
+TEST_F(NSOperationQueueTest, anOperationAddedMeanwhileDoesNotOvertake) {
     HookedExecutor executor;
     NSOperationQueue onExecutor(executor);
     std::vector<std::string> order;
@@ -220,7 +220,7 @@ TEST_F(NSOperationQueueTest, AnOperationAddedMeanwhileDoesNotOvertake) {
     EXPECT_THAT(order, ElementsAre("first", "second"));
 }
 
-TEST_F(NSOperationQueueTest, OperationsRunWhenTheQueueObjectIsGone) {
+TEST_F(NSOperationQueueTest, operationsRunWhenTheQueueObjectIsGone) {
     std::vector<int> order;
     {
         NSOperationQueue shortLived(*mainQueue);
@@ -234,7 +234,7 @@ TEST_F(NSOperationQueueTest, OperationsRunWhenTheQueueObjectIsGone) {
     EXPECT_THAT(order, ElementsAre(0, 1, 2));
 }
 
-TEST(NSOperationQueueDeathTest, ABoundOfZeroIsAMistake) {
+TEST(NSOperationQueueDeathTest, aBoundOfZeroIsAMistake) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     NSOperationQueue operations;
     EXPECT_DEATH(operations.setMaxConcurrentOperationCount(0), "at least one operation");

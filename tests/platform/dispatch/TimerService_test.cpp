@@ -35,7 +35,7 @@ class StillTimersTest : public test::DispatchTest {
     std::vector<std::string> order;
 };
 
-TEST_F(StillTimersTest, FireByTimeAndThenInTheOrderOfTheCalls) {
+TEST_F(StillTimersTest, fireByTimeAndThenInTheOrderOfTheCalls) {
     const auto a = timers.schedule(2, *mainQueue, note("two"));
     const auto b = timers.schedule(1, *mainQueue, note("one"));
     const auto c = timers.schedule(2, *mainQueue, note("two again"));
@@ -47,7 +47,7 @@ TEST_F(StillTimersTest, FireByTimeAndThenInTheOrderOfTheCalls) {
                 ElementsAre("at once", "at once too", "no number", "one", "two", "two again"));
 }
 
-TEST_F(StillTimersTest, FireOnlyWhenTheQueuesAreIdle) {
+TEST_F(StillTimersTest, fireOnlyWhenTheQueuesAreIdle) {
     const auto timer = timers.schedule(0, *mainQueue, note("timer"));
     const auto queue = DispatchQueue::serial("busy");
     mainQueue->async([&] { queue->async([&] { mainQueue->async(note("work")); }); });
@@ -55,7 +55,7 @@ TEST_F(StillTimersTest, FireOnlyWhenTheQueuesAreIdle) {
     EXPECT_THAT(order, ElementsAre("work", "timer"));
 }
 
-TEST_F(StillTimersTest, ChainedTimersCountFromTheTimerBefore) {
+TEST_F(StillTimersTest, chainedTimersCountFromTheTimerBefore) {
     DispatchTimer chained;
     const auto first = timers.schedule(10, *mainQueue, [&] {
         order.push_back("ten");
@@ -66,7 +66,7 @@ TEST_F(StillTimersTest, ChainedTimersCountFromTheTimerBefore) {
     EXPECT_THAT(order, ElementsAre("ten", "twelve", "fifteen"));
 }
 
-TEST_F(StillTimersTest, ATimerMayReplaceItselfWhileItRuns) {
+TEST_F(StillTimersTest, aTimerMayReplaceItselfWhileItRuns) {
     DispatchTimer timer;
     int rounds = 0;
     std::function<void()> again = [&] {
@@ -79,7 +79,7 @@ TEST_F(StillTimersTest, ATimerMayReplaceItselfWhileItRuns) {
     EXPECT_EQ(rounds, 5);
 }
 
-TEST_F(StillTimersTest, RunUntilFiresOnlyWhatItsConditionWaitsFor) {
+TEST_F(StillTimersTest, runUntilFiresOnlyWhatItsConditionWaitsFor) {
     const auto queue = DispatchQueue::serial("elsewhere");
     const auto first = timers.schedule(1, *queue, note("first"));
     const auto second = timers.schedule(2, *queue, [&] { mainQueue->async(note("second")); });
@@ -98,7 +98,7 @@ TEST_F(StillTimersTest, RunUntilFiresOnlyWhatItsConditionWaitsFor) {
     EXPECT_FALSE(timers.isAwaiting());
 }
 
-TEST_F(StillTimersTest, FireOnTheQueueTheyWereGiven) {
+TEST_F(StillTimersTest, fireOnTheQueueTheyWereGiven) {
     const auto queue = DispatchQueue::serial("given");
     bool asQueue = false;
     const auto timer = timers.schedule(1, *queue, [&] { asQueue = queue->isCurrent(); });
@@ -106,7 +106,7 @@ TEST_F(StillTimersTest, FireOnTheQueueTheyWereGiven) {
     EXPECT_TRUE(asQueue);
 }
 
-TEST_F(StillTimersTest, CancelledOnesDoNotFire) {
+TEST_F(StillTimersTest, cancelledOnesDoNotFire) {
     auto cancelled = timers.schedule(1, *mainQueue, note("cancelled"));
     { const auto dropped = timers.schedule(1, *mainQueue, note("dropped")); }
     auto replaced = timers.schedule(1, *mainQueue, note("replaced"));
@@ -118,7 +118,7 @@ TEST_F(StillTimersTest, CancelledOnesDoNotFire) {
     EXPECT_THAT(order, ElementsAre("replacement", "moved"));
 }
 
-TEST_F(StillTimersTest, CancellingDropsWorkThatIsWithItsQueueAlready) {
+TEST_F(StillTimersTest, cancellingDropsWorkThatIsWithItsQueueAlready) {
     auto timer = timers.schedule(1, *mainQueue, note("late"));
     EXPECT_TRUE(timers.fireNext(false));
     timer.cancel();
@@ -126,7 +126,7 @@ TEST_F(StillTimersTest, CancellingDropsWorkThatIsWithItsQueueAlready) {
     EXPECT_THAT(order, IsEmpty());
 }
 
-TEST_F(StillTimersTest, CancellingLetsGoOfWhatTheWorkOwns) {
+TEST_F(StillTimersTest, cancellingLetsGoOfWhatTheWorkOwns) {
     auto owned = std::make_shared<int>(1);
     const std::weak_ptr<int> watched = owned;
     auto timer = timers.schedule(hour, *mainQueue, [owned = std::move(owned)] {});
@@ -135,7 +135,7 @@ TEST_F(StillTimersTest, CancellingLetsGoOfWhatTheWorkOwns) {
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(StillTimersTest, OwnedThingsMayUseTheServiceWhenTheyGo) {
+TEST_F(StillTimersTest, ownedThingsMayUseTheServiceWhenTheyGo) {
     std::vector<DispatchTimer> later;
     std::shared_ptr<int> owned(new int(1), [&](const int* value) {
         later.push_back(timers.schedule(1, *mainQueue, note("from the end")));
@@ -147,7 +147,7 @@ TEST_F(StillTimersTest, OwnedThingsMayUseTheServiceWhenTheyGo) {
     EXPECT_THAT(order, ElementsAre("from the end"));
 }
 
-TEST_F(StillTimersTest, FireNextTellsWhetherThereWasOne) {
+TEST_F(StillTimersTest, fireNextTellsWhetherThereWasOne) {
     EXPECT_FALSE(timers.fireNext(false));
     EXPECT_FALSE(timers.isAwaiting());
     const auto timer = timers.schedule(1, *mainQueue, note("only"));
@@ -159,7 +159,7 @@ TEST_F(StillTimersTest, FireNextTellsWhetherThereWasOne) {
     EXPECT_THAT(order, ElementsAre("only"));
 }
 
-TEST_F(StillTimersTest, RunUntilFiresNoTimerWhileAQueueIsBusy) {
+TEST_F(StillTimersTest, runUntilFiresNoTimerWhileAQueueIsBusy) {
     const auto queue = DispatchQueue::serial("busy");
     std::latch go(1);
     queue->async([&] {
@@ -172,7 +172,7 @@ TEST_F(StillTimersTest, RunUntilFiresNoTimerWhileAQueueIsBusy) {
     EXPECT_THAT(order, ElementsAre("work"));
 }
 
-TEST_F(StillTimersTest, AHandleMayOutliveTheService) {
+TEST_F(StillTimersTest, aHandleMayOutliveTheService) {
     DispatchTimer timer;
     {
         TimerService shortLived(true);
@@ -189,7 +189,7 @@ class RunningTimersTest : public test::DispatchTest {
     Port<TimerService>::Plug plug{timers};
 };
 
-TEST_F(RunningTimersTest, FireByThemselves) {
+TEST_F(RunningTimersTest, fireByThemselves) {
     bool fired = false;
     bool firedLater = false;
     const auto later = timers.schedule(hour, *mainQueue, [&] { firedLater = true; });
@@ -198,7 +198,7 @@ TEST_F(RunningTimersTest, FireByThemselves) {
     EXPECT_FALSE(firedLater);
 }
 
-TEST_F(RunningTimersTest, RunUntilIdleWaitsForChainedTimersWhenTold) {
+TEST_F(RunningTimersTest, runUntilIdleWaitsForChainedTimersWhenReported) {
     const auto queue = DispatchQueue::serial("elsewhere");
     DispatchTimer second;
     DispatchTimer third;
@@ -211,7 +211,7 @@ TEST_F(RunningTimersTest, RunUntilIdleWaitsForChainedTimersWhenTold) {
     EXPECT_TRUE(fired);
 }
 
-TEST_F(RunningTimersTest, RunUntilIdleNeverLosesATimerThatIsJustFiring) {
+TEST_F(RunningTimersTest, runUntilIdleNeverLosesATimerThatIsJustFiring) {
     const auto queue = DispatchQueue::serial("elsewhere");
     for (int i = 0; i < 200; ++i) {
         bool fired = false;
@@ -221,7 +221,7 @@ TEST_F(RunningTimersTest, RunUntilIdleNeverLosesATimerThatIsJustFiring) {
     }
 }
 
-TEST_F(RunningTimersTest, RunUntilIdleDoesNotWaitUntold) {
+TEST_F(RunningTimersTest, runUntilIdleDoesNotWaitUnasked) {
     bool fired = false;
     const auto timer = timers.schedule(hour, *mainQueue, [&] { fired = true; });
     mainQueue->runUntilIdle();
@@ -230,7 +230,7 @@ TEST_F(RunningTimersTest, RunUntilIdleDoesNotWaitUntold) {
     EXPECT_FALSE(timers.fireNext(false));
 }
 
-TEST_F(RunningTimersTest, WaitingEndsWhenTheLastTimerIsCancelled) {
+TEST_F(RunningTimersTest, waitingEndsWhenTheLastTimerIsCancelled) {
     auto timer = timers.schedule(hour, *mainQueue, [] { FAIL() << "a cancelled timer fired"; });
     std::thread canceller([&] { timer.cancel(); });
     mainQueue->runUntilIdle(true);
@@ -241,7 +241,7 @@ TEST_F(RunningTimersTest, WaitingEndsWhenTheLastTimerIsCancelled) {
     secondCanceller.join();
 }
 
-TEST_F(RunningTimersTest, FireNextWaitsUntilTheWorkIsWithItsQueue) {
+TEST_F(RunningTimersTest, fireNextWaitsUntilTheWorkIsWithItsQueue) {
     bool fired = false;
     const auto timer = timers.schedule(0.02, *mainQueue, [&] { fired = true; });
     if (timers.fireNext(true)) {
@@ -270,7 +270,7 @@ class MortalExecutor final : public Executor {
     std::vector<Work> work_ TAVRION_GUARDED_BY(mutex_);
 };
 
-TEST_F(RunningTimersTest, TheQueueMayEndOnceTheTimerIsCancelled) {
+TEST_F(RunningTimersTest, theQueueMayEndOnceTheTimerIsCancelled) {
     // A call of the executor after its end is found by the sanitizers.
     for (int i = 0; i < 300; ++i) {
         auto executor = std::make_unique<MortalExecutor>();
@@ -283,7 +283,7 @@ TEST_F(RunningTimersTest, TheQueueMayEndOnceTheTimerIsCancelled) {
     EXPECT_FALSE(timers.isAwaiting());
 }
 
-TEST_F(RunningTimersTest, TheServiceMayEndBeforeItsTimers) {
+TEST_F(RunningTimersTest, theServiceMayEndBeforeItsTimers) {
     auto service = std::make_unique<TimerService>(false);
     const auto timer =
         service->schedule(hour, *mainQueue, [] { FAIL() << "a timer fired without its service"; });

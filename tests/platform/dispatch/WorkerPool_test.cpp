@@ -12,7 +12,7 @@ namespace {
 
 // The latches are shared with the work: it may still be leaving them when the test ends.
 
-TEST(WorkerPoolTest, RunsEveryPieceOnce) {
+TEST(WorkerPoolTest, runsEveryPieceOnce) {
     constexpr int pieces = 500;
     const auto ran = std::make_shared<std::atomic<int>>(0);
     const auto all = std::make_shared<std::latch>(pieces);
@@ -26,7 +26,7 @@ TEST(WorkerPoolTest, RunsEveryPieceOnce) {
     EXPECT_EQ(*ran, pieces);
 }
 
-TEST(WorkerPoolTest, WorkThatWaitsForLaterWorkDoesNotStarveIt) {
+TEST(WorkerPoolTest, workThatWaitsForLaterWorkDoesNotStarveIt) {
     constexpr int pieces = 24;
     const auto allBegan = std::make_shared<std::latch>(pieces);
     const auto allEnded = std::make_shared<std::latch>(pieces);
@@ -40,7 +40,7 @@ TEST(WorkerPoolTest, WorkThatWaitsForLaterWorkDoesNotStarveIt) {
     EXPECT_TRUE(allBegan->try_wait());
 }
 
-TEST(WorkerPoolDeathTest, TheProcessMayEndFromAWorkerWhileAnotherWaits) {
+TEST(WorkerPoolDeathTest, theProcessMayEndFromAWorkerWhileAnotherWaits) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {

@@ -36,7 +36,7 @@ constexpr Stretch stretches[] = {
     {"Antarctica/Troll", "2022-10-25T00:00:00Z", "2022-11-03T00:00:00Z"},
 };
 
-TEST(CalendarDays, everyInstantLiesOnTheDayThatTheZoneSays) {
+TEST(CalendarDays, everyInstantIsOnTheDayThatTheZoneSays) {
     std::mt19937 random(3);
     for (const Stretch& stretch : stretches) {
         const NSTimeZone zone = *NSTimeZone::timeZoneWithName(stretch.zone);
@@ -96,7 +96,7 @@ TEST_P(CalendarDaysOfZones, areTheDaysThatWereLived) {
     }
 }
 
-TEST(CalendarDays, aDayThatBeginsAtTheEndIsNotTold) {
+TEST(CalendarDays, aDayThatBeginsAtTheEndIsNotReported) {
     const NSTimeZone utc;
     const auto daysUntil = [&](const char* end) {
         return calendarDaysOf({instant("2026-03-01T12:00:00Z"), instant(end)}, utc).size();

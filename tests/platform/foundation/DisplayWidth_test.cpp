@@ -12,7 +12,7 @@ struct Row {
     std::size_t width;
 };
 
-TEST(DisplayWidth, CountsColumnsAndNotBytes) {
+TEST(DisplayWidth, countsColumnsAndNotBytes) {
     const Row rows[] = {
         {"", 0},
         {"abc", 3},
@@ -46,7 +46,7 @@ TEST(DisplayWidth, CountsColumnsAndNotBytes) {
     }
 }
 
-TEST(DisplayWidth, AStartDoesNotCutALetter) {
+TEST(DisplayWidth, aStartDoesNotCutALetter) {
     EXPECT_EQ(startOfWidth("abc", 2), "ab");
     EXPECT_EQ(startOfWidth("abc", 3), "abc");
     EXPECT_EQ(startOfWidth("abc", 9), "abc");
@@ -57,7 +57,7 @@ TEST(DisplayWidth, AStartDoesNotCutALetter) {
     EXPECT_EQ(startOfWidth("", 5), "");
 }
 
-TEST(DisplayWidth, ALetterKeepsItsMarks) {
+TEST(DisplayWidth, aLetterKeepsItsMarks) {
     EXPECT_EQ(startOfWidth("cafe\u0301 noir", 4), "cafe\u0301");
     EXPECT_EQ(startOfWidth("e\u0301", 0), "");
 }

@@ -135,27 +135,27 @@ void expectTextsIn(const std::string& locale, const std::string& table = "format
     }
 }
 
-TEST(FormatterTexts, InAmericanEnglish) {
+TEST(FormatterTexts, inAmericanEnglish) {
     expectTextsIn("en_US");
 }
 
-TEST(FormatterTexts, InBritishEnglish) {
+TEST(FormatterTexts, inBritishEnglish) {
     expectTextsIn("en_GB");
 }
 
-TEST(FormatterTexts, InGerman) {
+TEST(FormatterTexts, inGerman) {
     expectTextsIn("de_DE");
 }
 
-TEST(FormatterTexts, InFrench) {
+TEST(FormatterTexts, inFrench) {
     expectTextsIn("fr_FR");
 }
 
-TEST(FormatterTexts, InJapanese) {
+TEST(FormatterTexts, inJapanese) {
     expectTextsIn("ja_JP");
 }
 
-TEST(FormatterTexts, InEgyptianArabic) {
+TEST(FormatterTexts, inEgyptianArabic) {
     expectTextsIn("ar_EG");
 }
 

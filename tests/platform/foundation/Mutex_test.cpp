@@ -14,7 +14,7 @@ struct Counter {
     int count TAVRION_GUARDED_BY(mutex) = 0;
 };
 
-TEST(Mutex, LetsOneThreadInAtATime) {
+TEST(Mutex, letsOneThreadInAtATime) {
     Counter counter;
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
@@ -32,7 +32,7 @@ TEST(Mutex, LetsOneThreadInAtATime) {
     EXPECT_EQ(counter.count, 4000);
 }
 
-TEST(ConditionVariable, WakesThoseWhoWait) {
+TEST(ConditionVariable, wakesThoseWhoWait) {
     Counter counter;
     std::vector<std::thread> waiters;
     for (int i = 0; i < 3; ++i) {
@@ -53,7 +53,7 @@ TEST(ConditionVariable, WakesThoseWhoWait) {
     }
 }
 
-TEST(ConditionVariable, WakesOneWhoWaitsForALimitedTime) {
+TEST(ConditionVariable, wakesOneWhoWaitsForALimitedTime) {
     Counter counter;
     std::thread waiter([&counter] {
         const MutexLock lock(counter.mutex);
@@ -69,7 +69,7 @@ TEST(ConditionVariable, WakesOneWhoWaitsForALimitedTime) {
     waiter.join();
 }
 
-TEST(ConditionVariable, AWaitForALimitedTimeEndsByItself) {
+TEST(ConditionVariable, aWaitForALimitedTimeEndsByItself) {
     Counter counter;
     const MutexLock lock(counter.mutex);
     counter.changed.waitFor(counter.mutex, 0.001);

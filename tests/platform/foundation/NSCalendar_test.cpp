@@ -36,7 +36,7 @@ struct AddRow {
     const char* result;
 };
 
-TEST(NSCalendar, DaysAndMonthsKeepTheWallClockAndHoursAreAbsolute) {
+TEST(NSCalendar, daysAndMonthsKeepTheWallClockAndHoursAreAbsolute) {
     const std::vector<AddRow> rows{
         {"America/New_York", "2024-03-09T12:00:00-05:00", days(1), "2024-03-10T12:00:00-04:00"},
         {"America/New_York", "2024-03-09T12:00:00-05:00", hours(24), "2024-03-10T13:00:00-04:00"},
@@ -67,7 +67,7 @@ TEST(NSCalendar, DaysAndMonthsKeepTheWallClockAndHoursAreAbsolute) {
     }
 }
 
-TEST(NSCalendar, FractionsOfASecondAreKept) {
+TEST(NSCalendar, fractionsOfASecondAreKept) {
     const NSCalendar calendar(zoneNamed("Europe/Berlin"));
     EXPECT_EQ(calendar.dateByAddingComponents(days(1), instant("2024-06-01T12:00:00.75Z")),
               instant("2024-06-02T12:00:00.75Z"));
@@ -75,7 +75,7 @@ TEST(NSCalendar, FractionsOfASecondAreKept) {
               instant("1999-06-01T12:00:00.25Z"));
 }
 
-TEST(NSCalendar, TheStartOfADayIsTheSameAtAllItsTimes) {
+TEST(NSCalendar, theStartOfADayIsTheSameAtAllItsTimes) {
     const NSCalendar calendar(zoneNamed("America/Sao_Paulo"));
     const NSDate start = instant("2018-11-04T01:00:00-02:00");
     EXPECT_EQ(calendar.startOfDayForDate(start), start);
@@ -94,7 +94,7 @@ struct DayRow {
     std::int64_t days;
 };
 
-TEST(NSCalendar, TheDayComponentCountsWholeStepsAtTheWallClock) {
+TEST(NSCalendar, theDayComponentCountsWholeStepsAtTheWallClock) {
     const std::vector<DayRow> rows{
         {"America/New_York", "2024-03-09T23:00:00-05:00", "2024-03-10T01:00:00-05:00", 0},
         {"America/New_York", "2024-03-09T12:00:00-05:00", "2024-03-10T12:00:00-04:00", 1},
@@ -117,13 +117,13 @@ TEST(NSCalendar, TheDayComponentCountsWholeStepsAtTheWallClock) {
     }
 }
 
-TEST(NSCalendar, TheDayComponentSpansAllOfTime) {
+TEST(NSCalendar, theDayComponentSpansAllOfTime) {
     const NSCalendar calendar{NSTimeZone()};
     EXPECT_EQ(calendar.dayComponentFromDate(NSDate::distantPast(), NSDate::distantFuture()),
               static_cast<std::int64_t>((63113904000.0 + 63114076800.0) / 86400));
 }
 
-TEST(NSCalendar, DatesOfOneDayAreOfOneDay) {
+TEST(NSCalendar, datesOfOneDayAreOfOneDay) {
     const NSCalendar calendar(zoneNamed("America/New_York"));
     EXPECT_TRUE(calendar.isDateInSameDay(instant("2024-03-10T05:00:00Z"),
                                          instant("2024-03-11T03:59:59.9Z")));
@@ -133,7 +133,7 @@ TEST(NSCalendar, DatesOfOneDayAreOfOneDay) {
         calendar.isDateInSameDay(instant("2023-03-10T12:00:00Z"), instant("2024-03-10T12:00:00Z")));
 }
 
-TEST(NSCalendar, AYearStartsWithItsFirstInstant) {
+TEST(NSCalendar, aYearStartsWithItsFirstInstant) {
     const NSCalendar calendar(zoneNamed("Asia/Kolkata"));
     EXPECT_EQ(calendar.dateFromYear(2024), instant("2024-01-01T00:00:00+05:30"));
     EXPECT_EQ(calendar.dateFromYear(1),
@@ -142,7 +142,7 @@ TEST(NSCalendar, AYearStartsWithItsFirstInstant) {
                       -calendar.timeZone().secondsFromGMTForDate(instant("0001-01-01T00:00:00Z"))));
 }
 
-TEST(NSCalendar, DatesBeyondAllReckoningStayAsTheyAre) {
+TEST(NSCalendar, datesBeyondAllReckoningStayAsTheyAre) {
     const double infinity = std::numeric_limits<double>::infinity();
     const NSCalendar calendar(zoneNamed("Europe/Berlin"));
     const NSDateComponents some{1, 1, 1, 1, 1, 1};
@@ -159,7 +159,7 @@ TEST(NSCalendar, DatesBeyondAllReckoningStayAsTheyAre) {
     EXPECT_EQ(calendar.dayComponentFromDate(none, NSDate()), 0);
 }
 
-TEST(NSCalendar, StepsOfAnySizeStayReckonable) {
+TEST(NSCalendar, stepsOfAnySizeStayReckonable) {
     constexpr int most = std::numeric_limits<int>::max();
     constexpr int least = std::numeric_limits<int>::min();
     const NSCalendar calendar(zoneNamed("Europe/Berlin"));
@@ -194,7 +194,7 @@ TEST_P(CalendarOfZones, aYearBeginsWithTheFirstInstantOfItsFirstDay) {
     EXPECT_EQ(calendar.timeZone().civilDay(start), CivilDay::fromDate(GetParam().year, 1, 1));
 }
 
-TEST(NSCalendar, TheCurrentOneIsOfThePluggedRegion) {
+TEST(NSCalendar, theCurrentOneIsOfThePluggedRegion) {
     Regional region(zoneNamed("Asia/Kolkata"), "en_US");
     const Port<Regional>::Plug plug(region);
     EXPECT_EQ(NSCalendar::currentCalendar().timeZone().name(), "Asia/Kolkata");

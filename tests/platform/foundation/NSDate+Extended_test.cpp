@@ -30,7 +30,7 @@ struct DayRow {
     const char* end;
 };
 
-TEST(NSDateExtended, ADayGoesFromItsStartToItsLastWholeSecond) {
+TEST(NSDateExtended, aDayGoesFromItsStartToItsLastWholeSecond) {
     const DayRow rows[] = {
         {"Europe/Berlin", "2024-06-01T15:00:00.5+02:00", "2024-06-01T00:00:00+02:00",
          "2024-06-01T23:59:59+02:00"},
@@ -51,7 +51,7 @@ TEST(NSDateExtended, ADayGoesFromItsStartToItsLastWholeSecond) {
     }
 }
 
-TEST(NSDateExtended, DaysBetweenTwoDatesAreDaysOfTheCalendar) {
+TEST(NSDateExtended, daysBetweenTwoDatesAreDaysOfTheCalendar) {
     const InZone zone("America/New_York");
     const NSDate late = instant("2024-03-09T23:59:59-05:00");
     const NSDate early = instant("2024-03-10T00:00:01-05:00");
@@ -64,7 +64,7 @@ TEST(NSDateExtended, DaysBetweenTwoDatesAreDaysOfTheCalendar) {
               366);
 }
 
-TEST(NSDateExtended, ADayWithoutMidnightIsNotCountedFromItsStart) {
+TEST(NSDateExtended, aDayWithoutMidnightIsNotCountedFromItsStart) {
     const InZone zone("America/Sao_Paulo");
     const NSDate noMidnight = instant("2018-11-04T12:00:00-02:00");
     const NSDate next = instant("2018-11-05T12:00:00-02:00");

@@ -44,18 +44,18 @@ std::string abbreviated(std::uint64_t units, double seconds, std::size_t most = 
     return formatterFor(Style::abbreviated, units, most).stringFromTimeInterval(seconds);
 }
 
-/// As the age of something in a library is told.
+/// As the age of something in a library is shown.
 std::string age(double days) {
     NSDateComponentsFormatter formatter = formatterFor(Style::shortStyle, dates, 1);
     formatter.setCollapsesLargestUnit(true);
     return formatter.stringFromTimeInterval(days * 86400);
 }
 
-TEST(NSDateComponentsFormatter, TheMaskIsThePlatforms) {
+TEST(NSDateComponentsFormatter, theMaskIsThePlatforms) {
     EXPECT_EQ(dates, 8220U);
 }
 
-TEST(NSDateComponentsFormatter, TheStylesOfOneLength) {
+TEST(NSDateComponentsFormatter, theStylesOfOneLength) {
     const InZone zone("UTC");
     const double length = 9 * 3600 + 41 * 60 + 30;
     EXPECT_EQ(formatterFor(Style::shortStyle, hms).stringFromTimeInterval(length),
@@ -64,14 +64,14 @@ TEST(NSDateComponentsFormatter, TheStylesOfOneLength) {
     EXPECT_EQ(formatterFor(Style::positional, hms).stringFromTimeInterval(length), "9:41:30");
 }
 
-TEST(NSDateComponentsFormatter, WhatIsSmallerThanTheSmallestUnitIsCutOff) {
+TEST(NSDateComponentsFormatter, whatIsSmallerThanTheSmallestUnitIsCutOff) {
     const InZone zone("UTC");
     EXPECT_EQ(abbreviated(NSCalendarUnit::hour, 1.5 * 3600), "1h");
     EXPECT_EQ(abbreviated(NSCalendarUnit::minute, 59), "0m");
     EXPECT_EQ(abbreviated(NSCalendarUnit::hour, 3599), "0h");
 }
 
-TEST(NSDateComponentsFormatter, ABoundRoundsHalvesToTheEvenNumberAndCarries) {
+TEST(NSDateComponentsFormatter, aBoundRoundsHalvesToTheEvenNumberAndCarries) {
     const InZone zone("UTC");
     EXPECT_EQ(abbreviated(hms, 4230, 2), "1h 10m");
     EXPECT_EQ(abbreviated(hms, 630, 2), "10m 30s");
@@ -85,7 +85,7 @@ TEST(NSDateComponentsFormatter, ABoundRoundsHalvesToTheEvenNumberAndCarries) {
     EXPECT_EQ(abbreviated(hms, 360001, 2), "100h 1s");
 }
 
-TEST(NSDateComponentsFormatter, ZerosAreDroppedAsAsked) {
+TEST(NSDateComponentsFormatter, zerosAreDroppedAsAsked) {
     const InZone zone("UTC");
     const auto text = [](Zeros zeros, double seconds) {
         return formatterFor(Style::abbreviated, hms, 0, zeros).stringFromTimeInterval(seconds);
@@ -105,7 +105,7 @@ TEST(NSDateComponentsFormatter, ZerosAreDroppedAsAsked) {
     EXPECT_EQ(positional(Zeros::none, 59), "0:00:59");
 }
 
-TEST(NSDateComponentsFormatter, ABareOneIsToldInTheNextSmallerUnit) {
+TEST(NSDateComponentsFormatter, aBareOneIsToldInTheNextSmallerUnit) {
     const InZone zone("UTC");
     const auto text = [](std::uint64_t units, double seconds) {
         NSDateComponentsFormatter formatter = formatterFor(Style::abbreviated, units);
@@ -120,7 +120,7 @@ TEST(NSDateComponentsFormatter, ABareOneIsToldInTheNextSmallerUnit) {
     EXPECT_EQ(text(hms, 3600 + 14 * 60 + 5), "74m 5s");
 }
 
-TEST(NSDateComponentsFormatter, AnAgeIsOneUnit) {
+TEST(NSDateComponentsFormatter, anAgeIsOneUnit) {
     const InZone zone("UTC");
     EXPECT_EQ(age(7), "1 wk");
     EXPECT_EQ(age(8.9), "8 days");
@@ -134,7 +134,7 @@ TEST(NSDateComponentsFormatter, AnAgeIsOneUnit) {
     EXPECT_EQ(age(3650), "10 yrs");
 }
 
-TEST(NSDateComponentsFormatter, DaysAreThoseOfTheCalendarFromTheFirstDayOf2001) {
+TEST(NSDateComponentsFormatter, daysAreThoseOfTheCalendarFromTheFirstDayOf2001) {
     const std::uint64_t daysAndHours = NSCalendarUnit::day | NSCalendarUnit::hour;
     {
         const InZone paris("Europe/Paris");
@@ -152,7 +152,7 @@ TEST(NSDateComponentsFormatter, DaysAreThoseOfTheCalendarFromTheFirstDayOf2001) 
     EXPECT_EQ(abbreviated(NSCalendarUnit::weekOfYear | NSCalendarUnit::month, 31 * 86400.0), "1mo");
 }
 
-TEST(NSDateComponentsFormatter, BetweenTwoDatesTheDaysAreThoseFromTheEarlierOne) {
+TEST(NSDateComponentsFormatter, betweenTwoDatesTheDaysAreThoseFromTheEarlierOne) {
     const InZone newYork("America/New_York");
     NSDateComponentsFormatter formatter =
         formatterFor(Style::abbreviated, NSCalendarUnit::day | NSCalendarUnit::hour);
@@ -166,7 +166,7 @@ TEST(NSDateComponentsFormatter, BetweenTwoDatesTheDaysAreThoseFromTheEarlierOne)
               "1d");
 }
 
-TEST(NSDateComponentsFormatter, BetweenDatesAroundADayWithoutAMidnight) {
+TEST(NSDateComponentsFormatter, betweenDatesAroundADayWithoutAMidnight) {
     const InZone saoPaulo("America/Sao_Paulo");
     const NSDateComponentsFormatter formatter =
         formatterFor(Style::abbreviated, NSCalendarUnit::day | NSCalendarUnit::hour);
@@ -176,7 +176,7 @@ TEST(NSDateComponentsFormatter, BetweenDatesAroundADayWithoutAMidnight) {
     EXPECT_EQ(formatter.stringFromDate(start, instant("2018-11-05T00:00:00-02:00")), "2d");
 }
 
-TEST(NSDateComponentsFormatter, LengthsWithoutAnEndHaveNoText) {
+TEST(NSDateComponentsFormatter, lengthsWithoutAnEndHaveNoText) {
     const InZone zone("UTC");
     const double infinity = std::numeric_limits<double>::infinity();
     for (const double seconds : {std::nan(""), infinity, -infinity}) {
@@ -186,7 +186,7 @@ TEST(NSDateComponentsFormatter, LengthsWithoutAnEndHaveNoText) {
     }
 }
 
-TEST(NSDateComponentsFormatter, GreatLengthsAreToldInFull) {
+TEST(NSDateComponentsFormatter, greatLengthsAreToldInFull) {
     const InZone zone("UTC");
     EXPECT_EQ(abbreviated(hms, 2147483648.0), "596,523h 14m 8s");
     EXPECT_EQ(abbreviated(NSCalendarUnit::second, 1e15), "1,000,000,000,000,000s");
@@ -198,7 +198,7 @@ TEST(NSDateComponentsFormatter, GreatLengthsAreToldInFull) {
     }
 }
 
-TEST(NSDateComponentsFormatter, AGapInAPositionalTextIsABrokenPromise) {
+TEST(NSDateComponentsFormatter, aGapInAPositionalTextIsABrokenPromise) {
     const InZone zone("UTC");
     EXPECT_DEATH(formatterFor(Style::positional, NSCalendarUnit::hour | NSCalendarUnit::second)
                      .stringFromTimeInterval(1),

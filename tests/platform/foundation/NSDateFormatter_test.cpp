@@ -38,7 +38,7 @@ NSDateFormatter machineFormatter(const char* format) {
 constexpr const char* withOffset = "yyyy-MM-dd'T'HH:mm:ssZ";
 constexpr const char* local = "yyyy-MM-dd HH:mm";
 
-TEST(NSDateFormatter, ReadsADateWithItsOffset) {
+TEST(NSDateFormatter, readsADateWithItsOffset) {
     const InRegion region("Asia/Kolkata");
     const NSDateFormatter formatter = machineFormatter(withOffset);
     const NSDate expected = instant("2024-01-05T15:04:05-05:00");
@@ -51,7 +51,7 @@ TEST(NSDateFormatter, ReadsADateWithItsOffset) {
     }
 }
 
-TEST(NSDateFormatter, RefusesWhatIsNoDateOfTheFormat) {
+TEST(NSDateFormatter, refusesWhatIsNoDateOfTheFormat) {
     const InRegion region("UTC");
     const NSDateFormatter formatter = machineFormatter(withOffset);
     for (const char* text :
@@ -72,7 +72,7 @@ struct LocalRow {
     const char* read;
 };
 
-TEST(NSDateFormatter, ReadsTheWallClockOfTheZone) {
+TEST(NSDateFormatter, readsTheWallClockOfTheZone) {
     const LocalRow rows[] = {
         {"America/New_York", "2024-03-10 01:30", "2024-03-10T01:30:00-05:00"},
         {"America/New_York", "2024-03-10 02:30", nullptr},
@@ -97,7 +97,7 @@ TEST(NSDateFormatter, ReadsTheWallClockOfTheZone) {
     }
 }
 
-TEST(NSDateFormatter, ReadsBackWhatItWroteInEveryLocale) {
+TEST(NSDateFormatter, readsBackWhatItWroteInEveryLocale) {
     for (const char* locale : {"en_US", "en_GB", "de_DE", "fr_FR", "ja_JP", "ar_EG"}) {
         const InRegion region("Europe/Berlin", locale);
         NSDateFormatter formatter;
@@ -109,7 +109,7 @@ TEST(NSDateFormatter, ReadsBackWhatItWroteInEveryLocale) {
     }
 }
 
-TEST(NSDateFormatter, TakesAnyBlankBeforeTheHalfOfTheDay) {
+TEST(NSDateFormatter, takesAnyBlankBeforeTheHalfOfTheDay) {
     const InRegion region("UTC");
     NSDateFormatter formatter;
     formatter.setDateStyle(NSDateFormatterStyle::shortStyle);
@@ -120,7 +120,7 @@ TEST(NSDateFormatter, TakesAnyBlankBeforeTheHalfOfTheDay) {
     }
 }
 
-TEST(NSDateFormatter, WhatIsSetOnItWinsOverTheRegion) {
+TEST(NSDateFormatter, whatIsSetOnItWinsOverTheRegion) {
     const InRegion region("America/New_York", "ja_JP");
     NSDateFormatter formatter;
     formatter.setLocale("de_DE");
@@ -133,12 +133,12 @@ TEST(NSDateFormatter, WhatIsSetOnItWinsOverTheRegion) {
     EXPECT_EQ(formatter.stringFromDate(instant("2024-01-05T23:30:00Z")), "Januar");
 }
 
-TEST(NSDateFormatter, WithoutADateAndATimeThereIsNoText) {
+TEST(NSDateFormatter, withoutADateAndATimeThereIsNoText) {
     const InRegion region("UTC");
     EXPECT_EQ(NSDateFormatter().stringFromDate(NSDate()), "");
 }
 
-TEST(NSDateFormatter, AFractionOfASecondBelongsToItsSecond) {
+TEST(NSDateFormatter, aFractionOfASecondBelongsToItsSecond) {
     const InRegion region("UTC");
     const NSDateFormatter formatter = machineFormatter("yyyy-MM-dd HH:mm:ss");
     EXPECT_EQ(formatter.stringFromDate(instant("2024-01-05T23:59:59.999Z")), "2024-01-05 23:59:59");
@@ -146,14 +146,14 @@ TEST(NSDateFormatter, AFractionOfASecondBelongsToItsSecond) {
     EXPECT_EQ(formatter.stringFromDate(before), "2000-12-31 23:59:59");
 }
 
-TEST(NSDateFormatter, OneCalendarHoldsForAllYears) {
+TEST(NSDateFormatter, oneCalendarHoldsForAllYears) {
     const InRegion region("UTC");
     const NSDate date = NSTimeZone().dateOfCivilTime({1492, 10, 12, 6, 0, 0});
     EXPECT_EQ(machineFormatter(local).stringFromDate(date), "1492-10-12 06:00");
     EXPECT_EQ(machineFormatter(local).dateFromString("1492-10-12 06:00"), date);
 }
 
-TEST(NSDateFormatter, DatesBeyondAllReckoningHaveATextToo) {
+TEST(NSDateFormatter, datesBeyondAllReckoningHaveATextToo) {
     const InRegion region("Europe/Berlin");
     NSDateFormatter formatter;
     formatter.setDateStyle(NSDateFormatterStyle::mediumStyle);
@@ -168,7 +168,7 @@ TEST(NSDateFormatter, DatesBeyondAllReckoningHaveATextToo) {
         formatter.stringFromDate(NSDate()));
 }
 
-TEST(NSDateFormatter, AnUnknownLocaleStillWrites) {
+TEST(NSDateFormatter, anUnknownLocaleStillWrites) {
     const InRegion region("UTC", "xx_XX");
     EXPECT_EQ(machineFormatter(local).stringFromDate(NSDate()), "2001-01-01 00:00");
     NSDateFormatter formatter;
@@ -176,7 +176,7 @@ TEST(NSDateFormatter, AnUnknownLocaleStillWrites) {
     EXPECT_NE(formatter.stringFromDate(NSDate()), "");
 }
 
-TEST(NSDateFormatter, ManyThreadsWriteAtOnce) {
+TEST(NSDateFormatter, manyThreadsWriteAtOnce) {
     const InRegion region("Europe/Berlin", "de_DE");
     std::vector<std::string> texts(4);
     std::vector<std::thread> threads;

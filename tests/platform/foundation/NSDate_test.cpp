@@ -21,25 +21,25 @@ double secondsOf(const std::string& text) {
     return date ? date->timeIntervalSinceReferenceDate() : std::nan("");
 }
 
-TEST(NSDate, TheReferenceDateIsTheStartOf2001) {
+TEST(NSDate, theReferenceDateIsTheStartOf2001) {
     EXPECT_EQ(isoTextOfDate(NSDate()), "2001-01-01T00:00:00.000Z");
     EXPECT_EQ(NSDate::dateWithTimeIntervalSince1970(978307200).timeIntervalSinceReferenceDate(), 0);
     EXPECT_EQ(at(1).timeIntervalSince1970(), 978307201);
 }
 
-TEST(NSDate, TheFarEndsAreTheYears1And4001) {
+TEST(NSDate, theFarEndsAreTheYears1And4001) {
     EXPECT_EQ(isoTextOfDate(NSDate::distantPast()), "0001-01-01T00:00:00.000Z");
     EXPECT_EQ(isoTextOfDate(NSDate::distantFuture()), "4001-01-01T00:00:00.000Z");
 }
 
-TEST(NSDate, ThePresentIsThePluggedClocks) {
+TEST(NSDate, thePresentIsThePluggedClocks) {
     const FixedClock clock(at(794059200.25));
     FixedClock plugged = clock;
     const Port<Clock>::Plug plug(plugged);
     EXPECT_EQ(NSDate::date(), at(794059200.25));
 }
 
-TEST(NSDate, TheLaterOfTwoDatesIsNeverAnAbsentOne) {
+TEST(NSDate, theLaterOfTwoDatesIsNeverAnAbsentOne) {
     EXPECT_EQ(laterDate(at(1), at(2)), at(2));
     EXPECT_EQ(laterDate(at(2), at(1)), at(2));
     EXPECT_EQ(laterDate(std::nullopt, at(1)), at(1));
@@ -47,7 +47,7 @@ TEST(NSDate, TheLaterOfTwoDatesIsNeverAnAbsentOne) {
     EXPECT_EQ(laterDate(std::nullopt, std::nullopt), std::nullopt);
 }
 
-TEST(NSDate, TextHasMillisecondsRoundedDown) {
+TEST(NSDate, textHasMillisecondsRoundedDown) {
     EXPECT_EQ(isoTextOfDate(at(794059200.25)), "2026-03-01T12:00:00.250Z");
     EXPECT_EQ(isoTextOfDate(at(794059200.2509)), "2026-03-01T12:00:00.250Z");
     EXPECT_EQ(isoTextOfDate(at(794059200.9999)), "2026-03-01T12:00:00.999Z");
@@ -56,7 +56,7 @@ TEST(NSDate, TextHasMillisecondsRoundedDown) {
     EXPECT_EQ(isoTextOfDate(at(-1.5)), "2000-12-31T23:59:58.500Z");
 }
 
-TEST(NSDate, TextOfYearsOutsideTheRangeIsClamped) {
+TEST(NSDate, textOfYearsOutsideTheRangeIsClamped) {
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(isoTextOfDate(at(-1e12)), "0001-01-01T00:00:00.000Z");
     EXPECT_EQ(isoTextOfDate(at(1e12)), "9999-12-31T23:59:59.999Z");
@@ -65,7 +65,7 @@ TEST(NSDate, TextOfYearsOutsideTheRangeIsClamped) {
     EXPECT_EQ(isoTextOfDate(at(std::nan(""))), "0001-01-01T00:00:00.000Z");
 }
 
-TEST(NSDate, EveryMillisecondReadsBackAsTheSameText) {
+TEST(NSDate, everyMillisecondReadsBackAsTheSameText) {
     for (const std::string start : {"2026-03-01T12:00:00.", "1999-12-31T23:59:59.",
                                     "2018-05-30T05:29:03.", "9999-12-31T23:59:59."}) {
         for (int millisecond = 0; millisecond < 1000; ++millisecond) {
@@ -78,7 +78,7 @@ TEST(NSDate, EveryMillisecondReadsBackAsTheSameText) {
     }
 }
 
-TEST(NSDate, ReadsOffsetsAndFractions) {
+TEST(NSDate, readsOffsetsAndFractions) {
     EXPECT_EQ(secondsOf("2026-03-01T12:00:00Z"), 794059200);
     EXPECT_EQ(secondsOf("2026-03-01T13:00:00.25+01:00"), 794059200.25);
     EXPECT_EQ(secondsOf("2026-03-01T13:00:00+0100"), 794059200);
@@ -87,7 +87,7 @@ TEST(NSDate, ReadsOffsetsAndFractions) {
     EXPECT_EQ(secondsOf("0001-01-01T00:00:00Z"), -63113904000.0);
 }
 
-TEST(NSDate, FractionsAreCorrectlyRounded) {
+TEST(NSDate, fractionsAreCorrectlyRounded) {
     EXPECT_EQ(secondsOf("2026-03-01T12:00:00.1234567Z"), 794059200.1234567);
     EXPECT_EQ(secondsOf("2026-03-01T12:00:00.289Z"), 794059200.289);
     EXPECT_EQ(secondsOf("2001-01-01T00:00:00.1Z"), 0.1);
@@ -98,7 +98,7 @@ TEST(NSDate, FractionsAreCorrectlyRounded) {
     EXPECT_EQ(secondsOf("2000-12-31T23:59:55.000Z"), -5);
 }
 
-TEST(NSDate, AnythingElseIsAbsent) {
+TEST(NSDate, anythingElseIsAbsent) {
     for (const char* text : {"",
                              "2026-03-01",
                              "2026-03-01T12:00:00",
@@ -129,13 +129,13 @@ TEST(NSDate, AnythingElseIsAbsent) {
     }
 }
 
-TEST(SystemClock, TellsWholeMicroseconds) {
+TEST(SystemClock, tellsWholeMicroseconds) {
     const double seconds = SystemClock().now().timeIntervalSinceReferenceDate();
     EXPECT_EQ(seconds, std::round(seconds * 1e6) / 1e6);
     EXPECT_FALSE(SystemClock().standsStill());
 }
 
-TEST(FixedClock, StandsStill) {
+TEST(FixedClock, standsStill) {
     const FixedClock clock(at(5));
     EXPECT_EQ(clock.now(), at(5));
     EXPECT_TRUE(clock.standsStill());

@@ -92,7 +92,7 @@ class NSLocalizedStringTest : public testing::Test {
     std::filesystem::path directory_;
 };
 
-TEST_F(NSLocalizedStringTest, WithoutATranslationTheEnglishTextIsRead) {
+TEST_F(NSLocalizedStringTest, withoutATranslationTheEnglishTextIsRead) {
     bind("fr_FR");
     EXPECT_EQ(NSLocalizedString("Today"), "Today");
     EXPECT_EQ(songs(0), "0 songs");
@@ -101,7 +101,7 @@ TEST_F(NSLocalizedStringTest, WithoutATranslationTheEnglishTextIsRead) {
     EXPECT_EQ(NSLocalizedString(""), "");
 }
 
-TEST_F(NSLocalizedStringTest, TheLanguageIsThatOfTheLocale) {
+TEST_F(NSLocalizedStringTest, theLanguageIsThatOfTheLocale) {
     bind("de_DE");
     EXPECT_EQ(NSLocalizedString("Today"), "Heute");
     EXPECT_EQ(NSLocalizedString("Yesterday"), "Yesterday");
@@ -111,7 +111,7 @@ TEST_F(NSLocalizedStringTest, TheLanguageIsThatOfTheLocale) {
     EXPECT_EQ(NSLocalizedString(""), "");
 }
 
-TEST_F(NSLocalizedStringTest, ALanguageHasItsOwnRuleForTheFormOfACount) {
+TEST_F(NSLocalizedStringTest, aLanguageHasItsOwnRuleForTheFormOfACount) {
     bind("pl_PL");
     EXPECT_EQ(songs(1), "1 utwór");
     EXPECT_EQ(songs(3), "3 utwory");
@@ -120,19 +120,19 @@ TEST_F(NSLocalizedStringTest, ALanguageHasItsOwnRuleForTheFormOfACount) {
     EXPECT_EQ(NSLocalizedString("Today"), "Today");
 }
 
-TEST_F(NSLocalizedStringTest, TheUsersListOfLanguagesComesFirst) {
+TEST_F(NSLocalizedStringTest, theUsersListOfLanguagesComesFirst) {
     ::setenv("LANGUAGE", "xx:pl:de", 1);
     bind("fr_FR");
     EXPECT_EQ(songs(3), "3 utwory");
     EXPECT_EQ(NSLocalizedString("Today"), "Heute");
 }
 
-TEST_F(NSLocalizedStringTest, ATranslationMayTakeItsValuesInAnotherOrder) {
+TEST_F(NSLocalizedStringTest, aTranslationMayTakeItsValuesInAnotherOrder) {
     bind("de_DE");
     EXPECT_EQ(stringWithFormat(NSLocalizedString("%@ of %@"), {"3", "10"}), "von 10: 3");
 }
 
-TEST(StringWithFormat, FillsThePlacesInTheirTurn) {
+TEST(StringWithFormat, fillsThePlacesInTheirTurn) {
     EXPECT_EQ(stringWithFormat("Today at %@", {std::string("15:04")}), "Today at 15:04");
     EXPECT_EQ(stringWithFormat("%lux", {12}), "12x");
     EXPECT_EQ(stringWithFormat("%ld", {-12}), "-12");
@@ -143,16 +143,16 @@ TEST(StringWithFormat, FillsThePlacesInTheirTurn) {
     EXPECT_EQ(stringWithFormat("plain", {"a"}), "plain");
 }
 
-TEST(StringWithFormat, TextsThatArePutInAreNotReadAgain) {
+TEST(StringWithFormat, textsThatArePutInAreNotReadAgain) {
     EXPECT_EQ(stringWithFormat("%@ %@", {"%@", "%lu"}), "%@ %lu");
 }
 
-TEST(StringWithFormat, APercentSignIsDoubled) {
+TEST(StringWithFormat, aPercentSignIsDoubled) {
     EXPECT_EQ(stringWithFormat("%lu%% of %@", {5, "all"}), "5% of all");
     EXPECT_EQ(stringWithFormat("100%%", {}), "100%");
 }
 
-TEST(StringWithFormat, WhatIsNoPlaceStays) {
+TEST(StringWithFormat, whatIsNoPlaceStays) {
     EXPECT_EQ(stringWithFormat("%", {"a"}), "%");
     EXPECT_EQ(stringWithFormat("50 % of %@", {"a"}), "50 % of a");
     EXPECT_EQ(stringWithFormat("%s %d %l", {"a"}), "%s %d %l");

@@ -42,14 +42,14 @@ class CaughtStandardError {
     std::array<int, 2> ends_{};
 };
 
-TEST(NSLog, PutsALineTogetherForThePluggedSink) {
+TEST(NSLog, putsALineTogetherForThePluggedSink) {
     KeptLines sink;
     const Port<LogSink>::Plug plug(sink);
     NSLog("{} of {} songs", 3, "many");
     EXPECT_EQ(sink.lines, std::vector<std::string>{"3 of many songs"});
 }
 
-TEST(NSLog, WithNoSinkNothingIsPutTogether) {
+TEST(NSLog, withNoSinkNothingIsPutTogether) {
     ASSERT_FALSE(Port<LogSink>::isPlugged());
     NSLog("{}", 1);
     KeptLines sink;
@@ -57,7 +57,7 @@ TEST(NSLog, WithNoSinkNothingIsPutTogether) {
     EXPECT_TRUE(sink.lines.empty());
 }
 
-TEST(StandardErrorLogSink, WritesEachLineAtOnce) {
+TEST(StandardErrorLogSink, writesEachLineAtOnce) {
     StandardErrorLogSink sink;
     CaughtStandardError standardError;
     sink.line("first");
@@ -66,7 +66,7 @@ TEST(StandardErrorLogSink, WritesEachLineAtOnce) {
     EXPECT_EQ(standardError.nextWrite(), "\n");
 }
 
-TEST(StandardErrorLogSink, LinesOfSeveralThreadsStayWhole) {
+TEST(StandardErrorLogSink, linesOfSeveralThreadsStayWhole) {
     StandardErrorLogSink sink;
     CaughtStandardError standardError;
     std::vector<std::thread> threads;

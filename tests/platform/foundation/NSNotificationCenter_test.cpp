@@ -15,7 +15,7 @@ namespace {
 
 using Observation = NSNotificationCenter::Observation;
 
-TEST(NSNotificationCenter, TellsBlocksOfThatNameInTheOrderOfRegistration) {
+TEST(NSNotificationCenter, tellsBlocksOfThatNameInTheOrderOfRegistration) {
     NSNotificationCenter centre;
     std::vector<int> told;
     const auto first = centre.addObserver("saved", nullptr, nullptr,
@@ -31,7 +31,7 @@ TEST(NSNotificationCenter, TellsBlocksOfThatNameInTheOrderOfRegistration) {
     EXPECT_EQ(centre.observerCount("nothing"), 0U);
 }
 
-TEST(NSNotificationCenter, ABlockForOneObjectHearsOfThatObjectOnly) {
+TEST(NSNotificationCenter, aBlockForOneObjectHearsOfThatObjectOnly) {
     NSNotificationCenter centre;
     const int here = 0;
     const int there = 0;
@@ -48,7 +48,7 @@ TEST(NSNotificationCenter, ABlockForOneObjectHearsOfThatObjectOnly) {
     EXPECT_EQ(countOfAll, 3);
 }
 
-TEST(NSNotificationCenter, CarriesValuesOfAnyType) {
+TEST(NSNotificationCenter, carriesValuesOfAnyType) {
     const NSNotification notification{"progress", nullptr, {{"done", 0.5}}};
     ASSERT_NE(notification.info<double>("done"), nullptr);
     EXPECT_EQ(*notification.info<double>("done"), 0.5);
@@ -56,7 +56,7 @@ TEST(NSNotificationCenter, CarriesValuesOfAnyType) {
     EXPECT_EQ(notification.info<double>("missing"), nullptr);
 }
 
-TEST(NSNotificationCenter, AnObservationEndsWithItsLife) {
+TEST(NSNotificationCenter, anObservationEndsWithItsLife) {
     NSNotificationCenter centre;
     int count = 0;
     const auto block = [&](const NSNotification&) { count += 1; };
@@ -70,7 +70,7 @@ TEST(NSNotificationCenter, AnObservationEndsWithItsLife) {
     EXPECT_EQ(centre.observerCount("saved"), 0U);
 }
 
-TEST(NSNotificationCenter, AssigningEndsTheFormerObservation) {
+TEST(NSNotificationCenter, assigningEndsTheFormerObservation) {
     NSNotificationCenter centre;
     Observation observation =
         centre.addObserver("first", nullptr, nullptr, [](const NSNotification&) {});
@@ -81,7 +81,7 @@ TEST(NSNotificationCenter, AssigningEndsTheFormerObservation) {
     EXPECT_EQ(centre.observerCount("second"), 0U);
 }
 
-TEST(NSNotificationCenter, AnObservationMayOutliveTheCentre) {
+TEST(NSNotificationCenter, anObservationMayOutliveTheCentre) {
     Observation observation;
     {
         NSNotificationCenter centre;
@@ -90,7 +90,7 @@ TEST(NSNotificationCenter, AnObservationMayOutliveTheCentre) {
     observation = Observation();
 }
 
-TEST(NSNotificationCenter, ANamedQueueRunsTheBlockLater) {
+TEST(NSNotificationCenter, aNamedQueueRunsTheBlockLater) {
     NSNotificationCenter centre;
     test::ManualExecutor queue;
     double heard = 0;
@@ -103,7 +103,7 @@ TEST(NSNotificationCenter, ANamedQueueRunsTheBlockLater) {
     EXPECT_EQ(heard, 0.25);
 }
 
-TEST(NSNotificationCenter, WorkThatWaitsOnAQueueIsDroppedWithItsObservation) {
+TEST(NSNotificationCenter, workThatWaitsOnAQueueIsDroppedWithItsObservation) {
     NSNotificationCenter centre;
     test::ManualExecutor queue;
     const auto held = std::make_shared<int>(0);
@@ -118,7 +118,7 @@ TEST(NSNotificationCenter, WorkThatWaitsOnAQueueIsDroppedWithItsObservation) {
     EXPECT_EQ(*held, 0);
 }
 
-TEST(NSNotificationCenter, ABlockMayPostAndObserve) {
+TEST(NSNotificationCenter, aBlockMayPostAndObserve) {
     NSNotificationCenter centre;
     std::vector<std::string> told;
     Observation late;
@@ -133,7 +133,7 @@ TEST(NSNotificationCenter, ABlockMayPostAndObserve) {
     EXPECT_EQ(told, std::vector<std::string>{"inner"});
 }
 
-TEST(NSNotificationCenter, ABlockMayEndItsOwnAndALaterObservation) {
+TEST(NSNotificationCenter, aBlockMayEndItsOwnAndALaterObservation) {
     NSNotificationCenter centre;
     int ownCount = 0;
     int laterCount = 0;
@@ -152,7 +152,7 @@ TEST(NSNotificationCenter, ABlockMayEndItsOwnAndALaterObservation) {
     EXPECT_EQ(laterCount, 0);
 }
 
-TEST(NSNotificationCenter, TheEndOfAnObservationWaitsForItsRunningBlock) {
+TEST(NSNotificationCenter, theEndOfAnObservationWaitsForItsRunningBlock) {
     NSNotificationCenter centre;
     std::promise<void> started;
     std::promise<void> mayEnd;
@@ -181,7 +181,7 @@ TEST(NSNotificationCenter, TheEndOfAnObservationWaitsForItsRunningBlock) {
 
 /// Blocks write what their Observation guards without a lock of their own: a block that ran on
 /// would be a data race.
-TEST(NSNotificationCenter, NoBlockRunsOnAfterItsObservationWhileOthersPost) {
+TEST(NSNotificationCenter, noBlockRunsOnAfterItsObservationWhileOthersPost) {
     NSNotificationCenter centre;
     std::atomic<bool> isOver = false;
     std::vector<std::thread> posters;
@@ -216,7 +216,7 @@ TEST(NSNotificationCenter, NoBlockRunsOnAfterItsObservationWhileOthersPost) {
     }
 }
 
-TEST(NSNotificationCenter, WorkOfANamedQueueEndsWithItsObservationWhileTheQueueRuns) {
+TEST(NSNotificationCenter, workOfANamedQueueEndsWithItsObservationWhileTheQueueRuns) {
     NSNotificationCenter centre;
     test::ManualExecutor queue;
     std::atomic<bool> isOver = false;
@@ -253,7 +253,7 @@ TEST(NSNotificationCenter, WorkOfANamedQueueEndsWithItsObservationWhileTheQueueR
     EXPECT_EQ(centre.observerCount("saved"), 0U);
 }
 
-TEST(NSNotificationCenter, TheDefaultCentreIsThePluggedOne) {
+TEST(NSNotificationCenter, theDefaultCentreIsThePluggedOne) {
     NSNotificationCenter centre;
     const Port<NSNotificationCenter>::Plug plug(centre);
     EXPECT_EQ(&NSNotificationCenter::defaultCenter(), &centre);

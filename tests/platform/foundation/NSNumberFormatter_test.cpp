@@ -33,7 +33,7 @@ struct ReadRow {
     std::optional<double> withComma;
 };
 
-TEST(NSNumberFormatter, ReadsANumberInTheSeparatorsOfTheLocale) {
+TEST(NSNumberFormatter, readsANumberInTheSeparatorsOfTheLocale) {
     const std::vector<ReadRow> rows{
         {"1234", 1234, 1234},
         {"1,234", 1234, 1.234},
@@ -69,7 +69,7 @@ TEST(NSNumberFormatter, ReadsANumberInTheSeparatorsOfTheLocale) {
     }
 }
 
-TEST(NSNumberFormatter, RefusesWhatIsNoNumber) {
+TEST(NSNumberFormatter, refusesWhatIsNoNumber) {
     for (const char* locale : {"en_US", "en_GB", "de_DE", "fr_FR", "ja_JP", "ar_EG"}) {
         for (const char* text : {"", " ", "abc", "12abc", "5-", "50%", "0x10", "1e3", "1E3", "+5",
                                  "(5)", "--5", "$5", "\u221E", "NaN", "nan", "1 2 3 x"}) {
@@ -78,7 +78,7 @@ TEST(NSNumberFormatter, RefusesWhatIsNoNumber) {
     }
 }
 
-TEST(NSNumberFormatter, WholeNumbersKeepAllTheirDigits) {
+TEST(NSNumberFormatter, wholeNumbersKeepAllTheirDigits) {
     const InLocale plugged("en_US");
     NSNumberFormatter formatter(NSNumberFormatterStyle::decimal);
     EXPECT_EQ(formatter.stringFromNumber(std::numeric_limits<std::int64_t>::max()),
@@ -87,7 +87,7 @@ TEST(NSNumberFormatter, WholeNumbersKeepAllTheirDigits) {
     EXPECT_EQ(formatter.stringFromNumber(-12), "-12");
 }
 
-TEST(NSNumberFormatter, TheStylesHaveTheirOwnNumberOfDigits) {
+TEST(NSNumberFormatter, theStylesHaveTheirOwnNumberOfDigits) {
     const InLocale plugged("en_US");
     EXPECT_EQ(NSNumberFormatter(NSNumberFormatterStyle::decimal).stringFromNumber(1.23456),
               "1.235");
@@ -98,7 +98,7 @@ TEST(NSNumberFormatter, TheStylesHaveTheirOwnNumberOfDigits) {
               "$0.00");
 }
 
-TEST(NSNumberFormatter, WhatIsNoNumberHasNoSign) {
+TEST(NSNumberFormatter, whatIsNoNumberHasNoSign) {
     const InLocale plugged("en_US");
     const NSNumberFormatter formatter(NSNumberFormatterStyle::percent);
     for (const double sign : {1.0, -1.0}) {
@@ -106,7 +106,7 @@ TEST(NSNumberFormatter, WhatIsNoNumberHasNoSign) {
     }
 }
 
-TEST(NSNumberFormatter, WhatIsSetOnItWinsOverTheRegion) {
+TEST(NSNumberFormatter, whatIsSetOnItWinsOverTheRegion) {
     const InLocale plugged("en_US");
     NSNumberFormatter formatter(NSNumberFormatterStyle::decimal);
     formatter.setLocale("de_DE");

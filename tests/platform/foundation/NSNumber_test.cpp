@@ -14,7 +14,7 @@ struct Row {
     const char* text;
 };
 
-TEST(NSNumber, TheTextOfADoubleHasSixteenDigits) {
+TEST(NSNumber, theTextOfADoubleHasSixteenDigits) {
     const Row rows[] = {
         {215.96, "215.96"},
         {0.1 + 0.2, "0.3"},
@@ -44,7 +44,7 @@ TEST(NSNumber, TheTextOfADoubleHasSixteenDigits) {
     }
 }
 
-TEST(NSNumber, AWholeNumberHasAllItsDigits) {
+TEST(NSNumber, aWholeNumberHasAllItsDigits) {
     EXPECT_EQ(NSNumber::stringValue(0), "0");
     EXPECT_EQ(NSNumber::stringValue(-7), "-7");
     EXPECT_EQ(NSNumber::stringValue(1999U), "1999");

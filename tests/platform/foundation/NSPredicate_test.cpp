@@ -32,7 +32,7 @@ void expectRelation(const Row& row, std::size_t index) {
     EXPECT_EQ(holds(Operator::greaterOrEqual), relation == '>' || relation == '=') << index;
 }
 
-TEST(NSPredicate, ValuesOfOneTypeAndNumbersOfAllTypesHaveAnOrder) {
+TEST(NSPredicate, valuesOfOneTypeAndNumbersOfAllTypesHaveAnOrder) {
     constexpr std::int64_t large = (std::int64_t{1} << 53) + 1;
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
@@ -73,7 +73,7 @@ TEST(NSPredicate, ValuesOfOneTypeAndNumbersOfAllTypesHaveAnOrder) {
     }
 }
 
-TEST(NSPredicate, AnAbsentValueEqualsOnlyAnAbsentOneAndHasNoOrder) {
+TEST(NSPredicate, anAbsentValueEqualsOnlyAnAbsentOneAndHasNoOrder) {
     const Value absent;
     for (const Value& other : {Value(0), Value(""), Value(false), Value(at(0))}) {
         EXPECT_FALSE(NSPredicate::compare(absent, Operator::equal, other));
@@ -91,7 +91,7 @@ TEST(NSPredicate, AnAbsentValueEqualsOnlyAnAbsentOneAndHasNoOrder) {
     EXPECT_FALSE(NSPredicate::compare(absent, Operator::greaterOrEqual, absent));
 }
 
-TEST(NSPredicate, JoinsItsPartsWithAndAndOr) {
+TEST(NSPredicate, joinsItsPartsWithAndAndOr) {
     const auto equals = [](std::string key, Value value) {
         return NSPredicate::comparison(std::move(key), Operator::equal, std::move(value));
     };
@@ -118,7 +118,7 @@ TEST(NSPredicate, JoinsItsPartsWithAndAndOr) {
     EXPECT_FALSE(any({}).evaluate(read));
 }
 
-TEST(NSPredicate, ShowsItsParts) {
+TEST(NSPredicate, showsItsParts) {
     const NSPredicate part = NSPredicate::comparison("date", Operator::less, at(1));
     const NSPredicate whole = NSPredicate::orPredicateWithSubpredicates({part});
     ASSERT_EQ(whole.kind(), NSPredicate::Kind::any);

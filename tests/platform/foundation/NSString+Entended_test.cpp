@@ -85,7 +85,7 @@ const std::vector<Row> commonRows{
     {"\xF0\x9F\x98\x80", "a", '<'},
 };
 
-TEST(LocalizedStandardCompare, OrdersAlikeInTheCommonLocales) {
+TEST(LocalizedStandardCompare, ordersAlikeInTheCommonLocales) {
     for (const char* locale : {"en_US", "en_GB", "de_DE", "fr_FR", "ja_JP", "ar_EG"}) {
         const InLocale plugged(locale);
         for (const Row& row : commonRows) {
@@ -94,7 +94,7 @@ TEST(LocalizedStandardCompare, OrdersAlikeInTheCommonLocales) {
     }
 }
 
-TEST(LocalizedStandardCompare, FollowsTheLocaleWhereLocalesDiffer) {
+TEST(LocalizedStandardCompare, followsTheLocaleWhereLocalesDiffer) {
     {
         const InLocale danish("da_DK");
         expectOrder("da_DK", {"a", "A", '>'});
@@ -112,7 +112,7 @@ TEST(LocalizedStandardCompare, FollowsTheLocaleWhereLocalesDiffer) {
     expectOrder("th_TH", {"file 2", "file2", '<'});
 }
 
-TEST(LocalizedStandardCompare, AnUnknownLocaleHasTheCommonOrder) {
+TEST(LocalizedStandardCompare, anUnknownLocaleHasTheCommonOrder) {
     const InLocale unknown("xx_XX");
     expectOrder("xx_XX", {"file2", "file10", '<'});
 }
@@ -121,7 +121,7 @@ char caselessRelation(const char* a, const char* b) {
     return relationOf(localizedCaseInsensitiveCompare(a, b));
 }
 
-TEST(LocalizedCaseInsensitiveCompare, TakesTextsThatDifferInCaseForTheSame) {
+TEST(LocalizedCaseInsensitiveCompare, takesTextsThatDifferInCaseForTheSame) {
     for (const char* locale : {"en_US", "en_GB", "de_DE", "fr_FR", "ja_JP", "ar_EG"}) {
         const InLocale plugged(locale);
         EXPECT_EQ(caselessRelation("a", "A"), '=') << locale;
@@ -136,7 +136,7 @@ TEST(LocalizedCaseInsensitiveCompare, TakesTextsThatDifferInCaseForTheSame) {
     }
 }
 
-TEST(LocalizedCaseInsensitiveCompare, DigitsAreSignsAndAccentsAndPunctuationCount) {
+TEST(LocalizedCaseInsensitiveCompare, digitsAreSignsAndAccentsAndPunctuationCount) {
     const InLocale plugged("en_US");
     EXPECT_EQ(caselessRelation("file2", "file10"), '>');
     EXPECT_EQ(caselessRelation("résumé", "resume"), '>');
@@ -144,7 +144,7 @@ TEST(LocalizedCaseInsensitiveCompare, DigitsAreSignsAndAccentsAndPunctuationCoun
     EXPECT_EQ(caselessRelation("", "a"), '<');
 }
 
-TEST(CaselessHashes, TextsThatCompareAsTheSameMayBeTheSame) {
+TEST(CaselessHashes, textsThatCompareAsTheSameMayBeTheSame) {
     const std::vector<std::string_view> texts{
         "a",       "A", "ＡＢＣ", "abc", "①",       "1", "あ", "ア", "é",       "E\u0301", "Straße",
         "STRASSE", "ﬁ", "fi",     "İ",   "i\u0307", "ı", "I",  "i",  "a\u00AD", "",        "file2"};
@@ -162,14 +162,14 @@ TEST(CaselessHashes, TextsThatCompareAsTheSameMayBeTheSame) {
     }
 }
 
-TEST(LocalizedStandardCompare, DifferentStringsAreNeverTheSame) {
+TEST(LocalizedStandardCompare, differentStringsAreNeverTheSame) {
     const InLocale plugged("en_US");
     expectOrder("en_US", {"\xEF\xBC\xA1", "A", '>'});
     expectOrder("en_US", {"\xFF", "\xFE", '>'});
     expectOrder("en_US", {"a\xE2\x80\x8D", "a", '>'});
 }
 
-TEST(LocalizedStandardCompare, SeveralThreadsAndLocalesAtOnce) {
+TEST(LocalizedStandardCompare, severalThreadsAndLocalesAtOnce) {
     for (int round = 0; round < 3; ++round) {
         const InLocale plugged(round % 2 == 0 ? "sv_SE" : "en_US");
         const char expected = round % 2 == 0 ? '>' : '<';
@@ -189,7 +189,7 @@ TEST(LocalizedStandardCompare, SeveralThreadsAndLocalesAtOnce) {
     }
 }
 
-TEST(CollationKeys, HaveTheOrderOfTheComparisonUpToItsTieBreaks) {
+TEST(CollationKeys, haveTheOrderOfTheComparisonUpToItsTieBreaks) {
     for (const char* locale : {"en_US", "ja_JP", "da_DK"}) {
         const InLocale plugged(locale);
         std::vector<std::string_view> texts;
@@ -210,7 +210,7 @@ TEST(CollationKeys, HaveTheOrderOfTheComparisonUpToItsTieBreaks) {
     }
 }
 
-TEST(CollationKeys, LeaveTheTieBreaksOut) {
+TEST(CollationKeys, leaveTheTieBreaksOut) {
     const InLocale plugged("en_US");
     const auto keys = collationKeys({"file2", "FILE02", "file3", "\xC3\xA9", "e\xCC\x81", "e"});
     EXPECT_EQ(keys[0], keys[1]);
@@ -219,7 +219,7 @@ TEST(CollationKeys, LeaveTheTieBreaksOut) {
     EXPECT_LT(keys[5], keys[3]);
 }
 
-TEST(CollationKeys, AnEmptyTextHasTheLeastKeyAndALongOneAWholeOne) {
+TEST(CollationKeys, anEmptyTextHasTheLeastKeyAndALongOneAWholeOne) {
     const InLocale plugged("en_US");
     const std::string longText(5000, 'x');
     const std::string longerText = longText + "a";
@@ -267,7 +267,7 @@ const std::vector<SmartRow> smartRows{
     {"\xAD!", "\xAD", '='},
 };
 
-TEST(SmartAlphabeticalCompare, LettersComeFirstAndPunctuationAroundIsIgnored) {
+TEST(SmartAlphabeticalCompare, lettersComeFirstAndPunctuationAroundIsIgnored) {
     const InLocale plugged("en_US");
     for (const SmartRow& row : smartRows) {
         const auto name = [](const auto& text) { return text.value_or("(absent)"); };
@@ -279,7 +279,7 @@ TEST(SmartAlphabeticalCompare, LettersComeFirstAndPunctuationAroundIsIgnored) {
     }
 }
 
-TEST(SmartAlphabeticalKeys, HaveTheOrderOfTheComparisonUpToItsTieBreaks) {
+TEST(SmartAlphabeticalKeys, haveTheOrderOfTheComparisonUpToItsTieBreaks) {
     const InLocale plugged("en_US");
     std::vector<std::optional<std::string>> texts;
     for (const SmartRow& row : smartRows) {
@@ -299,7 +299,7 @@ TEST(SmartAlphabeticalKeys, HaveTheOrderOfTheComparisonUpToItsTieBreaks) {
     EXPECT_NE(Entended::smartAlphabeticalKeys({"zebra"}), Entended::smartAlphabeticalKeys({"1"}));
 }
 
-TEST(StringBeginsWithNumeral, IsTrueOfAllButALetter) {
+TEST(StringBeginsWithNumeral, isTrueOfAllButALetter) {
     for (const char* text : {"1", "~", "$x", " a", "'a", "\xF0\x9D\x94\xB8", "\xF0\x9F\x98\x80",
                              "\xE2\x85\xA0", "\xE2\x92\xB6", "\xFFz", "\xE2\x80\x8Dz"}) {
         EXPECT_TRUE(Entended::stringBeginsWithNumeral(text)) << text;
@@ -310,7 +310,7 @@ TEST(StringBeginsWithNumeral, IsTrueOfAllButALetter) {
     }
 }
 
-TEST(StringValue, IsTheStringItself) {
+TEST(StringValue, isTheStringItself) {
     EXPECT_EQ(Entended::stringValue("7"), "7");
 }
 

@@ -15,7 +15,7 @@ using test::instant;
 using test::textInZone;
 using test::zoneNamed;
 
-TEST(NSTimeZone, UnknownNamesAreAbsent) {
+TEST(NSTimeZone, unknownNamesAreAbsent) {
     for (const char* name : {"", "Europe/Nowhere", "Europe", "/usr/share/zoneinfo/Europe/Berlin",
                              "../zoneinfo/Europe/Berlin", "libc:localtime", ":Europe/Berlin"}) {
         EXPECT_FALSE(NSTimeZone::timeZoneWithName(name).has_value()) << name;
@@ -25,7 +25,7 @@ TEST(NSTimeZone, UnknownNamesAreAbsent) {
     EXPECT_EQ(NSTimeZone().name(), "UTC");
 }
 
-TEST(NSTimeZone, OffsetsComeFromTheSystemsRules) {
+TEST(NSTimeZone, offsetsComeFromTheSystemsRules) {
     const NSTimeZone cairo = zoneNamed("Africa/Cairo");
     EXPECT_EQ(cairo.secondsFromGMTForDate(instant("2023-06-01T00:00:00Z")), 3 * 3600);
     EXPECT_EQ(cairo.secondsFromGMTForDate(instant("2023-01-01T00:00:00Z")), 2 * 3600);
@@ -33,7 +33,7 @@ TEST(NSTimeZone, OffsetsComeFromTheSystemsRules) {
     EXPECT_EQ(kolkata.secondsFromGMTForDate(instant("2024-01-01T00:00:00Z")), 19800);
 }
 
-TEST(NSTimeZone, AFractionBeforeAChangeIsStillBefore) {
+TEST(NSTimeZone, aFractionBeforeAChangeIsStillBefore) {
     const NSTimeZone zone = zoneNamed("Europe/Berlin");
     const NSDate change = instant("2024-03-31T01:00:00Z");
     EXPECT_EQ(textInZone(zone, change), "2024-03-31T03:00:00+02:00");
@@ -45,7 +45,7 @@ TEST(NSTimeZone, AFractionBeforeAChangeIsStillBefore) {
               "2000-12-31T23:59:59+00:00");
 }
 
-TEST(NSTimeZone, DaysAreCountedFrom1970) {
+TEST(NSTimeZone, daysAreCountedFrom1970) {
     EXPECT_EQ(CivilDay::fromDate(1970, 1, 1).number, 0);
     EXPECT_EQ(CivilDay::fromDate(1969, 12, 31).number, -1);
     EXPECT_EQ(CivilDay::fromDate(2000, 3, 1).number, 11017);
@@ -62,7 +62,7 @@ struct StartRow {
     const char* next;
 };
 
-TEST(NSTimeZone, ADayStartsAtItsFirstExistingInstant) {
+TEST(NSTimeZone, aDayStartsAtItsFirstExistingInstant) {
     const std::vector<StartRow> rows{
         {"America/New_York", 2024, 3, 10, "2024-03-10T00:00:00-05:00", "2024-03-11T00:00:00-04:00"},
         {"America/New_York", 2024, 11, 3, "2024-11-03T00:00:00-04:00", "2024-11-04T00:00:00-05:00"},
@@ -97,7 +97,7 @@ struct ReadingRow {
     const char* last;
 };
 
-TEST(NSTimeZone, WallClockReadingsInGapsMoveOnAndRepeatedOnesAreChosen) {
+TEST(NSTimeZone, wallClockReadingsInGapsMoveOnAndRepeatedOnesAreChosen) {
     const std::vector<ReadingRow> rows{
         {"America/New_York", {2024, 1, 5, 15, 4, 5}, "2024-01-05T15:04:05-05:00", nullptr},
         {"America/New_York", {2024, 3, 10, 2, 30, 0}, "2024-03-10T03:30:00-04:00", nullptr},
@@ -116,7 +116,7 @@ TEST(NSTimeZone, WallClockReadingsInGapsMoveOnAndRepeatedOnesAreChosen) {
     }
 }
 
-TEST(NSTimeZone, HugeInstantsAreHeldInsideTheRules) {
+TEST(NSTimeZone, hugeInstantsAreHeldInsideTheRules) {
     const double infinity = std::numeric_limits<double>::infinity();
     const NSTimeZone zone = zoneNamed("Europe/Berlin");
     const auto at = NSDate::dateWithTimeIntervalSinceReferenceDate;

@@ -14,7 +14,7 @@
 namespace tavrion::NSUUID {
 namespace {
 
-TEST(NSUUID, IdentifiersAreWellFormedUpperCaseAndRandom) {
+TEST(NSUUID, identifiersAreWellFormedUpperCaseAndRandom) {
     const std::string text = UUIDString();
     EXPECT_TRUE(stringIsValidUUID(text)) << text;
     EXPECT_TRUE(
@@ -23,7 +23,7 @@ TEST(NSUUID, IdentifiersAreWellFormedUpperCaseAndRandom) {
     EXPECT_NE(std::string("89AB").find(text[19]), std::string::npos) << text;
 }
 
-TEST(NSUUID, SeveralThreadsNeverGetTheSame) {
+TEST(NSUUID, severalThreadsNeverGetTheSame) {
     constexpr std::size_t threadCount = 4;
     constexpr std::size_t each = 500;
     std::vector<std::vector<std::string>> made(threadCount);
@@ -43,7 +43,7 @@ TEST(NSUUID, SeveralThreadsNeverGetTheSame) {
     EXPECT_EQ(all.size(), threadCount * each);
 }
 
-TEST(NSUUID, AForkedProcessGivesOthers) {
+TEST(NSUUID, aForkedProcessGivesOthers) {
     // So that some of the random numbers are already fetched.
     UUIDString();
     std::array<int, 2> ends{};
@@ -66,7 +66,7 @@ TEST(NSUUID, AForkedProcessGivesOthers) {
     EXPECT_NE(childs, UUIDString());
 }
 
-TEST(NSUUID, WellFormedOnesAreValid) {
+TEST(NSUUID, wellFormedOnesAreValid) {
     for (const char* text :
          {"68753A44-4D6F-1226-9C60-0050E4C00067", "68753a44-4d6f-1226-9c60-0050e4c00067",
           "68753A44-4d6F-1226-9c60-0050E4c00067", "00000000-0000-0000-0000-000000000000",
@@ -75,7 +75,7 @@ TEST(NSUUID, WellFormedOnesAreValid) {
     }
 }
 
-TEST(NSUUID, OthersAreNot) {
+TEST(NSUUID, othersAreNot) {
     for (const char* text :
          {"", "{68753A44-4D6F-1226-9C60-0050E4C00067}",
           "urn:uuid:68753A44-4D6F-1226-9C60-0050E4C00067", "68753A444D6F12269C600050E4C00067",

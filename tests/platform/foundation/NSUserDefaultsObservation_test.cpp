@@ -21,7 +21,7 @@ NSUserDefaults::Observer into(Told& told) {
 
 class NSUserDefaultsObservation : public test::DefaultsTest {};
 
-TEST_F(NSUserDefaultsObservation, TellsEachNewValueOfItsKeyAndNothingElse) {
+TEST_F(NSUserDefaultsObservation, tellsEachNewValueOfItsKeyAndNothingElse) {
     const auto defaults = opened();
     Told told;
     const auto observation = defaults->addObserver("key", nullptr, into(told));
@@ -34,7 +34,7 @@ TEST_F(NSUserDefaultsObservation, TellsEachNewValueOfItsKeyAndNothingElse) {
     EXPECT_EQ(told, (Told{{"key", Value(1)}, {"key", Value("text")}, {"key", Value()}}));
 }
 
-TEST_F(NSUserDefaultsObservation, WorksInMemoryToo) {
+TEST_F(NSUserDefaultsObservation, worksInMemoryToo) {
     const auto defaults = NSUserDefaults::inMemory();
     Told told;
     const auto observation = defaults->addObserver("key", nullptr, into(told));
@@ -43,7 +43,7 @@ TEST_F(NSUserDefaultsObservation, WorksInMemoryToo) {
     EXPECT_EQ(told, (Told{{"key", Value(1)}}));
 }
 
-TEST_F(NSUserDefaultsObservation, TellsAtOnceWhatIsStillGathered) {
+TEST_F(NSUserDefaultsObservation, tellsAtOnceWhatIsStillGathered) {
     const auto defaults = opened();
     Told told;
     const auto observation = defaults->addObserver("key", nullptr, into(told));
@@ -55,7 +55,7 @@ TEST_F(NSUserDefaultsObservation, TellsAtOnceWhatIsStillGathered) {
     EXPECT_EQ(told, (Told{{"key", Value(1)}}));
 }
 
-TEST_F(NSUserDefaultsObservation, TellsWhatCouldNotBeWritten) {
+TEST_F(NSUserDefaultsObservation, tellsWhatCouldNotBeWritten) {
     const auto defaults = opened();
     Told told;
     const auto observation = defaults->addObserver("key", nullptr, into(told));
@@ -66,7 +66,7 @@ TEST_F(NSUserDefaultsObservation, TellsWhatCouldNotBeWritten) {
     EXPECT_EQ(told, (Told{{"key", Value(1)}}));
 }
 
-TEST_F(NSUserDefaultsObservation, TellsWhatAnotherWriterChangedAtTheNextRead) {
+TEST_F(NSUserDefaultsObservation, tellsWhatAnotherWriterChangedAtTheNextRead) {
     const auto mine = opened();
     const auto theirs = opened();
     theirs->setObject("gone", 1);
@@ -84,7 +84,7 @@ TEST_F(NSUserDefaultsObservation, TellsWhatAnotherWriterChangedAtTheNextRead) {
     EXPECT_EQ(told.size(), 2u);
 }
 
-TEST_F(NSUserDefaultsObservation, TellsWhatAWriteFindsInTheFile) {
+TEST_F(NSUserDefaultsObservation, tellsWhatAWriteFindsInTheFile) {
     const auto mine = opened();
     Told told;
     const auto observation = mine->addObserver("key", nullptr, into(told));
@@ -93,7 +93,7 @@ TEST_F(NSUserDefaultsObservation, TellsWhatAWriteFindsInTheFile) {
     EXPECT_EQ(told, (Told{{"key", Value(1)}}));
 }
 
-TEST_F(NSUserDefaultsObservation, AnOwnValueThatWaitsHidesAnotherWritersValue) {
+TEST_F(NSUserDefaultsObservation, anOwnValueThatWaitsHidesAnotherWritersValue) {
     const auto mine = opened();
     Told told;
     mine->beginGathering();
@@ -106,7 +106,7 @@ TEST_F(NSUserDefaultsObservation, AnOwnValueThatWaitsHidesAnotherWritersValue) {
     EXPECT_EQ(opened()->integerForKey("key"), 1);
 }
 
-TEST_F(NSUserDefaultsObservation, EndsWithItsObject) {
+TEST_F(NSUserDefaultsObservation, endsWithItsObject) {
     const auto defaults = NSUserDefaults::inMemory();
     Told told;
     {
@@ -118,7 +118,7 @@ TEST_F(NSUserDefaultsObservation, EndsWithItsObject) {
     EXPECT_EQ(told.size(), 1u);
 }
 
-TEST_F(NSUserDefaultsObservation, AssigningAnotherOneEndsTheFirst) {
+TEST_F(NSUserDefaultsObservation, assigningAnotherOneEndsTheFirst) {
     const auto defaults = NSUserDefaults::inMemory();
     Told first;
     Told second;
@@ -132,7 +132,7 @@ TEST_F(NSUserDefaultsObservation, AssigningAnotherOneEndsTheFirst) {
     EXPECT_EQ(second.size(), 1u);
 }
 
-TEST_F(NSUserDefaultsObservation, MayOutliveTheDefaults) {
+TEST_F(NSUserDefaultsObservation, mayOutliveTheDefaults) {
     Told told;
     auto defaults = NSUserDefaults::inMemory();
     const auto observation = defaults->addObserver("key", nullptr, into(told));
@@ -140,7 +140,7 @@ TEST_F(NSUserDefaultsObservation, MayOutliveTheDefaults) {
     EXPECT_TRUE(told.empty());
 }
 
-TEST_F(NSUserDefaultsObservation, RunsOnItsQueueAndIsDroppedThereWhenItIsGone) {
+TEST_F(NSUserDefaultsObservation, runsOnItsQueueAndIsDroppedThereWhenItIsGone) {
     const auto defaults = NSUserDefaults::inMemory();
     test::ManualExecutor queue;
     Told told;
@@ -156,7 +156,7 @@ TEST_F(NSUserDefaultsObservation, RunsOnItsQueueAndIsDroppedThereWhenItIsGone) {
     EXPECT_EQ(told.size(), 1u);
 }
 
-TEST_F(NSUserDefaultsObservation, MayReadWriteAndEndItselfInsideTheCall) {
+TEST_F(NSUserDefaultsObservation, mayReadWriteAndEndItselfInsideTheCall) {
     const auto defaults = opened();
     std::optional<NSUserDefaults::Observation> observation;
     int calls = 0;
@@ -172,7 +172,7 @@ TEST_F(NSUserDefaultsObservation, MayReadWriteAndEndItselfInsideTheCall) {
     EXPECT_EQ(opened()->integerForKey("key"), 2);
 }
 
-TEST_F(NSUserDefaultsObservation, ItsDestructorWaitsForTheCallThatIsRunning) {
+TEST_F(NSUserDefaultsObservation, itsDestructorWaitsForTheCallThatIsRunning) {
     const auto defaults = NSUserDefaults::inMemory();
     std::atomic<bool> isInside{false};
     std::atomic<bool> isEnding{false};
@@ -198,7 +198,7 @@ TEST_F(NSUserDefaultsObservation, ItsDestructorWaitsForTheCallThatIsRunning) {
     writer.join();
 }
 
-TEST_F(NSUserDefaultsObservation, IsNeverCalledAfterItsDestructorHasReturned) {
+TEST_F(NSUserDefaultsObservation, isNeverCalledAfterItsDestructorHasReturned) {
     const auto defaults = NSUserDefaults::inMemory();
     std::atomic<bool> isDone{false};
     std::thread writer([&] {

@@ -49,7 +49,7 @@ class NSUserDefaultsSharing : public test::DefaultsTest {
     }
 };
 
-TEST_F(NSUserDefaultsSharing, AReaderNoticesTheWriteOfAnotherObject) {
+TEST_F(NSUserDefaultsSharing, aReaderNoticesTheWriteOfAnotherObject) {
     const auto reader = opened();
     const auto writer = opened();
     EXPECT_TRUE(reader->objectForKey("key").isAbsent());
@@ -61,7 +61,7 @@ TEST_F(NSUserDefaultsSharing, AReaderNoticesTheWriteOfAnotherObject) {
     EXPECT_TRUE(reader->objectForKey("key").isAbsent());
 }
 
-TEST_F(NSUserDefaultsSharing, AReaderNoticesEveryOneOfManyQuickWritesOfTheSameSize) {
+TEST_F(NSUserDefaultsSharing, aReaderNoticesEveryOneOfManyQuickWritesOfTheSameSize) {
     const auto reader = opened();
     const auto first = opened();
     const auto second = opened();
@@ -74,7 +74,7 @@ TEST_F(NSUserDefaultsSharing, AReaderNoticesEveryOneOfManyQuickWritesOfTheSameSi
 
 // Writes may follow each other faster than the clock of the file system ticks, and an inode number
 // that became free is given away at once.
-TEST_F(NSUserDefaultsSharing, AReaderNoticesAFileOfTheSameSizeAndTime) {
+TEST_F(NSUserDefaultsSharing, aReaderNoticesAFileOfTheSameSizeAndTime) {
     opened()->setObject("key", 1);
     const auto reader = opened();
     const timespec times[2] = {status().st_atim, status().st_mtim};
@@ -87,7 +87,7 @@ TEST_F(NSUserDefaultsSharing, AReaderNoticesAFileOfTheSameSizeAndTime) {
     EXPECT_EQ(reader->integerForKey("key"), 5);
 }
 
-TEST_F(NSUserDefaultsSharing, WritersWhoNeverReadKeepEachOthersKeys) {
+TEST_F(NSUserDefaultsSharing, writersWhoNeverReadKeepEachOthersKeys) {
     const auto first = opened();
     const auto second = opened();
     for (int number = 0; number < 5; ++number) {
@@ -97,7 +97,7 @@ TEST_F(NSUserDefaultsSharing, WritersWhoNeverReadKeepEachOthersKeys) {
     expectAllKeys(2, 5);
 }
 
-TEST_F(NSUserDefaultsSharing, AGatheringKeepsWhatOthersWriteMeanwhile) {
+TEST_F(NSUserDefaultsSharing, aGatheringKeepsWhatOthersWriteMeanwhile) {
     const auto gatherer = opened();
     gatherer->setObject(keyOf(0, 0), 0);
     {
@@ -110,7 +110,7 @@ TEST_F(NSUserDefaultsSharing, AGatheringKeepsWhatOthersWriteMeanwhile) {
     expectAllKeys(2, 2);
 }
 
-TEST_F(NSUserDefaultsSharing, SeveralProcessesLoseNothing) {
+TEST_F(NSUserDefaultsSharing, severalProcessesLoseNothing) {
     constexpr int writers = 5;
     constexpr int numbers = 20;
     std::vector<pid_t> processes;
@@ -130,7 +130,7 @@ TEST_F(NSUserDefaultsSharing, SeveralProcessesLoseNothing) {
     expectAllKeys(writers, numbers);
 }
 
-TEST_F(NSUserDefaultsSharing, SeveralThreadsOnSeveralObjectsLoseNothing) {
+TEST_F(NSUserDefaultsSharing, severalThreadsOnSeveralObjectsLoseNothing) {
     constexpr int writers = 4;
     constexpr int numbers = 20;
     const auto first = opened();
@@ -168,7 +168,7 @@ TEST_F(NSUserDefaultsSharing, SeveralThreadsOnSeveralObjectsLoseNothing) {
     expectAllKeys(writers, numbers);
 }
 
-TEST_F(NSUserDefaultsSharing, AProcessKilledWhileItWritesLeavesAWholeFile) {
+TEST_F(NSUserDefaultsSharing, aProcessKilledWhileItWritesLeavesAWholeFile) {
     opened()->setObject("before", std::string(20000, 'x'));
     const pid_t process = startProcess([this] {
         const auto defaults = NSUserDefaults::open(file);

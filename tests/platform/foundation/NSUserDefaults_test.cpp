@@ -50,7 +50,7 @@ class ReplacementCounter {
 
 class NSUserDefaultsTest : public test::DefaultsTest {};
 
-TEST_F(NSUserDefaultsTest, AMissingKeyReadsAsAbsentNoOrZero) {
+TEST_F(NSUserDefaultsTest, aMissingKeyReadsAsAbsentNoOrZero) {
     const auto defaults = opened();
     EXPECT_TRUE(defaults->objectForKey("key").isAbsent());
     EXPECT_FALSE(defaults->boolForKey("key"));
@@ -63,14 +63,14 @@ TEST_F(NSUserDefaultsTest, AMissingKeyReadsAsAbsentNoOrZero) {
     EXPECT_TRUE(defaults->dictionaryRepresentation().empty());
 }
 
-TEST_F(NSUserDefaultsTest, ReadingAndRemovingWhatIsNotThereMakesNoFile) {
+TEST_F(NSUserDefaultsTest, readingAndRemovingWhatIsNotThereMakesNoFile) {
     const auto defaults = opened();
     defaults->objectForKey("key");
     defaults->removeObject("key");
     EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
-TEST_F(NSUserDefaultsTest, KeepsValuesOfEveryTypeFromOneOpeningToTheNext) {
+TEST_F(NSUserDefaultsTest, keepsValuesOfEveryTypeFromOneOpeningToTheNext) {
     const auto date = NSDate::dateWithTimeIntervalSinceReferenceDate(794059200.1234567);
     const Value::Dictionary values{{"bool", true},
                                    {"integer", std::int64_t{-9007199254740993}},
@@ -98,7 +98,7 @@ TEST_F(NSUserDefaultsTest, KeepsValuesOfEveryTypeFromOneOpeningToTheNext) {
     EXPECT_EQ(reader->dictionaryForKey("dictionary"), (Value::Dictionary{{"in", Value(date)}}));
 }
 
-TEST_F(NSUserDefaultsTest, ReadsNumbersAcrossTheirTypes) {
+TEST_F(NSUserDefaultsTest, readsNumbersAcrossTheirTypes) {
     const auto defaults = NSUserDefaults::inMemory();
     struct Row {
         Value value;
@@ -118,7 +118,7 @@ TEST_F(NSUserDefaultsTest, ReadsNumbersAcrossTheirTypes) {
     }
 }
 
-TEST_F(NSUserDefaultsTest, AValueOfAnotherTypeReadsAsAbsent) {
+TEST_F(NSUserDefaultsTest, aValueOfAnotherTypeReadsAsAbsent) {
     const auto defaults = NSUserDefaults::inMemory();
     defaults->setObject("key", 5.0);
     EXPECT_EQ(defaults->dateForKey("key"), std::nullopt);
@@ -126,7 +126,7 @@ TEST_F(NSUserDefaultsTest, AValueOfAnotherTypeReadsAsAbsent) {
     EXPECT_EQ(defaults->dataForKey("key"), std::nullopt);
 }
 
-TEST_F(NSUserDefaultsTest, KeysAreAnyText) {
+TEST_F(NSUserDefaultsTest, keysAreAnyText) {
     const std::string withZero("a\0b", 3);
     for (const std::string& key :
          {std::string(), std::string("Größe 😀"), std::string("<&>\"'"),
@@ -137,7 +137,7 @@ TEST_F(NSUserDefaultsTest, KeysAreAnyText) {
     EXPECT_EQ(opened()->dictionaryRepresentation().size(), 6u);
 }
 
-TEST_F(NSUserDefaultsTest, TextThatAListCannotHoldReadsTheSameBeforeAndAfterOpeningAgain) {
+TEST_F(NSUserDefaultsTest, textThatAListCannotHoldReadsTheSameBeforeAndAfterOpeningAgain) {
     const auto defaults = opened();
     defaults->setObject("key", std::string("a\xFFz\0end", 7));
     EXPECT_EQ(defaults->stringForKey("key"),
@@ -146,7 +146,7 @@ TEST_F(NSUserDefaultsTest, TextThatAListCannotHoldReadsTheSameBeforeAndAfterOpen
     EXPECT_EQ(opened()->stringForKey("key"), defaults->stringForKey("key"));
 }
 
-TEST_F(NSUserDefaultsTest, RemovesAKeyFromMemoryAndFile) {
+TEST_F(NSUserDefaultsTest, removesAKeyFromMemoryAndFile) {
     const auto defaults = opened();
     defaults->setObject("a", 1);
     defaults->setObject("b", 2);
@@ -157,7 +157,7 @@ TEST_F(NSUserDefaultsTest, RemovesAKeyFromMemoryAndFile) {
     EXPECT_EQ(opened()->dictionaryRepresentation(), (Value::Dictionary{{"c", Value(3)}}));
 }
 
-TEST_F(NSUserDefaultsTest, TheSameValueAgainDoesNotTouchTheFile) {
+TEST_F(NSUserDefaultsTest, theSameValueAgainDoesNotTouchTheFile) {
     const auto defaults = opened();
     defaults->setObject("key", Value::Array{Value(1.5), Value("x")});
     ReplacementCounter counter(file);
@@ -170,14 +170,14 @@ TEST_F(NSUserDefaultsTest, TheSameValueAgainDoesNotTouchTheFile) {
     EXPECT_EQ(status().st_mtim.tv_nsec, before.st_mtim.tv_nsec);
 }
 
-TEST_F(NSUserDefaultsTest, AnotherTypeOfTheSameNumberIsAnotherValue) {
+TEST_F(NSUserDefaultsTest, anotherTypeOfTheSameNumberIsAnotherValue) {
     const auto defaults = opened();
     defaults->setObject("key", 1);
     defaults->setObject("key", true);
     EXPECT_EQ(opened()->objectForKey("key"), Value(true));
 }
 
-TEST_F(NSUserDefaultsTest, GatheredWritesAreOneWrite) {
+TEST_F(NSUserDefaultsTest, gatheredWritesAreOneWrite) {
     const auto defaults = opened();
     defaults->setObject("before", 1);
     ReplacementCounter counter(file);
@@ -196,7 +196,7 @@ TEST_F(NSUserDefaultsTest, GatheredWritesAreOneWrite) {
     EXPECT_EQ(opened()->dictionaryRepresentation().size(), 22u);
 }
 
-TEST_F(NSUserDefaultsTest, GatheredWritesThatEndWhereTheyBeganWriteNothing) {
+TEST_F(NSUserDefaultsTest, gatheredWritesThatEndWhereTheyBeganWriteNothing) {
     const auto defaults = opened();
     defaults->setObject("key", 1);
     ReplacementCounter counter(file);
@@ -209,7 +209,7 @@ TEST_F(NSUserDefaultsTest, GatheredWritesThatEndWhereTheyBeganWriteNothing) {
     EXPECT_EQ(counter.count(), 0);
 }
 
-TEST_F(NSUserDefaultsTest, SynchronizeWritesBeforeTheGatheringEnds) {
+TEST_F(NSUserDefaultsTest, synchronizeWritesBeforeTheGatheringEnds) {
     const auto defaults = opened();
     const GatheredDefaultsWrites gathered(*defaults);
     defaults->setObject("key", 1);
@@ -217,7 +217,7 @@ TEST_F(NSUserDefaultsTest, SynchronizeWritesBeforeTheGatheringEnds) {
     EXPECT_EQ(opened()->integerForKey("key"), 1);
 }
 
-TEST_F(NSUserDefaultsTest, TheEndOfTheObjectWritesWhatIsStillGathered) {
+TEST_F(NSUserDefaultsTest, theEndOfTheObjectWritesWhatIsStillGathered) {
     {
         const auto defaults = opened();
         defaults->beginGathering();
@@ -226,7 +226,7 @@ TEST_F(NSUserDefaultsTest, TheEndOfTheObjectWritesWhatIsStillGathered) {
     EXPECT_EQ(opened()->integerForKey("key"), 1);
 }
 
-TEST_F(NSUserDefaultsTest, InMemoryThereIsNoFile) {
+TEST_F(NSUserDefaultsTest, inMemoryThereIsNoFile) {
     const auto defaults = NSUserDefaults::inMemory();
     {
         const GatheredDefaultsWrites gathered(*defaults);
@@ -239,13 +239,13 @@ TEST_F(NSUserDefaultsTest, InMemoryThereIsNoFile) {
     EXPECT_TRUE(NSUserDefaults::inMemory()->dictionaryRepresentation().empty());
 }
 
-TEST_F(NSUserDefaultsTest, ThePluggedObjectIsTheStandardOne) {
+TEST_F(NSUserDefaultsTest, thePluggedObjectIsTheStandardOne) {
     const auto defaults = NSUserDefaults::inMemory();
     const Port<NSUserDefaults>::Plug plug(*defaults);
     EXPECT_EQ(&NSUserDefaults::standardUserDefaults(), defaults.get());
 }
 
-TEST_F(NSUserDefaultsTest, AFirstFileIsForItsUserAloneAndLaterOnesKeepItsRights) {
+TEST_F(NSUserDefaultsTest, aFirstFileIsForItsUserAloneAndLaterOnesKeepItsRights) {
     const auto defaults = opened();
     defaults->setObject("key", 1);
     EXPECT_EQ(status().st_mode & 07777, 0600u);
@@ -254,7 +254,7 @@ TEST_F(NSUserDefaultsTest, AFirstFileIsForItsUserAloneAndLaterOnesKeepItsRights)
     EXPECT_EQ(status().st_mode & 07777, 0640u);
 }
 
-TEST_F(NSUserDefaultsTest, ALinkToTheFileStaysALink) {
+TEST_F(NSUserDefaultsTest, aLinkToTheFileStaysALink) {
     const auto target = folder / "elsewhere.plist";
     std::filesystem::create_symlink(target, file);
     std::ofstream(target) << R"(<plist version="1.0"><dict/></plist>)";
@@ -263,7 +263,7 @@ TEST_F(NSUserDefaultsTest, ALinkToTheFileStaysALink) {
     EXPECT_EQ(opened()->integerForKey("key"), 1);
 }
 
-TEST_F(NSUserDefaultsTest, ARelativePathIsFollowedOnce) {
+TEST_F(NSUserDefaultsTest, aRelativePathIsFollowedOnce) {
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(folder);
     const auto defaults = NSUserDefaults::open("defaults.plist");
@@ -273,7 +273,7 @@ TEST_F(NSUserDefaultsTest, ARelativePathIsFollowedOnce) {
     EXPECT_EQ(opened()->integerForKey("key"), 1);
 }
 
-TEST_F(NSUserDefaultsTest, LeavesNothingButTheFileAndItsLock) {
+TEST_F(NSUserDefaultsTest, leavesNothingButTheFileAndItsLock) {
     std::ofstream(folder / "defaults.plist.new") << std::string(10000, 'x');
     opened()->setObject("key", 1);
     EXPECT_TRUE(std::filesystem::exists(folder / "defaults.plist.lock"));
@@ -281,7 +281,7 @@ TEST_F(NSUserDefaultsTest, LeavesNothingButTheFileAndItsLock) {
     EXPECT_EQ(opened()->integerForKey("key"), 1);
 }
 
-TEST_F(NSUserDefaultsTest, AnXmlListIsReadAndBecomesABinaryOne) {
+TEST_F(NSUserDefaultsTest, anXmlListIsReadAndBecomesABinaryOne) {
     writeBytes(
         R"(<plist version="1.0"><dict><key>a</key><date>2026-03-01T12:00:00Z</date></dict></plist>)");
     opened()->setObject("b", 1);
@@ -289,7 +289,7 @@ TEST_F(NSUserDefaultsTest, AnXmlListIsReadAndBecomesABinaryOne) {
     EXPECT_EQ(opened()->dateForKey("a"), dateFromIsoText("2026-03-01T12:00:00Z"));
 }
 
-TEST_F(NSUserDefaultsTest, ADamagedFileIsAnErrorThatNamesItAndStaysAsItIs) {
+TEST_F(NSUserDefaultsTest, aDamagedFileIsAnErrorThatNamesItAndStaysAsItIs) {
     for (const char* content :
          {"", "not a list", "bplist00 cut off", "<plist version=\"1.0\"><array/></plist>"}) {
         writeBytes(content);
@@ -301,7 +301,7 @@ TEST_F(NSUserDefaultsTest, ADamagedFileIsAnErrorThatNamesItAndStaysAsItIs) {
     }
 }
 
-TEST_F(NSUserDefaultsTest, WhatIsNoFileIsAnError) {
+TEST_F(NSUserDefaultsTest, whatIsNoFileIsAnError) {
     std::filesystem::create_directory(file);
     const auto fromFolder = NSUserDefaults::open(file);
     ASSERT_FALSE(fromFolder.ok());
@@ -311,7 +311,7 @@ TEST_F(NSUserDefaultsTest, WhatIsNoFileIsAnError) {
     EXPECT_FALSE(NSUserDefaults::open(file).ok());
 }
 
-TEST_F(NSUserDefaultsTest, AFileThatGetsDamagedIsNotWrittenOverAndSynchronizeTells) {
+TEST_F(NSUserDefaultsTest, aFileThatGetsDamagedIsNotWrittenOverAndSynchronizeTells) {
     const auto defaults = opened();
     defaults->setObject("old", 1);
     const std::string good = bytes();
@@ -332,7 +332,7 @@ TEST_F(NSUserDefaultsTest, AFileThatGetsDamagedIsNotWrittenOverAndSynchronizeTel
               (Value::Dictionary{{"new", Value(2)}, {"old", Value(3)}}));
 }
 
-TEST_F(NSUserDefaultsTest, DamageIsToldAlsoWhenNothingWaitsToBeWritten) {
+TEST_F(NSUserDefaultsTest, damageIsReportedAlsoWhenNothingWaitsToBeWritten) {
     const auto defaults = opened();
     defaults->setObject("key", 1);
     writeBytes("damaged");
@@ -343,7 +343,7 @@ TEST_F(NSUserDefaultsTest, DamageIsToldAlsoWhenNothingWaitsToBeWritten) {
 class WriteThatFails : public NSUserDefaultsTest,
                        public ::testing::WithParamInterface<const char*> {};
 
-TEST_P(WriteThatFails, KeepsTheValueInMemoryTellsAndIsTriedAgain) {
+TEST_P(WriteThatFails, keepsTheValueInMemoryTellsAndIsTriedAgain) {
     const auto defaults = opened();
     defaults->setObject("key", 1);
     const std::string before = bytes();
@@ -364,7 +364,7 @@ TEST_P(WriteThatFails, KeepsTheValueInMemoryTellsAndIsTriedAgain) {
     EXPECT_TRUE(defaults->synchronize().ok());
 }
 
-TEST_P(WriteThatFails, IsTriedAgainWhenTheSameValueIsSet) {
+TEST_P(WriteThatFails, isTriedAgainWhenTheSameValueIsSet) {
     const auto defaults = opened();
     const auto obstacle = folder / GetParam();
     std::filesystem::create_directory(obstacle);
@@ -377,7 +377,7 @@ TEST_P(WriteThatFails, IsTriedAgainWhenTheSameValueIsSet) {
 INSTANTIATE_TEST_SUITE_P(Obstacles, WriteThatFails,
                          ::testing::Values("defaults.plist.new", "defaults.plist.lock"));
 
-TEST_F(NSUserDefaultsTest, ARemovedFileIsAnEmptyList) {
+TEST_F(NSUserDefaultsTest, aRemovedFileIsAnEmptyList) {
     const auto defaults = opened();
     defaults->setObject("key", 1);
     std::filesystem::remove(file);
@@ -386,7 +386,7 @@ TEST_F(NSUserDefaultsTest, ARemovedFileIsAnEmptyList) {
     EXPECT_EQ(opened()->dictionaryRepresentation(), (Value::Dictionary{{"other", Value(2)}}));
 }
 
-TEST_F(NSUserDefaultsTest, ADamagedFileThatIsRemovedIsAnEmptyListToo) {
+TEST_F(NSUserDefaultsTest, aDamagedFileThatIsRemovedIsAnEmptyListToo) {
     const auto defaults = opened();
     writeBytes("damaged");
     EXPECT_FALSE(defaults->synchronize().ok());
@@ -396,7 +396,7 @@ TEST_F(NSUserDefaultsTest, ADamagedFileThatIsRemovedIsAnEmptyListToo) {
 
 using NSUserDefaultsDeathTest = NSUserDefaultsTest;
 
-TEST_F(NSUserDefaultsDeathTest, AReferenceAndAGatheringThatNeverBeganAreBrokenPromises) {
+TEST_F(NSUserDefaultsDeathTest, aReferenceAndAGatheringThatNeverBeganAreBrokenPromises) {
     const auto defaults = NSUserDefaults::inMemory();
     EXPECT_DEATH(defaults->setObject("key", ObjectReference{7}), "reference");
     EXPECT_DEATH(defaults->endGathering(), "gathering");

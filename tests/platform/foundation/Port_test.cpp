@@ -10,7 +10,7 @@ struct Socket {
     int number = 0;
 };
 
-TEST(Port, GivesWhatIsPluggedAndPutsBackWhatWasThereBefore) {
+TEST(Port, givesWhatIsPluggedAndPutsBackWhatWasThereBefore) {
     EXPECT_FALSE(Port<Socket>::isPlugged());
     Socket outer{1};
     Socket inner{2};
@@ -27,7 +27,7 @@ TEST(Port, GivesWhatIsPluggedAndPutsBackWhatWasThereBefore) {
     EXPECT_FALSE(Port<Socket>::isPlugged());
 }
 
-TEST(PortDeathTest, AnEmptyPortEndsTheProcessWithItsName) {
+TEST(PortDeathTest, anEmptyPortEndsTheProcessWithItsName) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(Port<Socket>::current(), "a socket is plugged in");
 }

@@ -5,12 +5,12 @@
 namespace tavrion {
 namespace {
 
-TEST(PreconditionDeathTest, ABrokenPromiseEndsTheProcessWithItsText) {
+TEST(PreconditionDeathTest, aBrokenPromiseEndsTheProcessWithItsText) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(precondition(false, "the promise of this test"), "the promise of this test");
 }
 
-TEST(Precondition, AKeptPromiseDoesNothing) {
+TEST(Precondition, aKeptPromiseDoesNothing) {
     precondition(true, "the promise of this test");
 }
 

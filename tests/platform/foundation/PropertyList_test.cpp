@@ -55,7 +55,7 @@ NSDate dateAt(double seconds) {
 
 class RoundTrip : public ::testing::TestWithParam<Value> {};
 
-TEST_P(RoundTrip, GivesTheSameValueOfTheSameType) {
+TEST_P(RoundTrip, givesTheSameValueOfTheSameType) {
     EXPECT_EQ(valueAfterRoundTrip(GetParam()), GetParam());
 }
 
@@ -96,26 +96,26 @@ INSTANTIATE_TEST_SUITE_P(
         Value(Value::Dictionary{{"NS.time", Value(1)}}),
         Value(Value::Dictionary{{"NS.time", Value(1.5)}, {"more", Value(2)}})));
 
-TEST(PropertyList, KeepsTheSignOfZeroAndANumberThatIsNone) {
+TEST(PropertyList, keepsTheSignOfZeroAndANumberThatIsNone) {
     EXPECT_TRUE(std::signbit(*valueAfterRoundTrip(Value(-0.0)).get<double>()));
     EXPECT_TRUE(std::isnan(*valueAfterRoundTrip(Value(std::nan(""))).get<double>()));
 }
 
-TEST(PropertyList, KeepsTheBitsOfACountAboveTheSignedRange) {
+TEST(PropertyList, keepsTheBitsOfACountAboveTheSignedRange) {
     const std::uint64_t count = 18446744073709551610u;
     EXPECT_EQ(valueAfterRoundTrip(Value(count)), Value(count));
 }
 
-TEST(PropertyList, WritesTheBinaryForm) {
+TEST(PropertyList, writesTheBinaryForm) {
     EXPECT_EQ(PropertyList::binaryOf({}).substr(0, 8), "bplist00");
 }
 
-TEST(PropertyList, WritesEqualDictionariesAsEqualBytes) {
+TEST(PropertyList, writesEqualDictionariesAsEqualBytes) {
     const Value::Dictionary values{{"b", Value(dateAt(1.5))}, {"a", Value(Value::Array{Value(1)})}};
     EXPECT_EQ(PropertyList::binaryOf(values), PropertyList::binaryOf(Value::Dictionary(values)));
 }
 
-TEST(PropertyList, ReadsTheXmlForm) {
+TEST(PropertyList, readsTheXmlForm) {
     EXPECT_EQ(valueOfXml("<true/>"), Value(true));
     EXPECT_EQ(valueOfXml("<integer>-5</integer>"), Value(-5));
     EXPECT_EQ(valueOfXml("<real>794059200.5</real>"), Value(794059200.5));
@@ -126,7 +126,7 @@ TEST(PropertyList, ReadsTheXmlForm) {
     EXPECT_EQ(valueOfXml("<dict><key>NS.time</key><real>0.25</real></dict>"), Value(dateAt(0.25)));
 }
 
-TEST(PropertyList, ReadsPlainDatesOfOtherPrograms) {
+TEST(PropertyList, readsPlainDatesOfOtherPrograms) {
     EXPECT_EQ(valueOfXml("<date>2026-03-01T12:00:00Z</date>"), Value(dateAt(794059200)));
     const auto read = PropertyList::dictionaryOf(listWithNode(plist_new_date(794059200, 250000)));
     ASSERT_TRUE(read.ok());
@@ -136,19 +136,19 @@ TEST(PropertyList, ReadsPlainDatesOfOtherPrograms) {
     EXPECT_EQ(before.value().at("key"), Value(dateAt(-4.75)));
 }
 
-TEST(PropertyList, ReadsPlainDatesBeyondTheSecondsThatFit32Bits) {
+TEST(PropertyList, readsPlainDatesBeyondTheSecondsThatFit32Bits) {
     EXPECT_EQ(valueOfXml("<date>2100-01-01T00:00:00Z</date>"),
               Value(*dateFromIsoText("2100-01-01T00:00:00Z")));
     EXPECT_EQ(valueOfXml("<date>1900-01-01T00:00:00Z</date>"),
               Value(*dateFromIsoText("1900-01-01T00:00:00Z")));
 }
 
-TEST(PropertyList, ADictionaryAtTheTopIsNeverAnInstant) {
+TEST(PropertyList, aDictionaryAtTheTopIsNeverAnInstant) {
     const Value::Dictionary values{{"NS.time", Value(1.5)}};
     EXPECT_EQ(PropertyList::dictionaryOf(PropertyList::binaryOf(values)).value(), values);
 }
 
-TEST(PropertyList, RefusesWhatIsNoListWithADictionaryAtTheTop) {
+TEST(PropertyList, refusesWhatIsNoListWithADictionaryAtTheTop) {
     const std::string good = PropertyList::binaryOf({{"key", Value("a value")}});
     for (const std::string& data :
          {std::string(), std::string("x"), std::string("bplist00"), good.substr(0, good.size() / 2),
@@ -159,12 +159,12 @@ TEST(PropertyList, RefusesWhatIsNoListWithADictionaryAtTheTop) {
     }
 }
 
-TEST(PropertyList, RefusesATypeThatItCouldNotWriteBack) {
+TEST(PropertyList, refusesATypeThatItCouldNotWriteBack) {
     EXPECT_THAT(errorOf(listWithNode(plist_new_uid(1))),
                 HasSubstr("a type that defaults cannot hold"));
 }
 
-TEST(PropertyList, RefusesListsThatWouldUseUpTheStack) {
+TEST(PropertyList, refusesListsThatWouldUseUpTheStack) {
     std::string deep;
     std::string end;
     for (int i = 0; i < 2000; ++i) {
@@ -175,7 +175,7 @@ TEST(PropertyList, RefusesListsThatWouldUseUpTheStack) {
     EXPECT_THAT(errorOf(xmlList("<dict><key>key</key>" + deep + "</dict>")), HasSubstr("too deep"));
 }
 
-TEST(PropertyList, StorableTextIsUtf8WithoutZeroBytes) {
+TEST(PropertyList, storableTextIsUtf8WithoutZeroBytes) {
     const std::string replacement = "\xEF\xBF\xBD";
     EXPECT_EQ(PropertyList::storableText("plain"), "plain");
     EXPECT_EQ(PropertyList::storableText("Größe 😀"), "Größe 😀");
@@ -184,7 +184,7 @@ TEST(PropertyList, StorableTextIsUtf8WithoutZeroBytes) {
     EXPECT_EQ(PropertyList::storableText("\xF0\x9F"), replacement);
 }
 
-TEST(PropertyList, StorableValueReachesInsideContainers) {
+TEST(PropertyList, storableValueReachesInsideContainers) {
     const Value inside(
         Value::Dictionary{{"a\xFF", Value(Value::Array{Value("\xFF")})}, {"gone", Value()}});
     const std::string replacement = "\xEF\xBF\xBD";
@@ -193,7 +193,7 @@ TEST(PropertyList, StorableValueReachesInsideContainers) {
         Value(Value::Dictionary{{"a" + replacement, Value(Value::Array{Value(replacement)})}}));
 }
 
-TEST(PropertyListDeathTest, AReferenceIsNeverStored) {
+TEST(PropertyListDeathTest, aReferenceIsNeverStored) {
     EXPECT_DEATH(PropertyList::storableValue(Value(Value::Array{Value(ObjectReference{7})})),
                  "reference");
     EXPECT_DEATH(PropertyList::storableValue(Value(Value::Array{Value()})), "absent member");

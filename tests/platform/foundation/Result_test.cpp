@@ -7,7 +7,7 @@
 namespace tavrion {
 namespace {
 
-TEST(Result, HoldsAValueOrAnError) {
+TEST(Result, holdsAValueOrAnError) {
     const Result<int> good(7);
     EXPECT_TRUE(good.ok());
     EXPECT_TRUE(static_cast<bool>(good));
@@ -19,14 +19,14 @@ TEST(Result, HoldsAValueOrAnError) {
     EXPECT_EQ(bad.error().userInfo, "detail");
 }
 
-TEST(Result, GivesUpAValueThatCannotBeCopied) {
+TEST(Result, givesUpAValueThatCannotBeCopied) {
     Result<std::unique_ptr<int>> result(std::make_unique<int>(7));
     *result.value() = 8;
     const std::unique_ptr<int> taken = std::move(result).value();
     EXPECT_EQ(*taken, 8);
 }
 
-TEST(Result, OfNothingIsDoneOrAnError) {
+TEST(Result, ofNothingIsDoneOrAnError) {
     const Result<void> good;
     EXPECT_TRUE(good.ok());
     const Result<void> bad(NSError{"not done", ""});
@@ -34,7 +34,7 @@ TEST(Result, OfNothingIsDoneOrAnError) {
     EXPECT_EQ(bad.error().localizedDescription, "not done");
 }
 
-TEST(ResultDeathTest, TheOtherSideIsNotThere) {
+TEST(ResultDeathTest, theOtherSideIsNotThere) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(Result<int>(NSError{"no number", ""}).value(), "failed Result");
     EXPECT_DEATH(static_cast<void>(Result<int>(7).error()), "good Result");

@@ -13,7 +13,7 @@ bool finds(const char* haystack, const char* needle, const char* locale = "en_US
     return localizedStandardContainsString(haystack, needle);
 }
 
-TEST(SearchFolding, IgnoresCaseAndAccents) {
+TEST(SearchFolding, ignoresCaseAndAccents) {
     EXPECT_TRUE(finds("Renée", "renee"));
     EXPECT_TRUE(finds("Renee", "é"));
     EXPECT_TRUE(finds("Señor Ramón", "RAMON"));
@@ -24,13 +24,13 @@ TEST(SearchFolding, IgnoresCaseAndAccents) {
     EXPECT_FALSE(finds("Renée", "rene e"));
 }
 
-TEST(SearchFolding, UnfoldsLettersThatStandForSeveral) {
+TEST(SearchFolding, unfoldsLettersThatStandForSeveral) {
     EXPECT_TRUE(finds("Straße", "strasse"));
     EXPECT_TRUE(finds("Strasse", "ß"));
     EXPECT_TRUE(finds("ﬁnal", "final"));
 }
 
-TEST(SearchFolding, KeepsLettersThatAreLettersOfTheirOwn) {
+TEST(SearchFolding, keepsLettersThatAreLettersOfTheirOwn) {
     EXPECT_FALSE(finds("Smørrebrød", "smor"));
     EXPECT_FALSE(finds("Æther", "aether"));
     EXPECT_FALSE(finds("Łódź", "lodz"));
@@ -39,13 +39,13 @@ TEST(SearchFolding, KeepsLettersThatAreLettersOfTheirOwn) {
     EXPECT_FALSE(finds("カ", "か"));
 }
 
-TEST(SearchFolding, TakesPunctuationAsItStands) {
+TEST(SearchFolding, takesPunctuationAsItStands) {
     EXPECT_FALSE(finds("Don’t", "don't"));
     EXPECT_FALSE(finds("N/A", "na"));
     EXPECT_TRUE(finds("N/A", "n/a"));
 }
 
-TEST(SearchFolding, FollowsTheLocaleForTheDottedI) {
+TEST(SearchFolding, followsTheLocaleForTheDottedI) {
     EXPECT_TRUE(finds("İstanbul", "istanbul", "tr_TR"));
     EXPECT_TRUE(finds("İstanbul", "istanbul"));
     EXPECT_FALSE(finds("ISTANBUL", "istanbul", "tr_TR"));
@@ -54,13 +54,13 @@ TEST(SearchFolding, FollowsTheLocaleForTheDottedI) {
     EXPECT_FALSE(finds("ılık", "ILIK"));
 }
 
-TEST(SearchFolding, FindsNothingForAnEmptyNeedle) {
+TEST(SearchFolding, findsNothingForAnEmptyNeedle) {
     EXPECT_FALSE(finds("abc", ""));
     EXPECT_FALSE(finds("", ""));
     EXPECT_FALSE(finds("", "a"));
 }
 
-TEST(SearchFolding, SurvivesBrokenText) {
+TEST(SearchFolding, survivesBrokenText) {
     EXPECT_TRUE(
         finds("\xff"
               "abc",
@@ -68,7 +68,7 @@ TEST(SearchFolding, SurvivesBrokenText) {
     EXPECT_FALSE(finds("abc\xc3", "z"));
 }
 
-TEST(SearchFolding, FoldsPlainTextWithoutChangingOtherCharacters) {
+TEST(SearchFolding, foldsPlainTextWithoutChangingOtherCharacters) {
     Regional region(NSTimeZone(), "en_US");
     const Port<Regional>::Plug plug(region);
     EXPECT_EQ(foldedForSearch("AZ az 09 [@]"), "az az 09 [@]");
@@ -81,7 +81,7 @@ bool findsCaseless(const char* haystack, const char* needle, const char* locale 
     return localizedCaseInsensitiveContainsString(haystack, needle);
 }
 
-TEST(SearchFolding, WithoutCaseAloneAccentsCount) {
+TEST(SearchFolding, withoutCaseAloneAccentsCount) {
     for (const auto& [haystack, needle] : {std::pair("Renée", "renee"),
                                            {"Renee", "é"},
                                            {"Señor Ramón", "RAMON"},
@@ -103,7 +103,7 @@ TEST(SearchFolding, WithoutCaseAloneAccentsCount) {
     }
 }
 
-TEST(SearchFolding, WithoutCaseAloneEqualLettersAreFound) {
+TEST(SearchFolding, withoutCaseAloneEqualLettersAreFound) {
     for (const auto& [haystack, needle] : {std::pair("Straße", "strasse"),
                                            {"Strasse", "ß"},
                                            {"ﬁnal", "final"},
@@ -119,7 +119,7 @@ TEST(SearchFolding, WithoutCaseAloneEqualLettersAreFound) {
     EXPECT_TRUE(findsCaseless("ılık", "ILIK", "tr_TR"));
 }
 
-TEST(SearchFolding, WithoutCaseAloneAHitDoesNotEndInsideOfALetter) {
+TEST(SearchFolding, withoutCaseAloneAHitDoesNotEndInsideOfALetter) {
     EXPECT_FALSE(findsCaseless("café", "cafe"));
     EXPECT_TRUE(findsCaseless("café cafe", "cafe"));
     EXPECT_TRUE(findsCaseless("café", "caf"));

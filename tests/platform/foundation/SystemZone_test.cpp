@@ -58,7 +58,7 @@ class Environment {
     std::map<std::string, std::optional<std::string>> before_;
 };
 
-TEST(SystemZone, TheVariableNamesAZoneOrItsFile) {
+TEST(SystemZone, theVariableNamesAZoneOrItsFile) {
     EXPECT_EQ(nameOf(SystemZone::fromVariable("Europe/Berlin")), "Europe/Berlin");
     EXPECT_EQ(nameOf(SystemZone::fromVariable(":Europe/Berlin")), "Europe/Berlin");
     EXPECT_EQ(nameOf(SystemZone::fromVariable(":/usr/share/zoneinfo/Asia/Kolkata")),
@@ -70,7 +70,7 @@ TEST(SystemZone, TheVariableNamesAZoneOrItsFile) {
     EXPECT_EQ(nameOf(SystemZone::fromVariable(nullptr)), "absent");
 }
 
-TEST(SystemZone, ALinkLeadsToAZone) {
+TEST(SystemZone, aLinkLeadsToAZone) {
     const OwnFolder folder;
     std::filesystem::create_symlink("../usr/share/zoneinfo/America/Havana", folder.file("link"));
     std::filesystem::create_symlink("/somewhere/else", folder.file("other"));
@@ -79,7 +79,7 @@ TEST(SystemZone, ALinkLeadsToAZone) {
     EXPECT_EQ(nameOf(SystemZone::fromLink(folder.file("missing"))), "absent");
 }
 
-TEST(SystemZone, AFileNamesAZone) {
+TEST(SystemZone, aFileNamesAZone) {
     const OwnFolder folder;
     std::ofstream(folder.file("timezone")) << "Pacific/Apia\n";
     std::ofstream(folder.file("other")) << "Pacific/Nowhere\n";
@@ -88,7 +88,7 @@ TEST(SystemZone, AFileNamesAZone) {
     EXPECT_EQ(nameOf(SystemZone::fromFile(folder.file("missing"))), "absent");
 }
 
-TEST(SystemZone, TheFirstValueGivesTheLocale) {
+TEST(SystemZone, theFirstValueGivesTheLocale) {
     EXPECT_EQ(SystemZone::localeName({"de_DE.UTF-8@euro", "fr_FR", "ja_JP"}), "de_DE");
     EXPECT_EQ(SystemZone::localeName({nullptr, "fr_FR.UTF-8", "ja_JP"}), "fr_FR");
     EXPECT_EQ(SystemZone::localeName({"", nullptr, "sv_SE@euro"}), "sv_SE");
@@ -98,7 +98,7 @@ TEST(SystemZone, TheFirstValueGivesTheLocale) {
     EXPECT_EQ(SystemZone::localeName({nullptr, "", nullptr}), "en_US");
 }
 
-TEST(Regional, ComesFromTheEnvironment) {
+TEST(Regional, comesFromTheEnvironment) {
     const Environment environment({{"TZ", ":Africa/Cairo"},
                                    {"LC_ALL", nullptr},
                                    {"LC_TIME", nullptr},
@@ -124,7 +124,7 @@ TEST(Regional, eachVariableDecidesItsOwnMatter) {
     EXPECT_EQ(region.orderLocale(), "da_DK");
 }
 
-TEST(Regional, LC_ALLGoesBeforeTheOthers) {
+TEST(Regional, lcAllGoesBeforeTheOthers) {
     const Environment environment({{"TZ", "UTC"},
                                    {"LC_ALL", "th_TH.UTF-8"},
                                    {"LC_TIME", "de_DE.UTF-8"},

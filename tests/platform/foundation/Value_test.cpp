@@ -5,7 +5,7 @@
 namespace tavrion {
 namespace {
 
-TEST(Value, KeepsTheTypeItWasMadeOf) {
+TEST(Value, keepsTheTypeItWasMadeOf) {
     const NSDate date = NSDate::dateWithTimeIntervalSinceReferenceDate(1);
     EXPECT_TRUE(Value().isAbsent());
     ASSERT_NE(Value(true).get<bool>(), nullptr);
@@ -22,17 +22,17 @@ TEST(Value, KeepsTheTypeItWasMadeOf) {
     EXPECT_FALSE(Value("").isAbsent());
 }
 
-TEST(Value, CountsAboveTheSignedRangeKeepTheirBits) {
+TEST(Value, countsAboveTheSignedRangeKeepTheirBits) {
     EXPECT_EQ(Value(~std::uint64_t{0}), Value(-1));
 }
 
-TEST(Value, AnEmptyOptionalIsAbsent) {
+TEST(Value, anEmptyOptionalIsAbsent) {
     EXPECT_TRUE(Value(std::optional<std::string>()).isAbsent());
     EXPECT_EQ(Value(std::optional<std::string>("seven")), Value("seven"));
     EXPECT_EQ(Value(std::optional<NSDate>(NSDate())), Value(NSDate()));
 }
 
-TEST(Value, ListsAreEqualMemberByMember) {
+TEST(Value, listsAreEqualMemberByMember) {
     const Value nested = Value::Dictionary{{"a", Value::Array{1, "b"}}};
     EXPECT_EQ(nested, Value(Value::Dictionary{{"a", Value::Array{1, "b"}}}));
     EXPECT_NE(nested, Value(Value::Dictionary{{"a", Value::Array{1, "c"}}}));

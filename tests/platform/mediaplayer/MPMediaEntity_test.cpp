@@ -9,7 +9,7 @@
 namespace tavrion {
 namespace {
 
-TEST(MPMediaEntity, IsASongOrACollectionOrNothing) {
+TEST(MPMediaEntity, isASongOrACollectionOrNothing) {
     MediaLibraryFixture fixture({{.title = "a", .persistentID = 7}},
                                 {{.name = "Mix", .persistentID = 9, .songs = {7}}});
     const MPMediaEntity song = fixture.song("a");
@@ -40,7 +40,7 @@ TEST(MPMediaEntity, IsASongOrACollectionOrNothing) {
     EXPECT_EQ(nothing.valueForKey("title"), Value());
 }
 
-TEST(MPMediaEntity, APlaylistIsACollectionToo) {
+TEST(MPMediaEntity, aPlaylistIsACollectionToo) {
     MediaLibraryFixture fixture({{.title = "a", .persistentID = 7}},
                                 {{.name = "Mix", .persistentID = 9, .songs = {7}}});
     const MPMediaEntity mix = MPMediaQuery::playlistsQuery().collections().front();
@@ -51,7 +51,7 @@ TEST(MPMediaEntity, APlaylistIsACollectionToo) {
     EXPECT_EQ(mix.persistentID(), 9U);
 }
 
-TEST(MPMediaEntity, EqualsTheSameOfTheSameSnapshot) {
+TEST(MPMediaEntity, equalsTheSameOfTheSameSnapshot) {
     MediaLibraryFixture fixture({{.title = "a"}, {.title = "b"}});
     const MPMediaEntity song = fixture.song("a");
     EXPECT_EQ(song, MPMediaEntity(fixture.song("a")));
@@ -78,7 +78,7 @@ class PictureSource : public Source {
     }
 };
 
-TEST(MPMediaEntity, ItsPicturesComeFromTheSource) {
+TEST(MPMediaEntity, itsPicturesComeFromTheSource) {
     MediaLibraryFixture fixture(
         {{.title = "a", .persistentID = 7}, {.title = "b", .albumTitle = "B", .persistentID = 8}},
         {{.name = "Mix", .persistentID = 9, .songs = {7}}, {.name = "Bare", .persistentID = 10}});

@@ -29,7 +29,7 @@ class CollectionKeys : public testing::Test {
                                  {{.name = "Mix", .persistentID = 9}}};
 };
 
-TEST_F(CollectionKeys, WithoutSortNamesTheNamesCount) {
+TEST_F(CollectionKeys, withoutSortNamesTheNamesCount) {
     EXPECT_EQ(key(MPMediaGrouping::album), "The Album");
     EXPECT_EQ(key(MPMediaGrouping::albumArtist), "The Album Band");
     EXPECT_EQ(key(MPMediaGrouping::genre), "Rock");
@@ -37,7 +37,7 @@ TEST_F(CollectionKeys, WithoutSortNamesTheNamesCount) {
     EXPECT_EQ(artistKey(MPMediaGrouping::artist), "The Band");
 }
 
-TEST_F(CollectionKeys, SortNamesComeFirst) {
+TEST_F(CollectionKeys, sortNamesComeFirst) {
     fixture_.publish({{.artist = "The Band",
                        .albumArtist = "The Album Band",
                        .albumTitle = "The Album",
@@ -50,12 +50,12 @@ TEST_F(CollectionKeys, SortNamesComeFirst) {
     EXPECT_EQ(artistKey(MPMediaGrouping::artist), "Band");
 }
 
-TEST_F(CollectionKeys, APlaylistFilesUnderItsName) {
+TEST_F(CollectionKeys, aPlaylistFilesUnderItsName) {
     EXPECT_EQ(key(MPMediaGrouping::playlist), "Mix");
     EXPECT_EQ(artistKey(MPMediaGrouping::playlist), "");
 }
 
-TEST_F(CollectionKeys, OtherKindsHaveNone) {
+TEST_F(CollectionKeys, otherKindsHaveNone) {
     EXPECT_EQ(key(MPMediaGrouping::artist), std::nullopt);
     EXPECT_EQ(key(MPMediaGrouping::composer), std::nullopt);
     EXPECT_EQ(Extended::sortKey(MPMediaItemCollection({fixture_.song("Song")})), std::nullopt);
@@ -64,7 +64,7 @@ TEST_F(CollectionKeys, OtherKindsHaveNone) {
     EXPECT_EQ(Extended::sortArtistKey(MPMediaItemCollection({fixture_.song("Song")})), "");
 }
 
-TEST_F(CollectionKeys, ANamelessArtistHasNoKey) {
+TEST_F(CollectionKeys, aNamelessArtistHasNoKey) {
     fixture_.publish({{.artist = "", .albumTitle = ""}});
     EXPECT_EQ(artistKey(MPMediaGrouping::artist), std::nullopt);
     EXPECT_EQ(artistKey(MPMediaGrouping::albumArtist), std::nullopt);

@@ -45,7 +45,7 @@ TestSong fullSong() {
             .trackCount = 12};
 }
 
-TEST(MPMediaItem, ReadsEveryPropertyByName) {
+TEST(MPMediaItem, readsEveryPropertyByName) {
     const MediaLibraryFixture fixture({fullSong()});
     const MPMediaItem item = fixture.song("The Title");
     const std::pair<const char*, Value> expected[] = {
@@ -92,7 +92,7 @@ TEST(MPMediaItem, ReadsEveryPropertyByName) {
     }
 }
 
-TEST(MPMediaItem, ReadsMissingValuesAsAbsent) {
+TEST(MPMediaItem, readsMissingValuesAsAbsent) {
     const MediaLibraryFixture fixture(std::vector<TestSong>{{.title = "Bare", .artist = ""}});
     const MPMediaItem item = fixture.song("Bare");
     for (const char* name :
@@ -106,7 +106,7 @@ TEST(MPMediaItem, ReadsMissingValuesAsAbsent) {
     EXPECT_EQ(item.valueForKey("existsInLibrary"), Value(true));
 }
 
-TEST(MPMediaItem, ConsultsComputedKeysByKeyOnly) {
+TEST(MPMediaItem, consultsComputedKeysByKeyOnly) {
     const MediaLibraryFixture fixture({{.title = "Loud"}});
     MPMediaItem::registerComputedKey("testKey", [](const MPMediaItem& item) {
         return Value(std::string(item.title().value()) + "!");
@@ -117,7 +117,7 @@ TEST(MPMediaItem, ConsultsComputedKeysByKeyOnly) {
     EXPECT_EQ(fixture.song("Loud").valueForKey("testKey"), Value(2));
 }
 
-TEST(MPMediaItem, RegistersComputedKeysWhileOthersRead) {
+TEST(MPMediaItem, registersComputedKeysWhileOthersRead) {
     const MediaLibraryFixture fixture({{.title = "Song"}});
     const MPMediaItem item = fixture.song("Song");
     std::thread writer([] {
@@ -133,7 +133,7 @@ TEST(MPMediaItem, RegistersComputedKeysWhileOthersRead) {
     EXPECT_EQ(item.valueForKey("busyKey"), Value(199));
 }
 
-TEST(MPMediaItem, IsTheSameWithinOneSnapshotOnly) {
+TEST(MPMediaItem, isTheSameWithinOneSnapshotOnly) {
     MediaLibraryFixture fixture({{.title = "a"}, {.title = "b"}});
     const MPMediaItem before = fixture.song("a");
     EXPECT_EQ(before, fixture.song("a"));
@@ -167,7 +167,7 @@ class Lines : public LogSink {
     std::vector<std::string> lines;
 };
 
-TEST(MPMediaItem, WritesTheLikedStateThroughTheSource) {
+TEST(MPMediaItem, writesTheLikedStateThroughTheSource) {
     MediaLibraryFixture fixture({{.title = "a", .persistentID = 77}});
     const auto source = std::make_shared<LikableSource>();
     fixture.library().setSource(source);
@@ -180,7 +180,7 @@ TEST(MPMediaItem, WritesTheLikedStateThroughTheSource) {
     EXPECT_EQ(source->written, (std::vector<std::pair<std::uint64_t, std::uint32_t>>{{77, 2}}));
 }
 
-TEST(MPMediaItem, WritesNothingWhereNobodyCan) {
+TEST(MPMediaItem, writesNothingWhereNobodyCan) {
     MediaLibraryFixture fixture({{.title = "a"}});
     const MPMediaItem item = fixture.song("a");
     EXPECT_FALSE(item.respondsToSetValueForProperty());
@@ -193,7 +193,7 @@ TEST(MPMediaItem, WritesNothingWhereNobodyCan) {
     EXPECT_TRUE(source->written.empty());
 }
 
-TEST(MPMediaItem, LogsALikeThatWasNotWritten) {
+TEST(MPMediaItem, logsALikeThatWasNotWritten) {
     MediaLibraryFixture fixture({{.title = "Tune"}});
     Lines lines;
     const Port<LogSink>::Plug plug(lines);

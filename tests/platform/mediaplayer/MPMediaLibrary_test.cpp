@@ -13,7 +13,7 @@
 namespace tavrion {
 namespace {
 
-TEST(MPMediaLibrary, IsEmptyAndUndecidedAtFirst) {
+TEST(MPMediaLibrary, isEmptyAndUndecidedAtFirst) {
     MPMediaLibrary library;
     const Port<MPMediaLibrary>::Plug plug(library);
     EXPECT_EQ(MPMediaLibrary::authorizationStatus(),
@@ -23,14 +23,14 @@ TEST(MPMediaLibrary, IsEmptyAndUndecidedAtFirst) {
     EXPECT_EQ(library.source(), nullptr);
 }
 
-TEST(MPMediaLibrary, ReportsTheStatusThatWasSet) {
+TEST(MPMediaLibrary, reportsTheStatusThatWasSet) {
     MPMediaLibrary library;
     const Port<MPMediaLibrary>::Plug plug(library);
     library.setAuthorizationStatus(MPMediaLibraryAuthorizationStatus::denied);
     EXPECT_EQ(static_cast<int>(MPMediaLibrary::authorizationStatus()), 1);
 }
 
-TEST(MPMediaLibrary, PublishesASnapshotAndTellsTheObservers) {
+TEST(MPMediaLibrary, publishesASnapshotAndTellsTheObservers) {
     MediaLibraryFixture fixture;
     MPMediaLibrary& library = fixture.library();
     std::size_t songsSeen = 0;
@@ -48,7 +48,7 @@ TEST(MPMediaLibrary, PublishesASnapshotAndTellsTheObservers) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(MPMediaLibrary, LetsAnObserverRemoveAnother) {
+TEST(MPMediaLibrary, letsAnObserverRemoveAnother) {
     MediaLibraryFixture fixture;
     int calls = 0;
     MPMediaLibrary::Observation second;
@@ -58,7 +58,7 @@ TEST(MPMediaLibrary, LetsAnObserverRemoveAnother) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST(MPMediaLibrary, ReplacingAnObservationEndsTheOldOne) {
+TEST(MPMediaLibrary, replacingAnObservationEndsTheOldOne) {
     MediaLibraryFixture fixture;
     int old = 0;
     int now = 0;
@@ -130,14 +130,14 @@ TEST(MPMediaLibrary, aSourceLivesAsLongAsSomebodyReadsPicturesFromIt) {
     EXPECT_EQ(living, 0);
 }
 
-TEST(MPMediaLibrary, PublishesNothingAsAnEmptySnapshot) {
+TEST(MPMediaLibrary, publishesNothingAsAnEmptySnapshot) {
     MediaLibraryFixture fixture({{.title = "a"}});
     fixture.library().publish(nullptr);
     ASSERT_NE(fixture.library().snapshot(), nullptr);
     EXPECT_TRUE(fixture.library().snapshot()->songs().empty());
 }
 
-TEST(MPMediaLibrary, IsReadWhileItIsPublished) {
+TEST(MPMediaLibrary, isReadWhileItIsPublished) {
     MediaLibraryFixture fixture({{.title = "a"}});
     const auto one = snapshotOf({{.title = "a"}});
     const auto two = snapshotOf({{.title = "a"}, {.title = "b"}});

@@ -41,7 +41,7 @@ std::vector<std::string> names(const std::vector<MPMediaItemCollection>& collect
     return names;
 }
 
-TEST(MPMediaQuery, GivesSongsInLibraryOrder) {
+TEST(MPMediaQuery, givesSongsInLibraryOrder) {
     const MediaLibraryFixture fixture(
         {{.title = "Track 10"}, {.title = "apple"}, {.title = "Track 2"}});
     EXPECT_THAT(titles(MPMediaQuery::songsQuery().items()),
@@ -61,7 +61,7 @@ TEST(MPMediaQuery, givesTheSongsOfOneAlbumInTheAlbumsOrder) {
     EXPECT_THAT(titles(album.items()), ElementsAre("a", "b", "c"));
 }
 
-TEST(MPMediaQuery, ReadsTheLibraryAnewEachTime) {
+TEST(MPMediaQuery, readsTheLibraryAgainEachTime) {
     MediaLibraryFixture fixture({{.title = "old"}});
     const MPMediaQuery query = MPMediaQuery::songsQuery();
     EXPECT_THAT(titles(query.items()), ElementsAre("old"));
@@ -69,7 +69,7 @@ TEST(MPMediaQuery, ReadsTheLibraryAnewEachTime) {
     EXPECT_THAT(titles(query.items()), ElementsAre("new"));
 }
 
-TEST(MPMediaQuery, GivesNonLibrarySongsOnlyWhenAsked) {
+TEST(MPMediaQuery, givesNonLibrarySongsOnlyWhenAsked) {
     const MediaLibraryFixture fixture({{.title = "in"}, {.title = "out", .inLibrary = false}});
     MPMediaQuery query = MPMediaQuery::songsQuery();
     EXPECT_THAT(titles(query.items()), ElementsAre("in"));
@@ -79,7 +79,7 @@ TEST(MPMediaQuery, GivesNonLibrarySongsOnlyWhenAsked) {
     EXPECT_THAT(titles(query.items()), ElementsAre("in"));
 }
 
-TEST(MPMediaQuery, FiltersByEqualityOnIndexedProperties) {
+TEST(MPMediaQuery, filtersByEqualityOnIndexedProperties) {
     const MediaLibraryFixture fixture(
         {{.title = "a", .artist = "X", .albumTitle = "L", .genre = "G", .persistentID = 11},
          {.title = "A", .artist = "Y", .albumTitle = "L", .genre = "H", .persistentID = 12},
@@ -102,7 +102,7 @@ TEST(MPMediaQuery, FiltersByEqualityOnIndexedProperties) {
     EXPECT_THAT(titles(filtered(songs, "", MPMediaItemPropertyTitle).items()), IsEmpty());
 }
 
-TEST(MPMediaQuery, FiltersByEqualityOnOtherProperties) {
+TEST(MPMediaQuery, filtersByEqualityOnOtherProperties) {
     const MediaLibraryFixture fixture({{.title = "a", .likedState = 2},
                                        {.title = "b", .mediaType = MediaType::podcast},
                                        {.title = "c", .duration = 12.5, .compilation = true}});
@@ -117,7 +117,7 @@ TEST(MPMediaQuery, FiltersByEqualityOnOtherProperties) {
     EXPECT_THAT(titles(filtered(songs, "x", "noSuchProperty").items()), IsEmpty());
 }
 
-TEST(MPMediaQuery, AsksForAnAbsentPropertyOrAnyOfSeveral) {
+TEST(MPMediaQuery, asksForAnAbsentPropertyOrAnyOfSeveral) {
     const MediaLibraryFixture fixture(
         {{.title = "a", .genre = ""}, {.title = "b"}, {.title = "c"}});
     const MPMediaQuery songs = MPMediaQuery::songsQuery();
@@ -130,7 +130,7 @@ TEST(MPMediaQuery, AsksForAnAbsentPropertyOrAnyOfSeveral) {
                 ElementsAre("b", "c"));
 }
 
-TEST(MPMediaQuery, AddsAFilterOnceAndRemovesIt) {
+TEST(MPMediaQuery, addsAFilterOnceAndRemovesIt) {
     const MediaLibraryFixture fixture({{.title = "a"}, {.title = "b"}});
     MPMediaQuery query = MPMediaQuery::songsQuery();
     const auto predicate =
@@ -143,7 +143,7 @@ TEST(MPMediaQuery, AddsAFilterOnceAndRemovesIt) {
     EXPECT_THAT(titles(query.items()), ElementsAre("a", "b"));
 }
 
-TEST(MPMediaQuery, SearchesWithoutCaseAndAccents) {
+TEST(MPMediaQuery, searchesWithoutCaseAndAccents) {
     const MediaLibraryFixture fixture({{.title = "Café Noir"}, {.title = "Tea"}});
     const MPMediaQuery songs = MPMediaQuery::songsQuery();
     EXPECT_THAT(titles(searched(songs, "CAFE", MPMediaItemPropertyTitle).items()),
@@ -152,7 +152,7 @@ TEST(MPMediaQuery, SearchesWithoutCaseAndAccents) {
     EXPECT_THAT(titles(searched(songs, "a", "playCount").items()), IsEmpty());
 }
 
-TEST(MPMediaQuery, GroupsAlbumsByTitleWithSongsByDiscAndTrack) {
+TEST(MPMediaQuery, groupsAlbumsByTitleWithSongsByDiscAndTrack) {
     const MediaLibraryFixture fixture(
         {{.title = "z", .artist = "X", .albumTitle = "Beta", .track = 1, .disc = 1},
          {.title = "y", .artist = "X", .albumTitle = "Beta", .track = 1, .disc = 2},
@@ -170,7 +170,7 @@ TEST(MPMediaQuery, GroupsAlbumsByTitleWithSongsByDiscAndTrack) {
     EXPECT_EQ(ofX.persistentID(), ofX.items()[0].albumPersistentID());
 }
 
-TEST(MPMediaQuery, GroupsArtistsAndGenresByName) {
+TEST(MPMediaQuery, groupsArtistsAndGenresByName) {
     const MediaLibraryFixture fixture(
         {{.title = "a", .artist = "Zoë", .genre = "Rock"},
          {.title = "b", .artist = "adele", .albumArtist = "Various", .genre = ""},
@@ -187,14 +187,14 @@ TEST(MPMediaQuery, GroupsArtistsAndGenresByName) {
     EXPECT_EQ(query.collections()[1].valueForKey("groupingType"), Value(3));
 }
 
-TEST(MPMediaQuery, GroupsSingleSongsByTitle) {
+TEST(MPMediaQuery, groupsSingleSongsByTitle) {
     const MediaLibraryFixture fixture({{.title = "b"}, {.title = "a"}});
     const auto collections = MPMediaQuery::songsQuery().collections();
     EXPECT_THAT(names(collections, "title"), ElementsAre("a", "b"));
     EXPECT_EQ(collections[0].groupingType(), MPMediaGrouping::title);
 }
 
-TEST(MPMediaQuery, FindsTheSongsOfACollectionAgain) {
+TEST(MPMediaQuery, findsTheSongsOfACollectionAgain) {
     const MediaLibraryFixture fixture({{.title = "a", .artist = "X", .likedState = 2},
                                        {.title = "b", .artist = "X"},
                                        {.title = "c", .artist = "Y", .likedState = 2},
@@ -207,7 +207,7 @@ TEST(MPMediaQuery, FindsTheSongsOfACollectionAgain) {
     EXPECT_THAT(titles(artists[2].itemsQuery().items()), ElementsAre("d"));
 }
 
-TEST(MPMediaItemCollection, OfGivenSongsReportsNoGrouping) {
+TEST(MPMediaItemCollection, ofGivenSongsReportsNoGrouping) {
     const MediaLibraryFixture fixture({{.title = "b", .inLibrary = false}, {.title = "a"}});
     const MPMediaItemCollection collection({fixture.song("b"), fixture.song("a")});
     EXPECT_THAT(titles(collection.items()), ElementsAre("b", "a"));
@@ -240,7 +240,7 @@ class Playlists : public testing::Test {
     }
 };
 
-TEST_F(Playlists, ComeInTheirOwnOrderWithTheirSongs) {
+TEST_F(Playlists, comeInTheirOwnOrderWithTheirSongs) {
     const auto playlists = MPMediaQuery::playlistsQuery().collections();
     EXPECT_THAT(namesOf(playlists), ElementsAre("Zulu", "Folder", "Ältere"));
     EXPECT_THAT(titles(playlists[0].items()), ElementsAre("b", "a", "a"));
@@ -248,7 +248,7 @@ TEST_F(Playlists, ComeInTheirOwnOrderWithTheirSongs) {
     EXPECT_THAT(titles(MPMediaQuery::playlistsQuery().items()), ElementsAre("b", "a", "a", "b"));
 }
 
-TEST_F(Playlists, TellTheirPropertiesByName) {
+TEST_F(Playlists, tellTheirPropertiesByName) {
     const auto collections = MPMediaQuery::playlistsQuery().collections();
     const auto zulu = MPMediaPlaylist::playlistFromCollection(collections[0]).value();
     EXPECT_EQ(zulu.parentPersistentID(), 92U);
@@ -266,7 +266,7 @@ TEST_F(Playlists, TellTheirPropertiesByName) {
         std::nullopt);
 }
 
-TEST_F(Playlists, AreChosenByTheirOwnPropertiesAndFilledBySongs) {
+TEST_F(Playlists, areChosenByTheirOwnPropertiesAndFilledBySongs) {
     MPMediaQuery query =
         filtered(filtered(MPMediaQuery::playlistsQuery(), false, "isHidden"), false, "isFolder");
     EXPECT_THAT(namesOf(query.collections()), ElementsAre("Zulu"));
@@ -283,7 +283,7 @@ TEST_F(Playlists, AreChosenByTheirOwnPropertiesAndFilledBySongs) {
                 IsEmpty());
 }
 
-TEST_F(Playlists, FindTheirSongsAgain) {
+TEST_F(Playlists, findTheirSongsAgain) {
     const auto playlists = MPMediaQuery::playlistsQuery().collections();
     EXPECT_THAT(titles(playlists[0].itemsQuery().items()), ElementsAre("b", "a", "a"));
     EXPECT_THAT(

@@ -168,7 +168,7 @@ TEST_F(MediaSnapshotFileTest, anUnchangedLibraryIsReadOnce) {
     EXPECT_EQ(source.readings, 1);
 }
 
-TEST_F(MediaSnapshotFileTest, aChangedLibraryIsReadAnew) {
+TEST_F(MediaSnapshotFileTest, aChangedLibraryIsReadAgain) {
     CountedSource source;
     const MediaSnapshotCache cache(directory);
     ASSERT_TRUE(cache.read(source));
@@ -192,7 +192,7 @@ TEST_F(MediaSnapshotFileTest, twoLibrariesAreKeptApart) {
     EXPECT_EQ(first.readings + second.readings, 2);
 }
 
-TEST_F(MediaSnapshotFileTest, anotherLocaleReadsAnew) {
+TEST_F(MediaSnapshotFileTest, anotherLocaleReadsAgain) {
     CountedSource source;
     const MediaSnapshotCache cache(directory);
     ASSERT_TRUE(cache.read(source));
@@ -222,7 +222,7 @@ TEST_F(MediaSnapshotFileTest, aLibraryThatCantTellItsLookIsAlwaysRead) {
     EXPECT_TRUE(std::filesystem::is_empty(directory));
 }
 
-TEST_F(MediaSnapshotFileTest, aFailedReadingIsToldAndNotKept) {
+TEST_F(MediaSnapshotFileTest, aFailedReadingIsReportedAndNotKept) {
     CountedSource source;
     source.fails = true;
     const MediaSnapshotCache cache(directory);

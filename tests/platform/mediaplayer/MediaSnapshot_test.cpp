@@ -25,7 +25,7 @@ class MediaSnapshotTest : public testing::Test {
     MediaLibraryFixture fixture_;
 };
 
-TEST_F(MediaSnapshotTest, StandsInTheOrderOfSortTitles) {
+TEST_F(MediaSnapshotTest, standsInTheOrderOfSortTitles) {
     const auto snapshot = snapshotOf({{.title = "The Wall", .sortTitle = "Wall"},
                                       {.title = "zebra"},
                                       {.title = "Track 10"},
@@ -34,7 +34,7 @@ TEST_F(MediaSnapshotTest, StandsInTheOrderOfSortTitles) {
     EXPECT_THAT(titles(*snapshot), ElementsAre("Élan", "Track 9", "Track 10", "The Wall", "zebra"));
 }
 
-TEST_F(MediaSnapshotTest, BreaksTiesByTextThenByPersistentID) {
+TEST_F(MediaSnapshotTest, breaksTiesByTextThenByPersistentID) {
     const auto snapshot = snapshotOf({{.title = "a", .persistentID = 9},
                                       {.title = "A", .persistentID = 8},
                                       {.title = "a", .persistentID = 7}});
@@ -43,7 +43,7 @@ TEST_F(MediaSnapshotTest, BreaksTiesByTextThenByPersistentID) {
     EXPECT_EQ(snapshot->songs()[2].persistentID, 9U);
 }
 
-TEST_F(MediaSnapshotTest, OrdersLongCommonBeginnings) {
+TEST_F(MediaSnapshotTest, ordersLongCommonBeginnings) {
     const auto snapshot = snapshotOf({{.title = "Symphony No. 5 in C minor: IV"},
                                       {.title = "Symphony No. 5 in C minor: II"},
                                       {.title = "Symphony No. 5 in C minor: I"}});
@@ -52,7 +52,7 @@ TEST_F(MediaSnapshotTest, OrdersLongCommonBeginnings) {
                             "Symphony No. 5 in C minor: IV"));
 }
 
-TEST_F(MediaSnapshotTest, KeepsTheFirstOfOnePersistentIDAndCountsTheOthers) {
+TEST_F(MediaSnapshotTest, keepsTheFirstOfOnePersistentIDAndCountsTheOthers) {
     const auto snapshot = snapshotOf({{.title = "first", .persistentID = 5},
                                       {.title = "second", .persistentID = 5},
                                       {.title = "third", .persistentID = 6}});
@@ -130,7 +130,7 @@ TEST_F(MediaSnapshotTest, anIdentifierThatWasGivenAwayGoesToNobodyElse) {
     EXPECT_EQ(builder.finish()->songs().size(), 3U);
 }
 
-TEST_F(MediaSnapshotTest, TakesAStoreIdentifierFromAllSongsThatShareIt) {
+TEST_F(MediaSnapshotTest, takesAStoreIdentifierFromAllSongsThatShareIt) {
     const auto snapshot = snapshotOf({{.title = "a", .persistentID = 1, .storeID = "900"},
                                       {.title = "b", .persistentID = 2, .storeID = "901"},
                                       {.title = "c", .persistentID = 3, .storeID = "900"},
@@ -141,7 +141,7 @@ TEST_F(MediaSnapshotTest, TakesAStoreIdentifierFromAllSongsThatShareIt) {
     EXPECT_EQ(item(snapshot, 4).playbackStoreID(), "");
 }
 
-TEST_F(MediaSnapshotTest, FallsBackToTheArtistOutsideOfCompilationsOnly) {
+TEST_F(MediaSnapshotTest, fallsBackToTheArtistOutsideOfCompilationsOnly) {
     const auto snapshot =
         snapshotOf({{.title = "own", .artist = "A", .persistentID = 1},
                     {.title = "tagged", .artist = "A", .albumArtist = "B", .persistentID = 2},
@@ -151,7 +151,7 @@ TEST_F(MediaSnapshotTest, FallsBackToTheArtistOutsideOfCompilationsOnly) {
     EXPECT_EQ(item(snapshot, 3).albumArtist(), std::nullopt);
 }
 
-TEST_F(MediaSnapshotTest, GivesCollectionsIdentifiersThatOutliveTheSnapshot) {
+TEST_F(MediaSnapshotTest, givesCollectionsIdentifiersThatOutliveTheSnapshot) {
     const auto one = snapshotOf({{.title = "x", .artist = "A", .albumTitle = "L"}});
     const auto other = snapshotOf({{.title = "before", .artist = "B", .albumTitle = "L"},
                                    {.title = "y", .artist = "A", .albumTitle = "L"}});
@@ -163,13 +163,13 @@ TEST_F(MediaSnapshotTest, GivesCollectionsIdentifiersThatOutliveTheSnapshot) {
     EXPECT_NE(item(other, 1).artistPersistentID(), item(other, 2).artistPersistentID());
 }
 
-TEST_F(MediaSnapshotTest, HashesNamesTheSameEverywhere) {
+TEST_F(MediaSnapshotTest, hashesNamesTheSameEverywhere) {
     EXPECT_EQ(mediaTextHash("Artist"), mediaTextHash(std::string("Art") + "ist"));
     EXPECT_NE(mediaTextHash(""), 0U);
     EXPECT_EQ(mediaTextHash("Nerinda"), 0xf79ab87abb671c30U);
 }
 
-TEST_F(MediaSnapshotTest, LeavesPlaylistEntriesOutThatNameNoSong) {
+TEST_F(MediaSnapshotTest, leavesPlaylistEntriesOutThatNameNoSong) {
     const auto snapshot =
         snapshotOf({{.title = "b", .persistentID = 20}, {.title = "a", .persistentID = 10}},
                    {{.name = "P", .persistentID = 1, .songs = {20, 99, 10, 20}},
@@ -179,7 +179,7 @@ TEST_F(MediaSnapshotTest, LeavesPlaylistEntriesOutThatNameNoSong) {
     EXPECT_THAT(snapshot->songsOfPlaylist(snapshot->playlists()[1]), ElementsAre(0));
 }
 
-TEST_F(MediaSnapshotTest, KeepsAbsentTextsAndDatesApartFromPlainOnes) {
+TEST_F(MediaSnapshotTest, keepsAbsentTextsAndDatesApartFromPlainOnes) {
     const NSDate epoch;
     const auto snapshot = snapshotOf({{.title = "dated", .lastPlayed = epoch, .persistentID = 1},
                                       {.title = "", .artist = "", .persistentID = 2}});
@@ -190,14 +190,14 @@ TEST_F(MediaSnapshotTest, KeepsAbsentTextsAndDatesApartFromPlainOnes) {
     EXPECT_EQ(item(snapshot, 2).artistPersistentID(), 0U);
 }
 
-TEST_F(MediaSnapshotTest, AnEmptySnapshotAnswers) {
+TEST_F(MediaSnapshotTest, anEmptySnapshotAnswers) {
     const auto snapshot = snapshotOf({});
     EXPECT_TRUE(snapshot->songs().empty());
     EXPECT_EQ(snapshot->positionOfPersistentID(1), std::nullopt);
     EXPECT_EQ(MediaSnapshot::empty()->positionOfPersistentID(1), std::nullopt);
 }
 
-TEST_F(MediaSnapshotTest, ABuilderIsEmptyAfterwards) {
+TEST_F(MediaSnapshotTest, aBuilderIsEmptyAfterwards) {
     MediaSnapshotBuilder builder;
     builder.addSong({.persistentID = 1, .title = "a"});
     EXPECT_EQ(builder.finish()->songs().size(), 1U);
@@ -207,7 +207,7 @@ TEST_F(MediaSnapshotTest, ABuilderIsEmptyAfterwards) {
     EXPECT_EQ(second->droppedSongCount(), 0U);
 }
 
-TEST_F(MediaSnapshotTest, FindsEverySongOfALargeLibrary) {
+TEST_F(MediaSnapshotTest, findsEverySongOfALargeLibrary) {
     std::vector<TestSong> songs;
     for (std::uint64_t i = 1; i <= 3000; ++i) {
         songs.push_back({.title = "Song " + std::to_string(i % 700), .persistentID = i * 7919});

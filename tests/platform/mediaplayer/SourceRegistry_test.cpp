@@ -22,7 +22,7 @@ SourceRegistry::Kind kindNamed(const std::string& name) {
             }};
 }
 
-TEST(SourceRegistry, MakesASourceOfAKnownKind) {
+TEST(SourceRegistry, makesASourceOfAKnownKind) {
     SourceRegistry registry;
     registry.registerKind(kindNamed("plain"));
     const auto source = registry.create("plain", "somewhere");
@@ -30,7 +30,7 @@ TEST(SourceRegistry, MakesASourceOfAKnownKind) {
     EXPECT_EQ(source.value()->location(), "somewhere");
 }
 
-TEST(SourceRegistry, ListsTheKindsForAnUnknownOne) {
+TEST(SourceRegistry, listsTheKindsForAnUnknownOne) {
     SourceRegistry registry;
     registry.registerKind(kindNamed("one"));
     registry.registerKind(kindNamed("two"));
@@ -42,7 +42,7 @@ TEST(SourceRegistry, ListsTheKindsForAnUnknownOne) {
     EXPECT_EQ(registry.kinds()[1].help, "reads two");
 }
 
-TEST(SourceRegistry, TellsOfAKindByItsName) {
+TEST(SourceRegistry, tellsOfAKindByItsName) {
     SourceRegistry registry;
     registry.registerKind(kindNamed("one"));
     SourceRegistry::Kind counted = kindNamed("two");
@@ -54,13 +54,13 @@ TEST(SourceRegistry, TellsOfAKindByItsName) {
     EXPECT_EQ(registry.kindNamed("three"), nullptr);
 }
 
-TEST(SourceRegistryDeathTest, RefusesASecondKindOfOneName) {
+TEST(SourceRegistryDeathTest, refusesASecondKindOfOneName) {
     SourceRegistry registry;
     registry.registerKind(kindNamed("one"));
     EXPECT_DEATH(registry.registerKind(kindNamed("one")), "registered once");
 }
 
-TEST(Source, CanDoNothingButReadUnlessItSaysSo) {
+TEST(Source, canDoNothingButReadUnlessItSaysSo) {
     PlainSource source("x");
     EXPECT_FALSE(source.capabilities().canWriteLikes);
     EXPECT_FALSE(source.capabilities().canWritePlaylists);

@@ -20,7 +20,7 @@ using namespace std::string_view_literals;
 
 class SQLiteDatabaseTest : public test::SQLiteTest {};
 
-TEST_F(SQLiteDatabaseTest, ValuesStayInTheFile) {
+TEST_F(SQLiteDatabaseTest, valuesStayInTheFile) {
     {
         const auto database = opened();
         execute(*database, "CREATE TABLE Song(title TEXT, art BLOB, plays INTEGER, rating REAL)");
@@ -44,7 +44,7 @@ TEST_F(SQLiteDatabaseTest, ValuesStayInTheFile) {
     EXPECT_EQ(database->file(), file);
 }
 
-TEST_F(SQLiteDatabaseTest, ExecuteRunsSeveralStatements) {
+TEST_F(SQLiteDatabaseTest, executeRunsSeveralStatements) {
     const auto database = opened();
     execute(*database, "CREATE TABLE T(a); INSERT INTO T VALUES (1), (2), (3); SELECT * FROM T;");
     EXPECT_EQ(number(*database, "SELECT sum(a) FROM T"), 6);
@@ -52,7 +52,7 @@ TEST_F(SQLiteDatabaseTest, ExecuteRunsSeveralStatements) {
     EXPECT_EQ(database->changes(), 2);
 }
 
-TEST_F(SQLiteDatabaseTest, PrepareTakesExactlyOneStatement) {
+TEST_F(SQLiteDatabaseTest, prepareTakesExactlyOneStatement) {
     const auto database = opened();
     EXPECT_TRUE(database->prepare("SELECT 1 ;\n ").ok());
     const auto two = database->prepare("SELECT 1; DROP TABLE T");
@@ -66,7 +66,7 @@ TEST_F(SQLiteDatabaseTest, PrepareTakesExactlyOneStatement) {
     }
 }
 
-TEST_F(SQLiteDatabaseTest, ErrorsNameTheFileAndTheReason) {
+TEST_F(SQLiteDatabaseTest, errorsNameTheFileAndTheReason) {
     const auto database = opened();
     const auto executed = database->execute("SELECT * FROM Missing");
     ASSERT_FALSE(executed.ok());
@@ -78,7 +78,7 @@ TEST_F(SQLiteDatabaseTest, ErrorsNameTheFileAndTheReason) {
     EXPECT_THAT(statement.error().localizedDescription, HasSubstr("syntax error"));
 }
 
-TEST_F(SQLiteDatabaseTest, AMissingFileIsMadeOnlyWhenTold) {
+TEST_F(SQLiteDatabaseTest, aMissingFileIsMadeOnlyWhenReported) {
     for (const auto mode : {SQLiteDatabase::Mode::readOnly, SQLiteDatabase::Mode::readWrite}) {
         const auto database = SQLiteDatabase::open(file, mode);
         ASSERT_FALSE(database.ok());
@@ -91,7 +91,7 @@ TEST_F(SQLiteDatabaseTest, AMissingFileIsMadeOnlyWhenTold) {
     EXPECT_EQ(number(*opened(SQLiteDatabase::Mode::readWrite), "SELECT count(*) FROM T"), 0);
 }
 
-TEST_F(SQLiteDatabaseTest, AMissingFolderAndANamelessFileAreErrors) {
+TEST_F(SQLiteDatabaseTest, aMissingFolderAndANamelessFileAreErrors) {
     const auto nowhere = folder / "missing" / "test.sqlite";
     const auto database = SQLiteDatabase::open(nowhere, SQLiteDatabase::Mode::create);
     ASSERT_FALSE(database.ok());
@@ -101,7 +101,7 @@ TEST_F(SQLiteDatabaseTest, AMissingFolderAndANamelessFileAreErrors) {
     EXPECT_THAT(nameless.error().localizedDescription, HasSubstr("empty"));
 }
 
-TEST_F(SQLiteDatabaseTest, AFileOfAnotherKindIsFoundByTheFirstStatement) {
+TEST_F(SQLiteDatabaseTest, aFileOfAnotherKindIsFoundByTheFirstStatement) {
     std::ofstream(file) << std::string(4096, 'x');
     const auto database = opened();
     const auto read = database->execute("SELECT * FROM sqlite_master");
@@ -109,7 +109,7 @@ TEST_F(SQLiteDatabaseTest, AFileOfAnotherKindIsFoundByTheFirstStatement) {
     EXPECT_EQ(read.error().localizedDescription, fileFirst() + "file is not a database");
 }
 
-TEST_F(SQLiteDatabaseTest, ReadOnlyRefusesWrites) {
+TEST_F(SQLiteDatabaseTest, readOnlyRefusesWrites) {
     execute(*opened(), "CREATE TABLE T(a)");
     const auto database = opened(SQLiteDatabase::Mode::readOnly);
     const auto written = database->execute("INSERT INTO T VALUES (1)");
@@ -121,7 +121,7 @@ TEST_F(SQLiteDatabaseTest, ReadOnlyRefusesWrites) {
     EXPECT_EQ(number(*database, "SELECT count(*) FROM T"), 0);
 }
 
-TEST_F(SQLiteDatabaseTest, TheBusyTimeoutIsSet) {
+TEST_F(SQLiteDatabaseTest, theBusyTimeoutIsSet) {
     const auto database = opened();
     EXPECT_EQ(number(*database, "PRAGMA busy_timeout"), 0);
     database->setBusyTimeout(2.5);
@@ -172,7 +172,7 @@ TEST_F(SQLiteDatabaseTest, theLastFailureSaysWhatItWasAbout) {
     EXPECT_EQ(reader->lastFailure(), SQLiteFailure::disk);
 }
 
-TEST_F(SQLiteDatabaseTest, theLogIsLeftWhenClosingIfTold) {
+TEST_F(SQLiteDatabaseTest, theLogIsLeftWhenClosingIfAsked) {
     const std::filesystem::path log = file.string() + "-wal";
     for (const bool leaves : {true, false}) {
         const auto database = opened();
@@ -197,7 +197,7 @@ TEST_F(SQLiteDatabaseTest, aCommitLeavesALongLogToWhoeverShortensIt) {
     EXPECT_EQ(std::filesystem::file_size(file), small);
     database->shortenLog();
     EXPECT_GT(std::filesystem::file_size(file), large);
-    // The log begins anew, and grows no further however much is written.
+    // The log begins again, and grows no further however much is written.
     for (int i = 0; i < 5; ++i) {
         execute(*database, "UPDATE T SET a = zeroblob(6 << 20)");
         database->shortenLog();

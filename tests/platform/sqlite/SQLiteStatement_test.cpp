@@ -21,7 +21,7 @@ using namespace std::string_view_literals;
 
 class SQLiteStatementTest : public test::SQLiteTest {};
 
-TEST_F(SQLiteStatementTest, IntegersComeBackAsTheyWere) {
+TEST_F(SQLiteStatementTest, integersComeBackAsTheyWere) {
     const auto database = opened();
     auto echo = prepared(*database, "SELECT ?1, typeof(?1)");
     for (const std::int64_t value :
@@ -35,7 +35,7 @@ TEST_F(SQLiteStatementTest, IntegersComeBackAsTheyWere) {
     }
 }
 
-TEST_F(SQLiteStatementTest, RealsComeBackToTheLastBit) {
+TEST_F(SQLiteStatementTest, realsComeBackToTheLastBit) {
     const auto database = opened();
     auto echo = prepared(*database, "SELECT ?1, typeof(?1)");
     for (const double value :
@@ -52,7 +52,7 @@ TEST_F(SQLiteStatementTest, RealsComeBackToTheLastBit) {
     EXPECT_TRUE(echo.isNull(0));
 }
 
-TEST_F(SQLiteStatementTest, TextsAndBlobsComeBackByteForByte) {
+TEST_F(SQLiteStatementTest, textsAndBlobsComeBackByteForByte) {
     const auto database = opened();
     auto echo = prepared(*database, "SELECT ?1, typeof(?1), ?2, typeof(?2)");
     for (const std::string_view value : {"word"sv, "a\0b\0"sv, ""sv, std::string_view(),
@@ -74,7 +74,7 @@ TEST_F(SQLiteStatementTest, TextsAndBlobsComeBackByteForByte) {
     EXPECT_EQ(echo.blob(2), notText);
 }
 
-TEST_F(SQLiteStatementTest, NullsComeBackAsNulls) {
+TEST_F(SQLiteStatementTest, nullsComeBackAsNulls) {
     const auto database = opened();
     auto echo = prepared(*database, "SELECT ?1");
     echo.bindInteger(1, 7);
@@ -86,7 +86,7 @@ TEST_F(SQLiteStatementTest, NullsComeBackAsNulls) {
     EXPECT_EQ(echo.blob(0), "");
 }
 
-TEST_F(SQLiteStatementTest, BoundBytesAreCopied) {
+TEST_F(SQLiteStatementTest, boundBytesAreCopied) {
     const auto database = opened();
     auto rows = prepared(*database, "SELECT ?1 FROM (VALUES (1), (2), (3))");
     std::string value(100, 'x');
@@ -97,7 +97,7 @@ TEST_F(SQLiteStatementTest, BoundBytesAreCopied) {
     }
 }
 
-TEST_F(SQLiteStatementTest, AStatementIsReadyAgainAfterItsLastRow) {
+TEST_F(SQLiteStatementTest, aStatementIsReadyAgainAfterItsLastRow) {
     const auto database = opened();
     auto rows = prepared(*database,
                          "SELECT value FROM (SELECT 1 AS value UNION SELECT 2) "
@@ -112,7 +112,7 @@ TEST_F(SQLiteStatementTest, AStatementIsReadyAgainAfterItsLastRow) {
     }
 }
 
-TEST_F(SQLiteStatementTest, BindingEndsAReadingThatIsUnderWay) {
+TEST_F(SQLiteStatementTest, bindingEndsAReadingThatIsUnderWay) {
     const auto database = opened();
     auto rows = prepared(*database, "SELECT ?1 FROM (VALUES (1), (2))");
     rows.bindInteger(1, 1);
@@ -124,7 +124,7 @@ TEST_F(SQLiteStatementTest, BindingEndsAReadingThatIsUnderWay) {
     EXPECT_FALSE(hasRow(rows));
 }
 
-TEST_F(SQLiteStatementTest, ResetGivesTheReadLockBack) {
+TEST_F(SQLiteStatementTest, resetGivesTheReadLockBack) {
     const auto database = opened();
     execute(*database, "CREATE TABLE T(a); INSERT INTO T VALUES (1), (2)");
     const auto writer = opened();
@@ -135,7 +135,7 @@ TEST_F(SQLiteStatementTest, ResetGivesTheReadLockBack) {
     execute(*writer, "DROP TABLE T");
 }
 
-TEST_F(SQLiteStatementTest, RunDropsRows) {
+TEST_F(SQLiteStatementTest, runDropsRows) {
     const auto database = opened();
     execute(*database, "CREATE TABLE T(a)");
     auto insert = prepared(*database, "INSERT INTO T VALUES (1), (2) RETURNING a");
@@ -144,7 +144,7 @@ TEST_F(SQLiteStatementTest, RunDropsRows) {
     EXPECT_EQ(number(*database, "SELECT count(*) FROM T"), 4);
 }
 
-TEST_F(SQLiteStatementTest, StatementsMayMove) {
+TEST_F(SQLiteStatementTest, statementsMayMove) {
     const auto database = opened();
     auto first = prepared(*database, "SELECT 1");
     auto second = prepared(*database, "SELECT 2");
@@ -154,7 +154,7 @@ TEST_F(SQLiteStatementTest, StatementsMayMove) {
     EXPECT_EQ(third.integer(0), 2);
 }
 
-TEST_F(SQLiteStatementTest, AFailedStepTellsTheReasonAndCanBeRepeated) {
+TEST_F(SQLiteStatementTest, aFailedStepTellsTheReasonAndCanBeRepeated) {
     const auto database = opened();
     execute(*database, "CREATE TABLE T(a INTEGER UNIQUE)");
     auto insert = prepared(*database, "INSERT INTO T VALUES (?)");
@@ -167,7 +167,7 @@ TEST_F(SQLiteStatementTest, AFailedStepTellsTheReasonAndCanBeRepeated) {
     EXPECT_TRUE(insert.run().ok());
 }
 
-TEST_F(SQLiteStatementTest, AFailedBindingIsToldByTheNextStepOnly) {
+TEST_F(SQLiteStatementTest, aFailedBindingIsReportedByTheNextStepOnly) {
     const auto database = opened();
     auto echo = prepared(*database, "SELECT ?1");
     echo.bindInteger(2, 5);
@@ -180,7 +180,7 @@ TEST_F(SQLiteStatementTest, AFailedBindingIsToldByTheNextStepOnly) {
     EXPECT_EQ(echo.integer(0), 6);
 }
 
-TEST_F(SQLiteStatementTest, BytesBoundInPlaceAreReadWhereTheyLie) {
+TEST_F(SQLiteStatementTest, bytesBoundInPlaceAreReadWhereTheyAre) {
     const auto database = opened();
     auto echo = prepared(*database, "SELECT ?1, ?2, typeof(?1), typeof(?2)");
     std::string text = "one";
@@ -196,7 +196,7 @@ TEST_F(SQLiteStatementTest, BytesBoundInPlaceAreReadWhereTheyLie) {
     EXPECT_EQ(echo.text(3), "blob");
 }
 
-TEST_F(SQLiteStatementTest, AnOptionalTextTellsNullFromAnEmptyOne) {
+TEST_F(SQLiteStatementTest, anOptionalTextTellsNullFromAnEmptyOne) {
     const auto database = opened();
     auto values = prepared(*database, "SELECT NULL, '', 'x'");
     ASSERT_TRUE(hasRow(values));

@@ -14,7 +14,7 @@ using ::testing::StartsWith;
 
 class SQLiteTransactionTest : public test::SQLiteTest {};
 
-TEST_F(SQLiteTransactionTest, AnotherConnectionsTransactionLocksTheFile) {
+TEST_F(SQLiteTransactionTest, anotherConnectionsTransactionLocksTheFile) {
     const auto first = opened();
     const auto second = opened();
     execute(*first, "CREATE TABLE T(a)");
@@ -28,7 +28,7 @@ TEST_F(SQLiteTransactionTest, AnotherConnectionsTransactionLocksTheFile) {
     EXPECT_TRUE(SQLiteTransaction::begin(*second).ok());
 }
 
-TEST_F(SQLiteTransactionTest, ATransactionIsRolledBackUnlessCommitted) {
+TEST_F(SQLiteTransactionTest, aTransactionIsRolledBackUnlessCommitted) {
     const auto database = opened();
     execute(*database, "CREATE TABLE T(a)");
     {
@@ -48,7 +48,7 @@ TEST_F(SQLiteTransactionTest, ATransactionIsRolledBackUnlessCommitted) {
     EXPECT_EQ(number(*opened(), "SELECT count(*) FROM T"), 1);
 }
 
-TEST_F(SQLiteTransactionTest, AMovedTransactionIsRolledBackOnce) {
+TEST_F(SQLiteTransactionTest, aMovedTransactionIsRolledBackOnce) {
     const auto database = opened();
     execute(*database, "CREATE TABLE T(a)");
     std::optional begun(SQLiteTransaction::begin(*database));
@@ -63,7 +63,7 @@ TEST_F(SQLiteTransactionTest, AMovedTransactionIsRolledBackOnce) {
     EXPECT_EQ(number(*database, "SELECT count(*) FROM T"), 1);
 }
 
-TEST_F(SQLiteTransactionTest, AReadOnlyDatabaseIsRefusedAtOnce) {
+TEST_F(SQLiteTransactionTest, aReadOnlyDatabaseIsRefusedAtOnce) {
     execute(*opened(), "CREATE TABLE T(a)");
     const auto database = opened(SQLiteDatabase::Mode::readOnly);
     const auto begun = SQLiteTransaction::begin(*database);
@@ -72,7 +72,7 @@ TEST_F(SQLiteTransactionTest, AReadOnlyDatabaseIsRefusedAtOnce) {
                 StartsWith(fileFirst() + "the database cannot be written"));
 }
 
-TEST_F(SQLiteTransactionTest, ATransactionInsideAnotherIsAnError) {
+TEST_F(SQLiteTransactionTest, aTransactionInsideAnotherIsAnError) {
     const auto database = opened();
     const auto outer = SQLiteTransaction::begin(*database);
     ASSERT_TRUE(outer.ok());
@@ -81,7 +81,7 @@ TEST_F(SQLiteTransactionTest, ATransactionInsideAnotherIsAnError) {
     EXPECT_THAT(inner.error().localizedDescription, StartsWith(fileFirst()));
 }
 
-TEST_F(SQLiteTransactionTest, AFailedCommitIsRolledBack) {
+TEST_F(SQLiteTransactionTest, aFailedCommitIsRolledBack) {
     const auto database = opened();
     execute(*database,
             "PRAGMA foreign_keys = ON; CREATE TABLE Parent(id INTEGER PRIMARY KEY); CREATE TABLE "
@@ -99,7 +99,7 @@ TEST_F(SQLiteTransactionTest, AFailedCommitIsRolledBack) {
     EXPECT_TRUE(SQLiteTransaction::begin(*database).ok());
 }
 
-TEST_F(SQLiteTransactionTest, CommittingTwiceEndsTheProcess) {
+TEST_F(SQLiteTransactionTest, committingTwiceEndsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto database = opened();
     auto transaction = SQLiteTransaction::begin(*database);

@@ -19,13 +19,13 @@ class MusicXmlErrors : public testing::Test {
     MediaLibraryFixture region_;
 };
 
-TEST_F(MusicXmlErrors, NameTheFileTheLineAndWhatToDo) {
+TEST_F(MusicXmlErrors, nameTheFileTheLineAndWhatToDo) {
     EXPECT_EQ(ofTrack(integer("Play Count", "-1")),
               again("Library.xml, line 11: \"-1\" of the key \"Play Count\" is not a number that "
                     "it can be"));
 }
 
-TEST_F(MusicXmlErrors, OfNumbersOutOfTheirRange) {
+TEST_F(MusicXmlErrors, ofNumbersOutOfTheirRange) {
     for (const char* key : {"Total Time", "Year", "Disc Number", "Track Number", "Track Count"}) {
         EXPECT_EQ(ofTrack(integer(key, "2147483648")), "") << key;
         for (const char* value :
@@ -47,7 +47,7 @@ TEST_F(MusicXmlErrors, OfNumbersOutOfTheirRange) {
     EXPECT_NE(ofTrack(integer("Size", "-5")), "");
 }
 
-TEST_F(MusicXmlErrors, OfDates) {
+TEST_F(MusicXmlErrors, ofDates) {
     for (const char* key : {"Play Date UTC", "Skip Date", "Date Added", "Release Date"}) {
         EXPECT_EQ(ofTrack(date(key, "yesterday")),
                   again("Library.xml, line 11: \"yesterday\" of the key \"" + std::string(key) +
@@ -55,7 +55,7 @@ TEST_F(MusicXmlErrors, OfDates) {
     }
 }
 
-TEST_F(MusicXmlErrors, OfIdentifiers) {
+TEST_F(MusicXmlErrors, ofIdentifiers) {
     EXPECT_EQ(ofTrack(text("Persistent ID", "one two")),
               again("Library.xml, line 11: \"one two\" of the key \"Persistent ID\" is not up to "
                     "16 hexadecimal digits"));
@@ -66,7 +66,7 @@ TEST_F(MusicXmlErrors, OfIdentifiers) {
               "");
 }
 
-TEST_F(MusicXmlErrors, OfValuesOfTheWrongKind) {
+TEST_F(MusicXmlErrors, ofValuesOfTheWrongKind) {
     EXPECT_EQ(ofTrack("<key>Name</key><true/>\n"),
               again("Library.xml, line 11: the key \"Name\" has <true/> for a value"));
     EXPECT_EQ(ofTrack(text("Loved", "yes")), again("Library.xml, line 11: the value of the key "
@@ -80,7 +80,7 @@ TEST_F(MusicXmlErrors, OfValuesOfTheWrongKind) {
     EXPECT_NE(problemOf(library("", "<dict><key>Playlist Items</key><true/></dict>")), "");
 }
 
-TEST_F(MusicXmlErrors, OfKeysAndValuesThatDoNotPair) {
+TEST_F(MusicXmlErrors, ofKeysAndValuesThatDoNotPair) {
     EXPECT_EQ(ofTrack("<key>Name</key>\n<key>Artist</key><string>x</string>\n"),
               again("Library.xml, line 12: the key \"Name\" has no value"));
     EXPECT_EQ(ofTrack("<key>Name</key>\n"),
@@ -97,7 +97,7 @@ TEST_F(MusicXmlErrors, OfKeysAndValuesThatDoNotPair) {
               again("Library.xml, line 11: <b> does not belong into a property list"));
 }
 
-TEST_F(MusicXmlErrors, OfFilesThatAreNotWholeXml) {
+TEST_F(MusicXmlErrors, ofFilesThatAreNotWholeXml) {
     const std::string whole = library(track(1, text("Name", "x")));
     EXPECT_EQ(problemOf(""), again("Library.xml, line 1: the file is empty"));
     EXPECT_EQ(problemOf("\n\n"), again("Library.xml, line 3: the file ends too early"));
@@ -111,7 +111,7 @@ TEST_F(MusicXmlErrors, OfFilesThatAreNotWholeXml) {
     }
 }
 
-TEST_F(MusicXmlErrors, OfOtherDocuments) {
+TEST_F(MusicXmlErrors, ofOtherDocuments) {
     const std::string other = "; choose the Library.xml that the player exports";
     EXPECT_EQ(
         problemOf("<html></html>"),
@@ -124,7 +124,7 @@ TEST_F(MusicXmlErrors, OfOtherDocuments) {
               "Library.xml, line 1: the property list has no \"Tracks\"" + other);
 }
 
-TEST_F(MusicXmlErrors, OfDeclarationsOfEntities) {
+TEST_F(MusicXmlErrors, ofDeclarationsOfEntities) {
     const std::string bomb =
         "<?xml version=\"1.0\"?>\n<!DOCTYPE plist [\n<!ENTITY a \"aaaaaaaaaa\">\n<!ENTITY b "
         "\"&a;&a;&a;\">\n]>\n"
@@ -138,12 +138,12 @@ TEST_F(MusicXmlErrors, OfDeclarationsOfEntities) {
               "");
 }
 
-TEST_F(MusicXmlErrors, OfUnknownEntities) {
+TEST_F(MusicXmlErrors, ofUnknownEntities) {
     EXPECT_EQ(ofTrack(text("Name", "a&nbsp;b")),
               again("Library.xml, line 11: the entity &nbsp; is not known"));
 }
 
-TEST_F(MusicXmlErrors, OfDepth) {
+TEST_F(MusicXmlErrors, ofDepth) {
     std::string deep = "<dict><key>Tracks</key><dict/><key>x</key>";
     std::string end = "</dict>";
     const auto nested = [&](int levels) {
@@ -162,7 +162,7 @@ TEST_F(MusicXmlErrors, OfDepth) {
               again("Library.xml, line 1: the elements are nested more than 63 deep"));
 }
 
-TEST_F(MusicXmlErrors, ShortenLongTextsBetweenCharacters) {
+TEST_F(MusicXmlErrors, shortenLongTextsBetweenCharacters) {
     std::string name;
     for (int i = 0; i < 100000; ++i) {
         name += "é";
@@ -172,7 +172,7 @@ TEST_F(MusicXmlErrors, ShortenLongTextsBetweenCharacters) {
     EXPECT_NE(problem.find("éé...\" of"), std::string::npos) << problem;
 }
 
-TEST_F(MusicXmlErrors, StayOnOneLine) {
+TEST_F(MusicXmlErrors, stayOnOneLine) {
     EXPECT_EQ(
         ofTrack(date("Skip Date", "2021\n12-18T20:00:00Z")),
         again("Library.xml, line 12: \"2021 12-18T20:00:00Z\" of the key \"Skip Date\" is not a "
@@ -188,7 +188,7 @@ TEST_F(MusicXmlErrors, StayOnOneLine) {
     }
 }
 
-TEST_F(MusicXmlErrors, KeepSayingTheFirstProblem) {
+TEST_F(MusicXmlErrors, keepSayingTheFirstProblem) {
     MusicXmlParser parser("F", 0);
     const std::string bytes = "<dict>\n<string>";
     std::copy(bytes.begin(), bytes.end(), parser.buffer().begin());

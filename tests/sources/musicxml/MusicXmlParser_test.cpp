@@ -23,7 +23,7 @@ class MusicXmlParserTest : public testing::Test {
     MediaLibraryFixture region_;
 };
 
-TEST_F(MusicXmlParserTest, FillsASong) {
+TEST_F(MusicXmlParserTest, fillsASong) {
     const MPMediaItem item = onlySong(library(
         "<key>77</key><dict>" + integer("Track ID", "77") + text("Name", "The A &amp; B &#233;") +
         text("Artist", "Art") + text("Album Artist", "Both") + text("Album", "Alb") +
@@ -71,7 +71,7 @@ TEST_F(MusicXmlParserTest, FillsASong) {
     EXPECT_EQ(item.mediaType(), 1);
 }
 
-TEST_F(MusicXmlParserTest, ReadsMissingValuesAsZeroOrAbsent) {
+TEST_F(MusicXmlParserTest, readsMissingValuesAsZeroOrAbsent) {
     const MPMediaItem item = song("");
     EXPECT_EQ(item.title(), std::nullopt);
     EXPECT_EQ(item.lastPlayedDate(), std::nullopt);
@@ -81,7 +81,7 @@ TEST_F(MusicXmlParserTest, ReadsMissingValuesAsZeroOrAbsent) {
     EXPECT_FALSE(item.isCompilation());
 }
 
-TEST_F(MusicXmlParserTest, ReadsNeverAsAbsent) {
+TEST_F(MusicXmlParserTest, readsNeverAsAbsent) {
     const MPMediaItem item = song(date("Play Date UTC", "2040-02-06T06:28:16Z") +
                                   date("Skip Date", "1904-01-01T00:00:00Z") +
                                   date("Date Added", "2014-04-24T09:28:38Z"));
@@ -90,7 +90,7 @@ TEST_F(MusicXmlParserTest, ReadsNeverAsAbsent) {
     EXPECT_NE(item.dateAdded(), std::nullopt);
 }
 
-TEST_F(MusicXmlParserTest, TellsWhatIsNotMusic) {
+TEST_F(MusicXmlParserTest, tellsWhatIsNotMusic) {
     EXPECT_EQ(song(yes("Podcast")).mediaType(), 2);
     EXPECT_EQ(song(yes("Audiobook")).mediaType(), 4);
     EXPECT_EQ(song(yes("Movie") + yes("Has Video")).mediaType(), 256);
@@ -100,13 +100,13 @@ TEST_F(MusicXmlParserTest, TellsWhatIsNotMusic) {
     EXPECT_EQ(song("<key>Podcast</key><false/>").mediaType(), 1);
 }
 
-TEST_F(MusicXmlParserTest, ReadsLikesAndTheirOpposite) {
+TEST_F(MusicXmlParserTest, readsLikesAndTheirOpposite) {
     EXPECT_EQ(song(yes("Favorited")).likedState(), 2U);
     EXPECT_EQ(song(yes("Disliked")).likedState(), 3U);
     EXPECT_EQ(song("<key>Loved</key><false/>").likedState(), 0U);
 }
 
-TEST_F(MusicXmlParserTest, TellsSongsWithoutAFile) {
+TEST_F(MusicXmlParserTest, tellsSongsWithoutAFile) {
     EXPECT_TRUE(song(text("Track Type", "Remote")).isCloudItem());
     EXPECT_TRUE(song(yes("Apple Music")).isCloudItem());
     EXPECT_FALSE(song(yes("Apple Music") + text("Location", "file:///a")).isCloudItem());
@@ -114,11 +114,11 @@ TEST_F(MusicXmlParserTest, TellsSongsWithoutAFile) {
     EXPECT_FALSE(song("").isCloudItem());
 }
 
-TEST_F(MusicXmlParserTest, TellsSongsOutsideOfTheLibrary) {
+TEST_F(MusicXmlParserTest, tellsSongsOutsideOfTheLibrary) {
     EXPECT_FALSE(song(yes("Playlist Only")).existsInLibrary());
 }
 
-TEST_F(MusicXmlParserTest, KnowsASongWithoutIdentifierByItsPlace) {
+TEST_F(MusicXmlParserTest, knowsASongWithoutIdentifierByItsPlace) {
     const std::string begin = "<key>1</key><dict>" + integer("Track ID", "1") + text("Name", "N");
     const auto idOf = [&](const std::string& values) {
         return onlySong(library(begin + values + "</dict>")).persistentID();
@@ -131,7 +131,7 @@ TEST_F(MusicXmlParserTest, KnowsASongWithoutIdentifierByItsPlace) {
     EXPECT_EQ(onlySong(library(begin + "</dict>")).cloudUniversalLibraryId(), std::nullopt);
 }
 
-TEST_F(MusicXmlParserTest, CountsTracksOfOneIdentifier) {
+TEST_F(MusicXmlParserTest, countsTracksOfOneIdentifier) {
     const auto outcome = parsed(library(track(1, "") + track(1, "") + track(2, "")));
     ASSERT_TRUE(outcome.ok());
     EXPECT_EQ(outcome.value()->songs().size(), 2U);
@@ -148,7 +148,7 @@ std::string playlist(const std::string& name, const std::string& values,
            "</array></dict>\n";
 }
 
-TEST_F(MusicXmlParserTest, ReadsPlaylistsAndFolders) {
+TEST_F(MusicXmlParserTest, readsPlaylistsAndFolders) {
     const auto outcome = parsed(library(
         track(30, text("Name", "b")) + track(20, text("Name", "a")),
         playlist("Library", yes("Master") + "<key>Visible</key><false/>", {30, 20}) +
@@ -207,7 +207,7 @@ TEST_F(MusicXmlParserTest, twoTracksOfOneIdentifierAreListedEachByItsNumber) {
     EXPECT_EQ(snapshot.duplicates().size(), 1U);
 }
 
-TEST_F(MusicXmlParserTest, ReadsPlaylistsThatComeBeforeTheTracks) {
+TEST_F(MusicXmlParserTest, readsPlaylistsThatComeBeforeTheTracks) {
     const auto outcome = parsed(plist("<dict><key>Playlists</key><array>" + playlist("P", "", {5}) +
                                       "</array><key>Tracks</key><dict>" +
                                       track(5, text("Name", "x")) + "</dict></dict>"));
@@ -215,7 +215,7 @@ TEST_F(MusicXmlParserTest, ReadsPlaylistsThatComeBeforeTheTracks) {
     EXPECT_THAT(outcome.value()->songsOfPlaylist(outcome.value()->playlists()[0]), ElementsAre(0));
 }
 
-TEST_F(MusicXmlParserTest, PassesOverWhatIsOfNoUse) {
+TEST_F(MusicXmlParserTest, passesOverWhatIsOfNoUse) {
     const MPMediaItem item =
         onlySong(plist("<dict>" + date("Date", "not read") + integer("Features", "5") +
                        "<key>Extra</key><dict><key>Tracks</key><array><dict><key>Name</"
@@ -227,7 +227,7 @@ TEST_F(MusicXmlParserTest, PassesOverWhatIsOfNoUse) {
     EXPECT_EQ(item.title(), "yes");
 }
 
-TEST_F(MusicXmlParserTest, ReadsWindowsLineEndsAndAByteOrderMark) {
+TEST_F(MusicXmlParserTest, readsWindowsLineEndsAndAByteOrderMark) {
     std::string bytes = "\xEF\xBB\xBF";
     for (const char byte : library(track(1, text("Name", "one\ntwo")))) {
         bytes += byte == '\n' ? std::string("\r\n") : std::string(1, byte);
@@ -235,25 +235,25 @@ TEST_F(MusicXmlParserTest, ReadsWindowsLineEndsAndAByteOrderMark) {
     EXPECT_EQ(onlySong(bytes).title(), "one\ntwo");
 }
 
-TEST_F(MusicXmlParserTest, ReadsALibraryWithoutItsRootElement) {
+TEST_F(MusicXmlParserTest, readsALibraryWithoutItsRootElement) {
     EXPECT_EQ(onlySong("<dict><key>Tracks</key><dict>" + track(1, text("Name", "bare")) +
                        "</dict></dict>")
                   .title(),
               "bare");
 }
 
-TEST_F(MusicXmlParserTest, ReadsATextOfAMillionCharacters) {
+TEST_F(MusicXmlParserTest, readsATextOfAMillionCharacters) {
     const std::string name(1000000, 'x');
     EXPECT_EQ(song(text("Name", name)).title(), name);
 }
 
-TEST_F(MusicXmlParserTest, ReadsAnEmptyLibrary) {
+TEST_F(MusicXmlParserTest, readsAnEmptyLibrary) {
     const auto outcome = parsed(library(""));
     ASSERT_TRUE(outcome.ok());
     EXPECT_TRUE(outcome.value()->songs().empty());
 }
 
-TEST_F(MusicXmlParserTest, ReadsTheSameInPiecesOfAnySize) {
+TEST_F(MusicXmlParserTest, readsTheSameInPiecesOfAnySize) {
     const std::string bytes =
         library(track(1, text("Name", "héllo &lt;") + integer("Play Count", "3")));
     for (std::size_t size = 1; size < 40; ++size) {

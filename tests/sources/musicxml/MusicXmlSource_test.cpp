@@ -39,14 +39,14 @@ class MusicXmlSourceTest : public testing::Test {
     std::filesystem::path directory_;
 };
 
-TEST_F(MusicXmlSourceTest, ReadsAFile) {
+TEST_F(MusicXmlSourceTest, readsAFile) {
     MusicXmlSource source(write(library(track(1, text("Name", "x")))));
     const auto outcome = source.read();
     ASSERT_TRUE(outcome.ok()) << outcome.error().localizedDescription;
     EXPECT_EQ(outcome.value()->text(0, SongText::title), "x");
 }
 
-TEST_F(MusicXmlSourceTest, NamesTheFileInErrors) {
+TEST_F(MusicXmlSourceTest, namesTheFileInErrors) {
     const auto file = write("<dict>");
     EXPECT_EQ(problemOfFile(file),
               file.string() + ", line 1: the file ends too early; export the library again");
@@ -55,7 +55,7 @@ TEST_F(MusicXmlSourceTest, NamesTheFileInErrors) {
               file.string() + ", line 1: the file is empty; export the library again");
 }
 
-TEST_F(MusicXmlSourceTest, SaysWhyAFileCannotBeRead) {
+TEST_F(MusicXmlSourceTest, saysWhyAFileCannotBeRead) {
     const auto missing = directory_ / "none.xml";
     EXPECT_EQ(problemOfFile(missing),
               missing.string() +
@@ -67,7 +67,7 @@ TEST_F(MusicXmlSourceTest, SaysWhyAFileCannotBeRead) {
               "/dev/null: this is not a file; choose the Library.xml that the player exports");
 }
 
-TEST_F(MusicXmlSourceTest, SaysThatAFileMayNotBeRead) {
+TEST_F(MusicXmlSourceTest, saysThatAFileMayNotBeRead) {
     const auto file = write(library(""));
     std::filesystem::permissions(file, std::filesystem::perms::none);
     if (std::ifstream(file).is_open()) {
@@ -76,13 +76,13 @@ TEST_F(MusicXmlSourceTest, SaysThatAFileMayNotBeRead) {
     EXPECT_NE(problemOfFile(file).find("Permission denied"), std::string::npos);
 }
 
-TEST_F(MusicXmlSourceTest, SaysThatReadingBrokeOff) {
+TEST_F(MusicXmlSourceTest, saysThatReadingBrokeOff) {
     // Opens like a file, but its first bytes cannot be read.
     EXPECT_NE(problemOfFile("/proc/self/mem").find("the file cannot be read (Input/output error)"),
               std::string::npos);
 }
 
-TEST_F(MusicXmlSourceTest, RegistersItsKind) {
+TEST_F(MusicXmlSourceTest, registersItsKind) {
     SourceRegistry registry;
     registerMusicXmlSource(registry);
     const auto source = registry.create("music-xml", "/music/Library.xml");
@@ -127,18 +127,18 @@ class Settling : public testing::Test {
     int brokenReadings = 0;
 };
 
-TEST_F(Settling, ReadsAQuietFileOnce) {
+TEST_F(Settling, readsAQuietFileOnce) {
     EXPECT_TRUE(readWith({5, 5}).ok());
     EXPECT_EQ(readings, 1);
 }
 
-TEST_F(Settling, ReadsAChangedFileAgain) {
+TEST_F(Settling, readsAChangedFileAgain) {
     brokenReadings = 1;
     EXPECT_TRUE(readWith({5, 6, 6, 6}).ok());
     EXPECT_EQ(readings, 2);
 }
 
-TEST_F(Settling, GivesUpOnAFileThatKeepsChanging) {
+TEST_F(Settling, givesUpOnAFileThatKeepsChanging) {
     const auto outcome = readWith({5, 6, 6, 7});
     ASSERT_FALSE(outcome.ok());
     EXPECT_EQ(outcome.error().localizedDescription,
@@ -148,7 +148,7 @@ TEST_F(Settling, GivesUpOnAFileThatKeepsChanging) {
     EXPECT_EQ(readings, 2);
 }
 
-TEST_F(Settling, ReportsAQuietBrokenFile) {
+TEST_F(Settling, reportsAQuietBrokenFile) {
     brokenReadings = 9;
     EXPECT_EQ(readWith({5, 5}).error().localizedDescription, "broken");
     EXPECT_EQ(readings, 1);
@@ -164,7 +164,7 @@ class RealLibraries : public MusicXmlSourceTest {
     }
 };
 
-TEST_F(RealLibraries, HoldTheSongsOfThreeDays) {
+TEST_F(RealLibraries, holdTheSongsOfThreeDays) {
     TAVRION_SKIP_WITHOUT_REAL_DATA();
     const auto first = read("one-library-2021-12-19.xml");
     const auto second = read("one-library-2021-12-20.xml");
@@ -188,7 +188,7 @@ TEST_F(RealLibraries, HoldTheSongsOfThreeDays) {
     EXPECT_EQ(plays, 25U);
 }
 
-TEST_F(RealLibraries, LeavePodcastsFilmsAndNeverOut) {
+TEST_F(RealLibraries, leavePodcastsFilmsAndNeverOut) {
     TAVRION_SKIP_WITHOUT_REAL_DATA();
     const auto snapshot = read("podcasts-films-and-never-dates.xml");
     EXPECT_EQ(snapshot->songs().size() + snapshot->droppedSongCount(), 402U);
@@ -207,7 +207,7 @@ TEST_F(RealLibraries, LeavePodcastsFilmsAndNeverOut) {
     }
 }
 
-TEST_F(RealLibraries, ReadTheSmallestExports) {
+TEST_F(RealLibraries, readTheSmallestExports) {
     TAVRION_SKIP_WITHOUT_REAL_DATA();
     for (const char* name : {"three-tracks-1.xml", "three-tracks-2.xml"}) {
         EXPECT_EQ(read(name)->songs().size(), 3U) << name;

@@ -11,7 +11,7 @@ double seconds1970(const char* text) {
     return musicXmlDate(text).value().timeIntervalSince1970();
 }
 
-TEST(MusicXmlValues, ReadsDates) {
+TEST(MusicXmlValues, readsDates) {
     EXPECT_EQ(seconds1970("1970-01-01T00:00:00Z"), 0);
     EXPECT_EQ(seconds1970("2001-01-01T00:00:00Z"), 978307200);
     EXPECT_EQ(seconds1970("2021-12-19T08:15:01Z"), 1639901701);
@@ -21,7 +21,7 @@ TEST(MusicXmlValues, ReadsDates) {
     EXPECT_EQ(seconds1970("0001-01-01T00:00:00Z"), -62135596800);
 }
 
-TEST(MusicXmlValues, RefusesWhatIsNotADate) {
+TEST(MusicXmlValues, refusesWhatIsNotADate) {
     for (const char* text : {"",
                              "2021-12-19",
                              "2021-12-19T08:15:01",
@@ -46,7 +46,7 @@ TEST(MusicXmlValues, RefusesWhatIsNotADate) {
     }
 }
 
-TEST(MusicXmlValues, KnowsNever) {
+TEST(MusicXmlValues, knowsNever) {
     for (const char* text :
          {"2040-02-06T06:28:15Z", "2040-02-05T00:00:00Z", "2040-02-07T23:59:59Z",
           "1904-01-01T00:00:00Z", "1903-12-31T16:00:00Z", "1904-01-02T12:00:00Z"}) {
@@ -58,7 +58,7 @@ TEST(MusicXmlValues, KnowsNever) {
     }
 }
 
-TEST(MusicXmlValues, ReadsIntegers) {
+TEST(MusicXmlValues, readsIntegers) {
     EXPECT_EQ(musicXmlInteger("0"), 0);
     EXPECT_EQ(musicXmlInteger("+12"), 12);
     EXPECT_EQ(musicXmlInteger("-12"), -12);
@@ -69,7 +69,7 @@ TEST(MusicXmlValues, ReadsIntegers) {
     }
 }
 
-TEST(MusicXmlValues, ReadsPersistentIDs) {
+TEST(MusicXmlValues, readsPersistentIDs) {
     EXPECT_EQ(musicXmlPersistentID("1ABA8417E4946A32"), 0x1ABA8417E4946A32U);
     EXPECT_EQ(musicXmlPersistentID("ffffffffffffffff"), 0xFFFFFFFFFFFFFFFFU);
     for (const char* text : {"", "1ABA8417E4946A321", "0x12", "12 34", "-1", "xyz"}) {
@@ -77,7 +77,7 @@ TEST(MusicXmlValues, ReadsPersistentIDs) {
     }
 }
 
-TEST(MusicXmlKeys, KnowsEachKeyByItsName) {
+TEST(MusicXmlKeys, knowsEachKeyByItsName) {
     for (std::uint8_t i = 0; i < static_cast<std::uint8_t>(MusicXmlKey::unknown); ++i) {
         const auto key = static_cast<MusicXmlKey>(i);
         EXPECT_EQ(musicXmlKeyNamed(nameOfMusicXmlKey(key)), key) << nameOfMusicXmlKey(key);

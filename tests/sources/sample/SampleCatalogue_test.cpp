@@ -24,7 +24,7 @@ std::uint32_t songsAt(const SampleCatalogue& catalogue, NSDate instant, bool isS
     return count;
 }
 
-TEST(SampleCatalogue, HasAsManySongsAsAskedForOnceItIsFull) {
+TEST(SampleCatalogue, hasAsManySongsAsAskedForOnceItIsFull) {
     for (const std::uint32_t size : {1U, 2U, 7U, 10U, 99U, 500U, 3000U}) {
         const SampleCatalogue catalogue(1, size);
         for (const char* const when :
@@ -35,7 +35,7 @@ TEST(SampleCatalogue, HasAsManySongsAsAskedForOnceItIsFull) {
     }
 }
 
-TEST(SampleCatalogue, GrowsUntilThen) {
+TEST(SampleCatalogue, growsUntilThen) {
     const SampleCatalogue catalogue(1, 3000);
     std::uint32_t before = 0;
     for (const char* const when :
@@ -49,7 +49,7 @@ TEST(SampleCatalogue, GrowsUntilThen) {
     EXPECT_EQ(songsAt(catalogue, instant("2004-12-31T00:00:00Z")), 0U);
 }
 
-TEST(SampleCatalogue, NewMusicKeepsComingAndUnheardMusicGoesForIt) {
+TEST(SampleCatalogue, newMusicKeepsComingAndUnheardMusicGoesForIt) {
     const SampleCatalogue catalogue(1, 3000);
     const NSDate first = instant("2026-08-23T00:00:00Z");
     const NSDate last = instant("2026-11-21T00:00:00Z");
@@ -68,7 +68,7 @@ TEST(SampleCatalogue, NewMusicKeepsComingAndUnheardMusicGoesForIt) {
         << "the streamed singles of every other week";
 }
 
-TEST(SampleCatalogue, MusicOfAWeekIsThereForItsFirstHearingEverywhere) {
+TEST(SampleCatalogue, musicOfAWeekIsThereForItsFirstHearingEverywhere) {
     const SampleCatalogue catalogue(1, 20000);
     const double furthestAhead = 14 * 3600;
     for (std::uint32_t song = catalogue.endOfWeek(0); song < catalogue.songCount(); ++song) {
@@ -90,7 +90,7 @@ TEST(SampleCatalogue, MusicOfAWeekIsThereForItsFirstHearingEverywhere) {
     }
 }
 
-TEST(SampleCatalogue, AlbumsFollowOneAnotherWithoutGapsInTheOrderOfTheirComing) {
+TEST(SampleCatalogue, albumsFollowOneAnotherWithoutGapsInTheOrderOfTheirComing) {
     const SampleCatalogue catalogue(5, 4000);
     std::uint32_t next = 0;
     for (const SampleAlbum& album : catalogue.albums()) {
@@ -101,7 +101,7 @@ TEST(SampleCatalogue, AlbumsFollowOneAnotherWithoutGapsInTheOrderOfTheirComing) 
     EXPECT_EQ(next, catalogue.songCount());
 }
 
-TEST(SampleCatalogue, IdentifiersAreTheSongsOwn) {
+TEST(SampleCatalogue, identifiersAreTheSongsOwn) {
     const SampleCatalogue catalogue(1, 5000);
     std::set<std::uint64_t> seen{0};
     for (std::uint32_t song = 0; song < catalogue.songCount(); ++song) {
@@ -118,7 +118,7 @@ TEST(SampleCatalogue, IdentifiersAreTheSongsOwn) {
               std::nullopt);
 }
 
-TEST(SampleCatalogue, NoTwoSongsShareTitleAndDuration) {
+TEST(SampleCatalogue, noTwoSongsShareTitleAndDuration) {
     const SampleCatalogue catalogue(1, 100000);
     std::set<std::pair<std::string, double>> seen;
     for (std::uint32_t song = 0; song < catalogue.songCount(); ++song) {
@@ -130,7 +130,7 @@ TEST(SampleCatalogue, NoTwoSongsShareTitleAndDuration) {
     }
 }
 
-TEST(SampleCatalogueDeathTest, RefusesImpossibleSizes) {
+TEST(SampleCatalogueDeathTest, refusesImpossibleSizes) {
     EXPECT_DEATH(SampleCatalogue(1, 0), "1 to 2,000,000");
     EXPECT_DEATH(SampleCatalogue(1, SampleCatalogue::mostSongs + 1), "1 to 2,000,000");
 }
@@ -177,7 +177,7 @@ Tally tallyOf(const SampleCatalogue& catalogue) {
     return tally;
 }
 
-TEST(SampleSongTexts, ALibraryHasAllKindsOfSongs) {
+TEST(SampleSongTexts, aLibraryHasAllKindsOfSongs) {
     const Tally tally = tallyOf(SampleCatalogue(1, 3000));
     for (const auto& [what, count] : tally.counts) {
         EXPECT_GT(count, 0U) << what;
@@ -215,7 +215,7 @@ TEST(SampleSongTexts, theMusicIsTheSameInEveryVersion) {
     EXPECT_EQ(sum, 17245237932949619157U);
 }
 
-TEST(SampleSongTexts, ACompilationHasManyArtistsAndAnAlbumOne) {
+TEST(SampleSongTexts, aCompilationHasManyArtistsAndAnAlbumOne) {
     const SampleCatalogue catalogue(1, 3000);
     std::uint32_t compilations = 0;
     for (const SampleAlbum& album : catalogue.albums()) {
@@ -230,7 +230,7 @@ TEST(SampleSongTexts, ACompilationHasManyArtistsAndAnAlbumOne) {
     EXPECT_GT(compilations, 3U);
 }
 
-TEST(SampleSongTexts, TracksCountUpDiscByDisc) {
+TEST(SampleSongTexts, tracksCountUpDiscByDisc) {
     const SampleCatalogue catalogue(1, 3000);
     SampleSongTexts texts(catalogue);
     std::set<std::uint32_t> discs;
@@ -255,7 +255,7 @@ TEST(SampleSongTexts, TracksCountUpDiscByDisc) {
     EXPECT_EQ(discs, (std::set<std::uint32_t>{1, 2}));
 }
 
-TEST(SampleSongTexts, NothingComesOutAfterItWasAdded) {
+TEST(SampleSongTexts, nothingComesOutAfterItWasAdded) {
     const SampleCatalogue catalogue(1, 3000);
     SampleSongTexts texts(catalogue);
     const NSTimeZone greenwich;
@@ -275,7 +275,7 @@ TEST(SampleSongTexts, NothingComesOutAfterItWasAdded) {
     EXPECT_GT(addedOnReleaseDay, 100U);
 }
 
-TEST(SampleSongTexts, StreamedSinglesAreOutsideTheLibrary) {
+TEST(SampleSongTexts, streamedSinglesAreOutsideTheLibrary) {
     const SampleCatalogue catalogue(1, 10);
     const std::uint32_t single = catalogue.streamedSongOfWeek(470).value();
     SampleSongTexts texts(catalogue);

@@ -32,7 +32,7 @@ const SampleCatalogue& smallCatalogue() {
     return catalogue;
 }
 
-TEST(SampleListener, CountsRiseByThePlaysInBetween) {
+TEST(SampleListener, countsRiseByThePlaysInBetween) {
     const SampleCatalogue& catalogue = smallCatalogue();
     for (const char* const zone : zones) {
         const SampleListener listener(catalogue, zoneNamed(zone));
@@ -59,7 +59,7 @@ TEST(SampleListener, CountsRiseByThePlaysInBetween) {
     }
 }
 
-TEST(SampleListener, AnInstantOfAnEndCountsAsAfterIt) {
+TEST(SampleListener, anInstantOfAnEndCountsAsAfterIt) {
     const SampleListener listener(smallCatalogue(), zoneNamed("UTC"));
     const NSDate start = instant("2026-03-01T00:00:00Z");
     const std::vector<SamplePlay> plays =
@@ -74,7 +74,7 @@ TEST(SampleListener, AnInstantOfAnEndCountsAsAfterIt) {
         plays[1].isWhole ? std::optional(end) : listener.countsAt(start)[plays[1].song].lastPlayed);
 }
 
-TEST(SampleListener, PlaysLastAsLongAsTheSongAndNeverOverlap) {
+TEST(SampleListener, playsLastAsLongAsTheSongAndNeverOverlap) {
     const SampleCatalogue& catalogue = smallCatalogue();
     for (const char* const zone : zones) {
         const SampleListener listener(catalogue, zoneNamed(zone));
@@ -101,7 +101,7 @@ TEST(SampleListener, PlaysLastAsLongAsTheSongAndNeverOverlap) {
     }
 }
 
-TEST(SampleListener, OnlySongsThatAreThereAreHeard) {
+TEST(SampleListener, onlySongsThatAreThereAreHeard) {
     const SampleCatalogue catalogue(3, 5000);
     for (const char* const zone : zones) {
         const SampleListener listener(catalogue, zoneNamed(zone));
@@ -113,7 +113,7 @@ TEST(SampleListener, OnlySongsThatAreThereAreHeard) {
     }
 }
 
-TEST(SampleListener, TheSameSongsAreHeardWhereverTheListenerIs) {
+TEST(SampleListener, theSameSongsAreHeardWhereverTheListenerIs) {
     const auto songsOf = [](const char* zone) {
         const SampleListener listener(smallCatalogue(), zoneNamed(zone));
         const NSTimeZone place = zoneNamed(zone);
@@ -132,7 +132,7 @@ TEST(SampleListener, TheSameSongsAreHeardWhereverTheListenerIs) {
     }
 }
 
-TEST(SampleListener, BeforeTheFirstAndAfterTheLastDayThereIsSilence) {
+TEST(SampleListener, beforeTheFirstAndAfterTheLastDayThereIsSilence) {
     const SampleListener listener(smallCatalogue(), zoneNamed("UTC"));
     EXPECT_TRUE(
         listener.playsBetween(NSDate::distantPast(), instant("2016-01-01T00:00:00Z")).empty());
@@ -178,7 +178,7 @@ Rhythm rhythmOfYear(const SampleListener& listener, const NSTimeZone& zone) {
     return rhythm;
 }
 
-TEST(SampleListener, DaysAndWeeksHaveTheirRhythmByTheWallClock) {
+TEST(SampleListener, daysAndWeeksHaveTheirRhythmByTheWallClock) {
     // So large that sessions are not shortened.
     const SampleCatalogue catalogue(1, 20'000);
     for (const char* const name : {"UTC", "America/New_York", "Pacific/Kiritimati"}) {
@@ -204,7 +204,7 @@ TEST(SampleListener, DaysAndWeeksHaveTheirRhythmByTheWallClock) {
     }
 }
 
-TEST(SampleListener, FavouritesAreHeardFarMoreThanTheRest) {
+TEST(SampleListener, favouritesAreHeardFarMoreThanTheRest) {
     const SampleCatalogue catalogue(1, 3000);
     const SampleListener listener(catalogue, zoneNamed("UTC"));
     std::vector<std::uint64_t> plays;
@@ -228,7 +228,7 @@ TEST(SampleListener, FavouritesAreHeardFarMoreThanTheRest) {
     EXPECT_LT(plays.front(), 3000U) << "less than once a day";
 }
 
-TEST(SampleListener, DiscoveriesAreHeardMostInTheWeeksAfterTheyCame) {
+TEST(SampleListener, discoveriesAreHeardMostInTheWeeksAfterTheyCame) {
     const SampleCatalogue catalogue(1, 3000);
     const SampleListener listener(catalogue, zoneNamed("UTC"));
     constexpr double week = 7 * 86400.0;
@@ -249,7 +249,7 @@ TEST(SampleListener, DiscoveriesAreHeardMostInTheWeeksAfterTheyCame) {
     EXPECT_GT(playsByTenWeeks[3], 0U);
 }
 
-TEST(SampleListener, ASongIsHeardOnTheDayItCameOut) {
+TEST(SampleListener, aSongIsHeardOnTheDayItCameOut) {
     const SampleCatalogue catalogue(1, 3000);
     const NSTimeZone zone = zoneNamed("America/New_York");
     const SampleListener listener(catalogue, zone);
@@ -262,7 +262,7 @@ TEST(SampleListener, ASongIsHeardOnTheDayItCameOut) {
     EXPECT_GT(heard, 10U);
 }
 
-TEST(SampleListener, MoreMusicMeansALittleMoreListening) {
+TEST(SampleListener, moreMusicMeansALittleMoreListening) {
     const auto playsOfYear = [](std::uint32_t songs) {
         const SampleCatalogue catalogue(1, songs);
         return SampleListener(catalogue, zoneNamed("UTC"))
@@ -276,7 +276,7 @@ TEST(SampleListener, MoreMusicMeansALittleMoreListening) {
     EXPECT_LT(many, 3 * few);
 }
 
-TEST(SampleDay, SessionsFollowOneAnotherAndLeaveAnHourToTheNextDay) {
+TEST(SampleDay, sessionsFollowOneAnotherAndLeaveAnHourToTheNextDay) {
     constexpr double longestLastSong = 900.0 / 3600;
     for (std::int64_t day = 0; day < 4000; ++day) {
         double free = 0.75;
@@ -289,7 +289,7 @@ TEST(SampleDay, SessionsFollowOneAnotherAndLeaveAnHourToTheNextDay) {
     }
 }
 
-TEST(SampleDay, AFewDaysAreQuiet) {
+TEST(SampleDay, aFewDaysAreQuiet) {
     std::size_t quiet = 0;
     for (std::int64_t day = 0; day < 10'000; ++day) {
         quiet += sessionsOfDay(9, day, 1).empty() ? 1 : 0;
@@ -297,7 +297,7 @@ TEST(SampleDay, AFewDaysAreQuiet) {
     EXPECT_NEAR(static_cast<double>(quiet) / 10'000, quietDayChance, 0.01);
 }
 
-TEST(SampleDay, SaturdayAndSundayAreTheWeekend) {
+TEST(SampleDay, saturdayAndSundayAreTheWeekend) {
     EXPECT_FALSE(isWeekend(CivilDay::fromDate(2026, 2, 27).number));
     EXPECT_TRUE(isWeekend(CivilDay::fromDate(2026, 2, 28).number));
     EXPECT_TRUE(isWeekend(CivilDay::fromDate(2026, 3, 1).number));

@@ -12,7 +12,7 @@
 namespace tavrion {
 namespace {
 
-TEST(SampleWorks, EveryPieceHasATitleOfItsOwn) {
+TEST(SampleWorks, everyPieceHasATitleOfItsOwn) {
     for (const SampleWork& work : sampleWorks()) {
         std::set<std::string> titles;
         for (std::uint32_t number = 0; number < work.pieceCount; ++number) {
@@ -25,7 +25,7 @@ TEST(SampleWorks, EveryPieceHasATitleOfItsOwn) {
     }
 }
 
-TEST(SampleWorks, NoListedPieceIsLeftOut) {
+TEST(SampleWorks, noListedPieceIsLeftOut) {
     for (const SampleWork& work : sampleWorks()) {
         const auto separators = std::count(work.pieces.begin(), work.pieces.end(), '|');
         if (separators > 0) {
@@ -34,7 +34,7 @@ TEST(SampleWorks, NoListedPieceIsLeftOut) {
     }
 }
 
-TEST(SampleWorks, EverySetOfPlayersHasSomethingToPlay) {
+TEST(SampleWorks, everySetOfPlayersHasSomethingToPlay) {
     for (std::uint32_t forces = 0; forces < sampleForcesCount; ++forces) {
         EXPECT_TRUE(std::any_of(sampleWorks().begin(), sampleWorks().end(),
                                 [&](const SampleWork& work) {
@@ -44,7 +44,7 @@ TEST(SampleWorks, EverySetOfPlayersHasSomethingToPlay) {
     }
 }
 
-TEST(SampleWorks, PatternsAreFilledIn) {
+TEST(SampleWorks, patternsAreFilledIn) {
     const SampleWork keys{"X", "X", "X", SampleForces::keyboard, 24, 1, 2, "Fugue in @"};
     EXPECT_EQ(titleOfPiece(keys, 0), "Fugue in C Major");
     EXPECT_EQ(titleOfPiece(keys, 3), "Fugue in C-sharp Minor");
@@ -56,7 +56,7 @@ TEST(SampleWorks, PatternsAreFilledIn) {
     EXPECT_EQ(titleOfPiece(list, 2), "Three");
 }
 
-TEST(SampleNames, ShareOfStylesIsAHundred) {
+TEST(SampleNames, shareOfStylesIsAHundred) {
     EXPECT_EQ(SampleData::styles.size(), sampleStyleCount);
     std::uint32_t sum = 0;
     for (std::uint32_t style = 0; style < sampleStyleCount; ++style) {
@@ -65,7 +65,7 @@ TEST(SampleNames, ShareOfStylesIsAHundred) {
     EXPECT_EQ(sum, 100U);
 }
 
-TEST(SampleNames, AGenreIsOneOfItsStyle) {
+TEST(SampleNames, aGenreIsOneOfItsStyle) {
     std::set<std::string_view> genres;
     for (std::uint64_t seed = 0; seed < 1000; ++seed) {
         genres.insert(genreOf(SampleStyle::hipHop, seed));
@@ -73,7 +73,7 @@ TEST(SampleNames, AGenreIsOneOfItsStyle) {
     EXPECT_EQ(genres, (std::set<std::string_view>{"Hip-Hop/Rap", "R&B/Soul"}));
 }
 
-TEST(SampleNames, SortNamesAreWithoutTheArticleOrWithTheFamilyFirst) {
+TEST(SampleNames, sortNamesAreWithoutTheArticleOrWithTheFamilyFirst) {
     std::uint32_t articles = 0;
     std::uint32_t people = 0;
     for (std::uint64_t seed = 0; seed < 500; ++seed) {
@@ -116,7 +116,7 @@ void expectFittingArticle(const std::string& title) {
     }
 }
 
-TEST(SampleNames, TitlesAreVariedAndWhole) {
+TEST(SampleNames, titlesAreVariedAndWhole) {
     std::set<std::string> titles;
     for (std::uint64_t seed = 0; seed < 2000; ++seed) {
         for (const std::string& title :

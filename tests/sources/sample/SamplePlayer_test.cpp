@@ -41,7 +41,7 @@ class SamplePlayerTest : public SampleTest {
     static constexpr std::uint32_t third = 60;
 };
 
-TEST_F(SamplePlayerTest, IsStoppedUntilSomethingIsQueuedAndWaitsToBePlayed) {
+TEST_F(SamplePlayerTest, isStoppedUntilSomethingIsQueuedAndWaitsToBePlayed) {
     EXPECT_EQ(status().state, PlaybackState::stopped);
     EXPECT_EQ(status().song, std::nullopt);
     play();
@@ -54,7 +54,7 @@ TEST_F(SamplePlayerTest, IsStoppedUntilSomethingIsQueuedAndWaitsToBePlayed) {
     EXPECT_TRUE(endings().empty());
 }
 
-TEST_F(SamplePlayerTest, PlaysByTheClockAlone) {
+TEST_F(SamplePlayerTest, playsByTheClockAlone) {
     setQueue({idOf(first), idOf(second), idOf(third)});
     play();
     const NSDate start = clock.now();
@@ -77,7 +77,7 @@ TEST_F(SamplePlayerTest, PlaysByTheClockAlone) {
                                                     {idOf(third), thirdEnd, true}}));
 }
 
-TEST_F(SamplePlayerTest, ASongHasEndedAtTheVeryInstantOfItsEnd) {
+TEST_F(SamplePlayerTest, aSongHasEndedAtTheVeryInstantOfItsEnd) {
     setQueue({idOf(first), idOf(second)});
     play();
     const NSDate end = clock.now().dateByAddingTimeInterval(durationOf(first));
@@ -90,7 +90,7 @@ TEST_F(SamplePlayerTest, ASongHasEndedAtTheVeryInstantOfItsEnd) {
     EXPECT_EQ(endings().size(), 1U);
 }
 
-TEST_F(SamplePlayerTest, APauseStandsStillAndGoesOnWhereItWas) {
+TEST_F(SamplePlayerTest, aPauseStandsStillAndGoesOnWhereItWas) {
     setQueue({idOf(first)});
     play();
     clock.advance(20);
@@ -106,7 +106,7 @@ TEST_F(SamplePlayerTest, APauseStandsStillAndGoesOnWhereItWas) {
     EXPECT_NEAR(endings()[0].date.timeIntervalSinceDate(resumed), durationOf(first) - 20, 1e-6);
 }
 
-TEST_F(SamplePlayerTest, PlayingWhatPlaysChangesNothing) {
+TEST_F(SamplePlayerTest, playingWhatPlaysChangesNothing) {
     setQueue({idOf(first)});
     play();
     clock.advance(20);
@@ -115,7 +115,7 @@ TEST_F(SamplePlayerTest, PlayingWhatPlaysChangesNothing) {
     EXPECT_NEAR(status().position, 40, 1e-6);
 }
 
-TEST_F(SamplePlayerTest, SkippingCountsTheSongAsLeft) {
+TEST_F(SamplePlayerTest, skippingCountsTheSongAsLeft) {
     setQueue({idOf(first), idOf(second)});
     play();
     clock.advance(10);
@@ -131,14 +131,14 @@ TEST_F(SamplePlayerTest, SkippingCountsTheSongAsLeft) {
     EXPECT_EQ(endings().size(), 2U);
 }
 
-TEST_F(SamplePlayerTest, APausedSongIsSkippedWithoutPlayingTheNext) {
+TEST_F(SamplePlayerTest, aPausedSongIsSkippedWithoutPlayingTheNext) {
     setQueue({idOf(first), idOf(second)});
     skip();
     EXPECT_EQ(status().state, PlaybackState::paused);
     EXPECT_EQ(status().song, idOf(second));
 }
 
-TEST_F(SamplePlayerTest, ANewQueueKeepsWhatWasHeard) {
+TEST_F(SamplePlayerTest, aNewQueueKeepsWhatWasHeard) {
     setQueue({idOf(first), idOf(second)});
     play();
     clock.advance(durationOf(first) + 1);
@@ -149,21 +149,21 @@ TEST_F(SamplePlayerTest, ANewQueueKeepsWhatWasHeard) {
     EXPECT_EQ(endings()[0].song, idOf(first));
 }
 
-TEST_F(SamplePlayerTest, TheSameSongMayBeQueuedAgain) {
+TEST_F(SamplePlayerTest, theSameSongMayBeQueuedAgain) {
     setQueue({idOf(first), idOf(first)});
     play();
     clock.advance(3 * durationOf(first));
     EXPECT_EQ(endings().size(), 2U);
 }
 
-TEST_F(SamplePlayerTest, SongsThatAreNotThereAreLeftOut) {
+TEST_F(SamplePlayerTest, songsThatAreNotThereAreLeftOut) {
     setQueue({12345, idOf(first), idOf(catalogue.songCount() - 1)});
     EXPECT_EQ(file.read().value().queue.songs, std::vector<std::uint64_t>{idOf(first)});
     setQueue({12345});
     EXPECT_EQ(status().state, PlaybackState::stopped);
 }
 
-TEST_F(SamplePlayerTest, SongsOfAnotherLibraryInTheQueueArePassedOver) {
+TEST_F(SamplePlayerTest, songsOfAnotherLibraryInTheQueueArePassedOver) {
     ASSERT_TRUE(file.change([&](SampleState& state) {
         state.queue.songs = {12345, idOf(first), 777};
         state.queue.playingSince = clock.now();
@@ -173,7 +173,7 @@ TEST_F(SamplePlayerTest, SongsOfAnotherLibraryInTheQueueArePassedOver) {
     EXPECT_EQ(endings().size(), 1U);
 }
 
-TEST_F(SamplePlayerTest, BeforeItBeganToPlayItStandsWhereItWas) {
+TEST_F(SamplePlayerTest, beforeItBeganToPlayItStandsWhereItWas) {
     setQueue({idOf(first)});
     play();
     clock.advance(-3600);
@@ -182,7 +182,7 @@ TEST_F(SamplePlayerTest, BeforeItBeganToPlayItStandsWhereItWas) {
     EXPECT_TRUE(endings().empty());
 }
 
-TEST_F(SamplePlayerTest, WhatIsKeptIsTheSameHoweverOftenItIsLookedAt) {
+TEST_F(SamplePlayerTest, whatIsKeptIsTheSameHoweverOftenItIsLookedAt) {
     setQueue({idOf(first), idOf(second), idOf(third)});
     play();
     for (int i = 0; i < 40; ++i) {
@@ -203,7 +203,7 @@ TEST_F(SamplePlayerTest, WhatIsKeptIsTheSameHoweverOftenItIsLookedAt) {
     }
 }
 
-TEST_F(SamplePlayerTest, ABrokenFileIsTold) {
+TEST_F(SamplePlayerTest, aBrokenFileIsReported) {
     ASSERT_TRUE(file.change([](SampleState& state) { state.likedStates[1] = 2; }));
     std::filesystem::resize_file(file.path(), 5);
     SamplePlayer player(file, catalogue);

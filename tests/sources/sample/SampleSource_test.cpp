@@ -40,7 +40,7 @@ bool areByteEqual(const MediaSnapshot& a, const MediaSnapshot& b) {
            bytesOf(a.parts().playlistSongs) == bytesOf(b.parts().playlistSongs);
 }
 
-TEST_F(SampleSourceTest, TheSameSeedSizeAndInstantGiveTheSameLibrary) {
+TEST_F(SampleSourceTest, theSameSeedSizeAndInstantGiveTheSameLibrary) {
     const auto first = read();
     clock.advance(100'000);
     const auto later = read();
@@ -52,7 +52,7 @@ TEST_F(SampleSourceTest, TheSameSeedSizeAndInstantGiveTheSameLibrary) {
     EXPECT_FALSE(std::filesystem::exists(stateFile())) << "nothing is kept of a reading";
 }
 
-TEST_F(SampleSourceTest, TheNumberOfSongsIsTheLocation) {
+TEST_F(SampleSourceTest, theNumberOfSongsIsTheLocation) {
     EXPECT_EQ(sourceOf("")->location(), "3000");
     EXPECT_EQ(sourceOf("12")->location(), "12");
     EXPECT_EQ(sourceOf("")->kind(), "sample");
@@ -68,7 +68,7 @@ TEST_F(SampleSourceTest, TheNumberOfSongsIsTheLocation) {
     }
 }
 
-TEST_F(SampleSourceTest, CanDoEverything) {
+TEST_F(SampleSourceTest, canDoEverything) {
     const auto source = sourceOf("10");
     EXPECT_TRUE(source->capabilities().canWriteLikes);
     EXPECT_TRUE(source->capabilities().canWritePlaylists);
@@ -86,7 +86,7 @@ TEST_F(SampleSourceTest, noticesWhatTheUserChanges) {
     EXPECT_EQ(changed.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
 }
 
-TEST_F(SampleSourceTest, CountsAndDatesAreThoseOfTheListenerInTheCurrentZone) {
+TEST_F(SampleSourceTest, countsAndDatesAreThoseOfTheListenerInTheCurrentZone) {
     const auto snapshot = read();
     const SampleCatalogue catalogue(SampleSource::usualSeed, 500);
     const std::vector<SampleCounts> counts =
@@ -113,7 +113,7 @@ TEST_F(SampleSourceTest, CountsAndDatesAreThoseOfTheListenerInTheCurrentZone) {
     EXPECT_EQ(snapshot->droppedSongCount(), 0U);
 }
 
-TEST_F(SampleSourceTest, ASongIsNotThereBeforeItWasAdded) {
+TEST_F(SampleSourceTest, aSongIsNotThereBeforeItWasAdded) {
     const auto now = byPersistentID(*read());
     const SampleCatalogue catalogue(SampleSource::usualSeed, 500);
     const std::uint32_t last = 499;
@@ -128,7 +128,7 @@ TEST_F(SampleSourceTest, ASongIsNotThereBeforeItWasAdded) {
     EXPECT_TRUE(read()->songs().empty());
 }
 
-TEST_F(SampleSourceTest, PlaylistsHaveAFolderAHiddenOneAndAnEmptyOne) {
+TEST_F(SampleSourceTest, playlistsHaveAFolderAHiddenOneAndAnEmptyOne) {
     const auto snapshot = read();
     std::size_t folders = 0;
     std::size_t children = 0;
@@ -155,7 +155,7 @@ TEST_F(SampleSourceTest, PlaylistsHaveAFolderAHiddenOneAndAnEmptyOne) {
     EXPECT_EQ(empty, 1U);
 }
 
-TEST_F(SampleSourceTest, LikesAndPlaylistsAreThereInTheNextProcess) {
+TEST_F(SampleSourceTest, likesAndPlaylistsAreThereInTheNextProcess) {
     const SampleCatalogue catalogue(SampleSource::usualSeed, 500);
     const std::uint64_t song = catalogue.persistentIDOfSong(300);
     const std::uint64_t other = catalogue.persistentIDOfSong(301);
@@ -190,7 +190,7 @@ TEST_F(SampleSourceTest, LikesAndPlaylistsAreThereInTheNextProcess) {
     EXPECT_FALSE(sourceOf("500")->addToPlaylist(99, {}));
 }
 
-TEST_F(SampleSourceTest, WhatThePlayerPlaysCountsAtALaterReading) {
+TEST_F(SampleSourceTest, whatThePlayerPlaysCountsAtALaterReading) {
     const SampleCatalogue catalogue(SampleSource::usualSeed, 500);
     const std::uint64_t song = catalogue.persistentIDOfSong(300);
     const std::uint64_t left = catalogue.persistentIDOfSong(301);
@@ -224,7 +224,7 @@ TEST_F(SampleSourceTest, WhatThePlayerPlaysCountsAtALaterReading) {
     EXPECT_EQ(byPersistentID(*read()).at(left).skipCount, skips);
 }
 
-TEST_F(SampleSourceTest, ABrokenFileIsToldInOneLineAndStays) {
+TEST_F(SampleSourceTest, aBrokenFileIsReportedInOneLineAndStays) {
     std::ofstream(stateFile()) << "not JSON";
     const auto source = sourceOf("50");
     const auto snapshot = source->read();
@@ -237,13 +237,13 @@ TEST_F(SampleSourceTest, ABrokenFileIsToldInOneLineAndStays) {
     EXPECT_EQ(std::filesystem::file_size(stateFile()), 8U);
 }
 
-TEST_F(SampleSourceTest, ALibraryOfAHundredThousandSongs) {
+TEST_F(SampleSourceTest, aLibraryOfAHundredThousandSongs) {
     const auto snapshot = read(100'000);
     EXPECT_EQ(snapshot->songs().size(), 100'031U);
     EXPECT_EQ(snapshot->droppedSongCount(), 0U);
 }
 
-TEST_F(SampleSourceTest, EverySmallSizeCanBeRead) {
+TEST_F(SampleSourceTest, everySmallSizeCanBeRead) {
     for (std::uint32_t songs = 1; songs < 40; ++songs) {
         EXPECT_EQ(read(songs)->songs().size(), songs + 31U);
     }

@@ -27,7 +27,7 @@ std::string contentOf(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-TEST(SampleState, ReadsBackWhatWasWritten) {
+TEST(SampleState, readsBackWhatWasWritten) {
     const auto read = SampleState::fromText(fullState().text());
     ASSERT_TRUE(read) << read.error().localizedDescription;
     EXPECT_EQ(read.value(), fullState());
@@ -37,7 +37,7 @@ TEST(SampleState, ReadsBackWhatWasWritten) {
     EXPECT_EQ(SampleState::fromText(SampleState().text()).value(), SampleState());
 }
 
-TEST(SampleState, ANameThatIsNotTextIsKeptAsFarAsItIs) {
+TEST(SampleState, aNameThatIsNotTextIsKeptAsFarAsItIs) {
     SampleState state;
     state.playlists = {{1, "a\xFFz", {}}};
     EXPECT_EQ(SampleState::fromText(state.text()).value().playlists[0].name, "a\xEF\xBF\xBDz");
@@ -51,7 +51,7 @@ std::string changed(const std::string& from, const std::string& to) {
     return text.replace(place, from.size(), to);
 }
 
-TEST(SampleState, WhatIsNotAsItWasWrittenIsAnError) {
+TEST(SampleState, whatIsNotAsItWasWrittenIsAnError) {
     for (const std::string& text :
          {std::string(),
           std::string("{"),
@@ -83,7 +83,7 @@ TEST(SampleState, WhatIsNotAsItWasWrittenIsAnError) {
     }
 }
 
-TEST(SampleStateFile, AMissingFileIsAnEmptyStateAndAChangeMakesIt) {
+TEST(SampleStateFile, aMissingFileIsAnEmptyStateAndAChangeMakesIt) {
     const TestFolder folder;
     const SampleStateFile file(folder.path() / "state.json");
     EXPECT_EQ(file.read().value(), SampleState());
@@ -96,7 +96,7 @@ TEST(SampleStateFile, AMissingFileIsAnEmptyStateAndAChangeMakesIt) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "state.json.new"));
 }
 
-TEST(SampleStateFile, ABrokenFileIsToldInOneLineAndStays) {
+TEST(SampleStateFile, aBrokenFileIsReportedInOneLineAndStays) {
     const TestFolder folder;
     const SampleStateFile file(folder.path() / "state.json");
     std::ofstream(file.path()) << "{\"format\": 1, ";
@@ -111,7 +111,7 @@ TEST(SampleStateFile, ABrokenFileIsToldInOneLineAndStays) {
     EXPECT_EQ(contentOf(file.path()), "{\"format\": 1, ");
 }
 
-TEST(SampleStateFile, WhatCanNotBeWrittenIsToldAndTheOldFileStays) {
+TEST(SampleStateFile, whatCanNotBeWrittenIsReportedAndTheOldFileStays) {
     const TestFolder folder;
     const SampleStateFile file(folder.path() / "state.json");
     ASSERT_TRUE(file.change([](SampleState& state) { state = fullState(); }));
@@ -126,7 +126,7 @@ TEST(SampleStateFile, WhatCanNotBeWrittenIsToldAndTheOldFileStays) {
     EXPECT_FALSE(directory.read());
 }
 
-TEST(SampleStateFile, ChangesOfSeveralWritersAreAllKept) {
+TEST(SampleStateFile, changesOfSeveralWritersAreAllKept) {
     const TestFolder folder;
     std::vector<std::thread> writers;
     constexpr std::uint64_t changes = 25;

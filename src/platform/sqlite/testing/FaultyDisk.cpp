@@ -127,7 +127,7 @@ class FaultyDisk::FileSystem {
   private:
     using Operation = DiskFault::Operation;
 
-    /// What SQLite holds of an open file. Behind it lies the true one.
+    /// What SQLite holds of an open file. Behind it is the true one.
     struct File {
         sqlite3_file base;
         FileSystem* owner;

@@ -2,7 +2,7 @@
 // once or from then on.
 //
 // Queue: made and unmade on the test's thread while no database is open; armed and asked from any
-// thread. While it lives, every database of the process lies on it.
+// thread. While it lives, every database of the process is on it.
 #pragma once
 
 #include <cstddef>
