@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/mediaplayer/MPMediaQuery.h"
+#include "recording/PlaybackHistory.h"
 #include "recording/RVPlaybackHistoryManager.h"
 #include "sources/sample/SampleSource.h"
 #include "tests/session/SessionFixture.h"
@@ -71,6 +72,27 @@ TEST_F(SessionTest, aScanOfOneSessionIsReadByTheNext) {
     ASSERT_TRUE(session->openStore());
     EXPECT_EQ(session->records()->table(NerindaEntity::PlayEvent).size(), 2U);
     EXPECT_TRUE(failures.endings.empty());
+}
+
+TEST_F(SessionTest, withoutTheLockNothingIsWritten) {
+    {
+        const auto session = opened();
+        writerOf(*session);
+        ASSERT_TRUE(session->openStore());
+        ASSERT_TRUE(writerOf(*session).resignActive());
+    }
+    {
+        const auto session = opened();
+        ASSERT_TRUE(session->openStore());
+        PlaybackHistory::insert(*session->data().mainContext()).setTitle("Forgotten lock");
+        session->data().saveMainContext();
+        session->mainQueue().runUntilIdle();
+        ASSERT_EQ(failures.endings.size(), 1U);
+        EXPECT_NE(failures.endings[0].localizedDescription.find("reading"), std::string::npos);
+    }
+    const auto session = opened();
+    ASSERT_TRUE(session->openStore());
+    EXPECT_EQ(session->records()->table(NerindaEntity::PlaybackHistory).size(), 0U);
 }
 
 TEST_F(SessionTest, safetyCopiesOfOneInstantHaveNamesOfTheirOwn) {

@@ -566,5 +566,37 @@ TEST_F(TavrionctlTest, playsAreFoundByTheirSongAlsoAfterAnotherSongWasDeleted) {
     EXPECT_EQ(gone.status, 1);
 }
 
+/// The superuser may write everywhere, so that the command runs as nobody.
+TEST_F(TavrionctlTest, aCopyThatCanOnlyBeReadIsReadByAnotherUserToo) {
+    writeExport({{1, "One", 1, "2026-02-28T10:00:00Z"}});
+    useExport();
+    run("--quiet --now 2026-03-01T12:00:00Z scan --since all");
+    const std::string asNobody =
+        "TZ=UTC LC_ALL=C setpriv --reuid=65534 --regid=65534 --clear-groups";
+    std::filesystem::permissions(directory, std::filesystem::perms(0755));
+    const bool isSuperuser = ::geteuid() == 0;
+    if (isSuperuser &&
+        std::system(("env " + asNobody + " test -x '" TAVRIONCTL "'").c_str()) != 0) {
+        GTEST_SKIP() << "setpriv is missing, or nobody may not run the program";
+    }
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(data())) {
+        std::filesystem::permissions(entry.path(),
+                                     std::filesystem::perms(entry.is_directory() ? 0555 : 0444));
+    }
+    std::filesystem::permissions(data(), std::filesystem::perms(0555));
+    const std::string environment = isSuperuser ? asNobody : "TZ=UTC LC_ALL=C";
+    const auto before = std::filesystem::last_write_time(data());
+    const CommandRun plays = run("--quiet --json plays", environment);
+    ASSERT_EQ(plays.status, 0) << plays.err;
+    EXPECT_EQ(plays.value().size(), 1U);
+    const CommandRun history =
+        run("--quiet --json --now 2026-03-01T12:00:00Z history --range 2026-02-01..2026-03-01",
+            environment);
+    ASSERT_EQ(history.status, 0) << history.err;
+    EXPECT_EQ(history.value()["songs"], 1);
+    EXPECT_EQ(std::filesystem::last_write_time(data()), before);
+    std::filesystem::permissions(data(), std::filesystem::perms(0755));
+}
+
 }  // namespace
 }  // namespace tavrion
