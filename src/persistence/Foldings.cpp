@@ -84,12 +84,11 @@ void Foldings::reunite(NSManagedObjectContext& context) {
         PlaybackHistory survivor(*found);
         NSLog("{} plays follow their song's folded record", plays.size());
         survivor.addPlays(plays);
+        const auto isNew = [&counted = folding.countedPlays](const PlayEvent& play) {
+            return !std::binary_search(counted.begin(), counted.end(), play.objectID());
+        };
         const std::int64_t count =
-            folding.playCount +
-            std::count_if(plays.begin(), plays.end(), [&](const PlayEvent& play) {
-                return !std::binary_search(folding.countedPlays.begin(), folding.countedPlays.end(),
-                                           play.objectID());
-            });
+            folding.playCount + std::count_if(plays.begin(), plays.end(), isNew);
         survivor.setPlayCount(std::max(survivor.playCount(), count));
         for (const PlayEvent& play : plays) {
             survivor.setLastEventDate(laterDate(survivor.lastEventDate(), play.eventDate()));
