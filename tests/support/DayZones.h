@@ -77,8 +77,8 @@ struct DayZone {
         ADD_FAILURE() << zone << " has no day " << wanted.number;
         return lived();
     }
-    friend std::ostream& operator<<(std::ostream& out, const DayZone& zone) {
-        return out << zone.zone << " " << zone.year << "-" << zone.month << "-" << zone.day;
+    friend std::ostream& operator<<(std::ostream& out, const DayZone& place) {
+        return out << place.zone << " " << place.year << "-" << place.month << "-" << place.day;
     }
 };
 
