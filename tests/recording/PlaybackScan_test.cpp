@@ -331,7 +331,8 @@ TEST_F(ScanEndTest, withSuspectPlaysTheAwardPassComesBeforeTheQuestion) {
     for (const SuspectAnswer answer : {SuspectAnswer::keepAll, SuspectAnswer::keepMostRecent}) {
         environment.clock.advance(3600);
         const NSDate now = environment.clock.now();
-        publish(environment.history("Song").playCount() + 6, now.timeIntervalSinceReferenceDate());
+        const auto count = static_cast<std::uint64_t>(environment.history("Song").playCount() + 6);
+        publish(count, now.timeIntervalSinceReferenceDate());
         scan();
         EXPECT_EQ(takeSteps(), std::vector<std::string>{"award pass"});
         ASSERT_TRUE(environment.presenter.pendingAnswer);
