@@ -182,7 +182,9 @@ TEST_F(HistoryChartTest, barHeaderAndButtonSpeakOfOneCalendarInEveryLocale) {
         choose(2);
         EXPECT_EQ(labels()[2], texts.bar);
         EXPECT_EQ(screen->state()->titleForHeaderInSection(1), texts.header);
-        EXPECT_EQ(screen->state()->dateRangeTitle.textWithoutAttachments(), texts.button);
+        EXPECT_EQ(
+            DateRange::stored(DateRangeKey::history).attributedTitle().textWithoutAttachments(),
+            texts.button);
         EXPECT_EQ(RVDateRangeSegmentedControl().yearTitle(), texts.button);
     }
 }

@@ -165,6 +165,8 @@ class HistoryFixture : public testing::Test {
     std::shared_ptr<RVHistoryTableViewViewController> screen =
         RVHistoryTableViewViewController::make();
     ScreenAttachment attachment = screen->attach(window);
+    /// What a window finds when it attaches itself.
+    const bool isFilled = (window.page = screen->state()) != nullptr;
 };
 
 }  // namespace tavrion

@@ -101,7 +101,7 @@ TEST_F(HistoryTextTest, theChosenBarStandsOutAndItsDayIsAlone) {
 
 TEST_F(HistoryTextTest, coloursAreOnlyWhereTheyAreShown) {
     EXPECT_THAT(lines(page(7), 80), Not(Contains(HasSubstr("\033"))));
-    EXPECT_EQ(lines(page(7), 80, {true, true})[0], "\033[1mMonday – Today\033[0m");
+    EXPECT_EQ(lines(page(7), 80, {true, true})[0], "\033[1mThe Range\033[0m");
 }
 
 }  // namespace
