@@ -67,9 +67,13 @@ function(tavrion_room name)
 endfunction()
 
 # tavrion_tests(name FOLDER path... LINKS target... [COST number]): one test executable for all .cpp of the folders. Tests of
-# a higher cost start earlier, so that no long one is left for the end.
+# a higher cost start earlier, so that no long one is left for the end. NO_QUEUES: what they
+# test has no queue, or they test it in processes of its own, so that ThreadSanitizer is not built for them.
 function(tavrion_tests name)
-  cmake_parse_arguments(T "" "COST" "FOLDER;LINKS" ${ARGN})
+  cmake_parse_arguments(T "NO_QUEUES" "COST" "FOLDER;LINKS" ${ARGN})
+  if(T_NO_QUEUES AND TAVRION_SANITIZE STREQUAL "thread")
+    return()
+  endif()
   if(NOT T_COST)
     set(T_COST 0)
   endif()
@@ -104,6 +108,9 @@ endfunction()
 
 # tavrion_script_test(name script argument...): a test that is a Python script of its own.
 function(tavrion_script_test name script)
+  if(TAVRION_SANITIZE STREQUAL "thread")
+    return()
+  endif()
   add_test(NAME ${name} COMMAND Python3::Interpreter "${CMAKE_SOURCE_DIR}/${script}" ${ARGN})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 COST 30 ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1")
 endfunction()
