@@ -5,6 +5,7 @@
 #include <chrono>
 #include <fstream>
 #include <future>
+#include <memory>
 #include <optional>
 #include <thread>
 
@@ -157,15 +158,16 @@ TEST_F(FileWatchTest, itsEndWaitsForTheRunningCall) {
 }
 
 TEST_F(FileWatchTest, mayBeEndedFromInside) {
-    Mutex mutex;
+    // The watching thread lets go of it when this test may be over already.
+    const auto mutex = std::make_shared<Mutex>();
     Observation watching;
     {
         // The call takes the lock too: it comes after the observation is here.
-        const MutexLock lock(mutex);
+        const MutexLock lock(*mutex);
         watching = std::move(watchFile(
                                  file(),
-                                 [&] {
-                                     const MutexLock held(mutex);
+                                 [&, mutex] {
+                                     const MutexLock held(*mutex);
                                      watching.end();
                                      calls.note();
                                  },
