@@ -228,8 +228,8 @@ class LintTest(Tree):
                 os.rmdir(os.path.join(self.root, folder))
 
     def test_paths_of_every_system_and_relative_ones_pass_and_so_does_the_tool_itself(self):
-        result = self.paths("#!/usr/bin/env python3\n/etc/localtime, /var/lib, ../tmp/a, $HOME/work/a, ${place}/opt/a, a/home/b\n"
-                            "https://host/root/a, tests/tmp/a, */tmp/*, a home/work/tmp, /tmp, ~/work/a, {root}/srv/a\n"
+        result = self.paths("#!/usr/bin/env python3\n/etc/localtime, /var/lib, ../tmp/a, $HOME/opt/a, ${place}/opt/a, a/home/b\n"
+                            "https://host/root/a, tests/tmp/a, */tmp/*, a home/opt/tmp, /tmp, ~/opt/a, {root}/srv/a\n"
                             "/home/user/Music, file:///Users/listener/Music, --data-dir /tmp/try, (/tmp/try)\n")
         self.assertEqual(result.returncode, 0, result.stdout)
 
